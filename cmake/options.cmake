@@ -1,0 +1,14 @@
+# Flags of every target, and the compiler cache.
+
+find_program(CCACHE ccache)
+if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+# Missing values and tie rules compare doubles exactly, so no flag may relax floating point.
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror -fno-fast-math -ffp-contract=off)
+
+if(TAVO_SANITIZE)
+  add_compile_options(-fsanitize=${TAVO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -g1)
+  add_link_options(-fsanitize=${TAVO_SANITIZE})
+endif()

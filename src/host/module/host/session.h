@@ -1,0 +1,56 @@
+// The host's running session: how the module's entry, which takes no arguments, finds its host.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "host/command.h"
+#include "host/data.h"
+#include "host/output.h"
+#include "host/stop.h"
+#include "host/threads.h"
+
+namespace host {
+
+/// The fields of the host's common block that procedures use.
+struct CommonBlock {
+  std::int64_t errorFlag = 0;       // nonzero once the host has recorded an error that ends the command
+  std::int64_t splitFileCount = 0;  // above 0 while split-file processing is on
+  std::int64_t weightVariable = 0;  // above 0 while a case weight is on
+};
+
+/// Shows how far a long stage is. Called at most a few times a second by well-behaved callers; the host may ignore it.
+class ProgressDisplay {
+ public:
+  virtual ~ProgressDisplay() = default;
+  /// `stage` is a dictionary key; `detail` a short text such as "iteration 3".
+  virtual void Show(std::string_view stage, std::string_view detail) = 0;
+};
+
+class HostSession {
+ public:
+  virtual ~HostSession() = default;
+  virtual CommonBlock& Common() = 0;
+  virtual std::unique_ptr<ProcedureDataSource> MakeDataSource() = 0;
+  virtual std::unique_ptr<VORN_TokenSequence> MakeTokenSequence() = 0;
+  virtual std::unique_ptr<BpProcedure> MakeProcedure(const std::string& title) = 0;
+  virtual std::unique_ptr<MCStopProcessor> MakeStopProcessor() = 0;
+  virtual TaskThreadService& Threads() = 0;
+  virtual ProgressDisplay& Progress() = 0;
+  /// The number of threads that a procedure may use; 0 leaves it at one.
+  virtual int GetThreads() const = 0;
+};
+
+/// The session in which a command runs. The host sets it before it calls an entry; there is always one then.
+HostSession& CurrentSession();
+
+/// The host's thread setting.
+inline int GETTHREADS() { return CurrentSession().GetThreads(); }
+/// The host's common block.
+inline CommonBlock& pvGetCmnGlb() { return CurrentSession().Common(); }
+
+}  // namespace host
+
+/// The module's only exported function: runs one TAVOREG command of the current session.
+extern "C" void TAVOMAIN();
