@@ -1,0 +1,90 @@
+// The sums of one evaluation: log-likelihood, scores, information.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "estimation/numerics/sym_matrix.h"
+#include "estimation/sparse_vector.h"
+#include "input/comp_settings.h"
+
+namespace tavo {
+
+/// A symmetric matrix of n by n blocks, each a packed symmetric m by m matrix. Block (i, j) and block (j, i) are the
+/// same object. A failed allocation leaves an invalid, empty structure.
+class OrvSymStructure {
+ public:
+  OrvSymStructure() = default;
+  OrvSymStructure(int blocks, int rowsPerBlock);
+  bool IsValid() const { return fNRowsPerBlock >= 0; }
+  int Blocks() const { return fNBlocks; }
+  int RowsPerBlock() const { return fNRowsPerBlock; }
+  MCCommonMath::MCSymMatrix& Block(int i, int j) { return fBlocks[Index(i, j)]; }
+  const MCCommonMath::MCSymMatrix& Block(int i, int j) const { return fBlocks[Index(i, j)]; }
+  void Clear();
+
+ private:
+  static std::size_t Index(int i, int j) {
+    const int high = i >= j ? i : j;
+    const int low = i >= j ? j : i;
+    return static_cast<std::size_t>(high) * static_cast<std::size_t>(high + 1) / 2 + static_cast<std::size_t>(low);
+  }
+  int fNBlocks = 0;
+  int fNRowsPerBlock = 0;
+  std::vector<MCCommonMath::MCSymMatrix> fBlocks;
+};
+
+/// Sums over rows the weighted log-likelihood, the score vector and the information of the baseline-category logit at
+/// one parameter vector (lent; (K-1) p' values, logit by logit, p' kept basic parameters). One object per thread.
+class TavoAccumStats {
+ public:
+  TavoAccumStats(const TavoCompSettings& settings, int parameters, int categories,
+                 const std::vector<double>& estimates);
+  virtual ~TavoAccumStats() = default;
+
+  bool IsValid() const { return fbValid; }
+  virtual void Reset(int method, bool separationCheck);
+  virtual bool IsUsable() const { return true; }
+  /// Adds one row. `category` is the local index, K-1 the reference. 0, or -1 for a refused row (bad indices, category
+  /// out of range, weight not above 0).
+  virtual int UpdateForRow(const std::vector<int>& indices, const std::vector<double>& values, int category,
+                           double weight, bool likelihoodOnly);
+  /// Probabilities of all categories and the log-probability of the reference, safe for any size of the linear
+  /// predictors. False for unusable arguments.
+  virtual bool ComputeProbabilities(const OrvSparseVector& row, const std::vector<double>& parameters, int categories,
+                                    int parameterCount, std::vector<double>& probabilities, double& logReference);
+  virtual double StepHalvingFactor() const { return 1.0; }
+  /// An empty accumulator of the same sizes over the same parameter vector.
+  virtual std::unique_ptr<TavoAccumStats> CloneEmpty() const;
+  /// Adds another object's sums; a sum with a missing operand is missing.
+  virtual void Merge(const TavoAccumStats& other);
+
+  /// The dense information matrix of (K-1) p' rows, or -1.
+  int GetHessian(MCCommonMath::MCSymMatrix& matrix) const;
+  const std::vector<double>& Scores() const { return fScores; }
+  double LogLikelihood() const { return fLogLikelihood; }
+  void GetCounts(int& valid, int& invalid, double& weight) const;
+  void GetObservedProbabilities(double& minObserved, double& maxObserved, double& minComputed) const;
+
+ protected:
+  const TavoCompSettings& fSettings;
+  int fNParameters;
+  int fNCategories;
+  const std::vector<double>& fEstimates;
+  double fLogLikelihood = 0;
+  std::vector<double> fScores;
+  OrvSymStructure fHessian;
+  int fNValidRows = 0;
+  int fNInvalidRows = 0;
+  double fWeight = 0;
+  int fMethod = 0;
+  bool fbSeparationCheck = false;
+  double fMinObserved = 0;
+  double fMaxObserved = 0;
+  double fMinComputed = 0;
+  bool fbValid = false;
+  std::vector<double> fLinearPredictors;  // work
+  std::vector<double> fProbabilities;     // work
+};
+
+}  // namespace tavo

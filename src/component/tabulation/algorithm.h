@@ -1,0 +1,86 @@
+// The fixed sequence of passes and stages of one run.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "design/inference.h"
+#include "estimation/model.h"
+#include "estimation/optimizer.h"
+#include "frame/orv_cancel_info.h"
+#include "frame/orv_status.h"
+#include "input/comp_settings.h"
+#include "input/record_extractor.h"
+#include "input/record_iterator.h"
+#include "tabulation/data_tabulator.h"
+#include "tabulation/factor_tables.h"
+
+namespace tavo {
+
+class TavoPatternTabulator;
+
+/// Owns all working objects of a run. Each stage starts only when the status is no error and nobody cancelled. Pattern
+/// data is released before the design pass starts, so the two large tables never stand in memory together.
+class TavoAlgorithm {
+ public:
+  /// `settings` are lent.
+  explicit TavoAlgorithm(const TavoCompSettings& settings);
+  ~TavoAlgorithm();
+
+  /// First pass: fills the factor tables. 95003 when called twice.
+  OrvStatus ProcessData(MCCommon::RecordIterator& iterator);
+  /// The whole run, ProcessData included. 95005 when called twice. The result is an error, or the last warning, or OK.
+  OrvStatus BuildModel(MCCommon::MultiPassRecordIter& iterator);
+  /// Scores one record: categories (reference last), their probabilities, and the predicted category code, 0 for
+  /// none. 95037 outside the subpopulation, 95006 before the model is built.
+  OrvStatus Predict(const MCCommon::Record& record, std::vector<int>& categories, std::vector<double>& probabilities,
+                    int& category);
+
+  bool IsModelBuilt() const { return fbModelBuilt; }
+  const TavoCompSettings& Settings() const { return fSettings; }
+  const OrvFactorTables& FactorTables() const { return fFactorTables; }
+  const std::vector<double>& MeanValues() const { return fMeanValues; }
+  const TavoModel& Model() const { return fModel; }
+  /// Null until the fit.
+  const TavoOptimizer* Optimizer() const { return fpOptimizer.get(); }
+  /// Null until the variance stage, or when the model has no parameters.
+  const TavoInference* Inference() const { return fpInference.get(); }
+  int StrataCount() const { return fNStrata; }
+  int ClusterCount() const { return fNClusters; }
+  const std::vector<OrvStatus>& StatusList() const { return fStatusList; }
+  /// The stage and the key values behind 91005, 91008 and 91009; false for other codes.
+  bool WarningDetail(const OrvStatus& status, int& stage, std::vector<int>& keyValues) const;
+
+ private:
+  bool MayGoOn() const { return !fStatus.IsError() && !fCancel.IsCancelled(); }
+  void Merge(const OrvStatus& status);
+  void SetUpExtractors();
+  void SetUpEffects();
+  void SetUpModel();
+  void Estimate();
+  void ComputeVariances(MCCommon::MultiPassRecordIter& iterator);
+  OrvStatus FeedDesign(MCCommon::MultiPassRecordIter& iterator, SampleDesign& design);
+  void TakeFindings(const TavoDataTabulator& tabulator);
+
+  const TavoCompSettings& fSettings;
+  OrvRecordExtractor fPatternExtractor;
+  OrvRecordExtractor fDataExtractor;
+  OrvFactorTables fFactorTables;
+  std::unique_ptr<TavoPatternTabulator> fpPatternTabulator;
+  int fNStrata = 0;
+  int fNClusters = 0;
+  std::vector<double> fMeanValues;
+  OrvCancelInfo fCancel;
+  TavoModel fModel;
+  std::vector<double> fEstimates;  // of the kept parameters, on the internal scale; shared with the optimizer
+  std::unique_ptr<TavoOptimizer> fpOptimizer;
+  std::unique_ptr<TavoInference> fpInference;
+  bool fbFactorTableFilled = false;
+  bool fbModelBuilt = false;
+  OrvStatus fStatus;
+  std::vector<DesignFinding> fConstFindings;
+  std::vector<OrvKey> fPopulationKeys;
+  std::vector<OrvStatus> fStatusList;
+};
+
+}  // namespace tavo
