@@ -1,0 +1,26 @@
+// From the tokens of a TAVOREG command to a checked specification.
+#pragma once
+
+#include "command/valid_specs.h"
+#include "host/command.h"
+#include "host/data.h"
+
+namespace tavo {
+
+/// Parses the tokens, reads the plan and checks both against the dictionary. Messages go out at the point of failure.
+/// The parser owns what the specification refers to and must outlive the specification's readers.
+class TavoCommandParser {
+ public:
+  /// Everything is lent.
+  TavoCommandParser(const host::VORN_TokenSequence& tokens, TavoValidSpecs& specs, host::ProcedureDataSource& data);
+  ~TavoCommandParser();
+
+  /// Once only. Nonzero for success.
+  int Parse();
+
+ private:
+  class Impl;
+  std::unique_ptr<Impl> fpImpl;
+};
+
+}  // namespace tavo

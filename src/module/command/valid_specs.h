@@ -1,0 +1,172 @@
+// A checked TAVOREG command.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "command/plan_valid_specs.h"
+#include "host/data.h"
+#include "host/files.h"
+#include "input/comp_settings.h"
+#include "input/model_effect.h"
+
+namespace tavo {
+
+enum class Statistic : int { PARAMETER = 0, EXP = 1, SE = 2, TTEST = 3, CINTERVAL = 4, DEFF = 5, DEFFSQRT = 6 };
+enum class PrintOption : int {
+  SAMPLEINFO = 0,
+  VARIABLEINFO = 1,
+  SUMMARY = 2,
+  GEF = 3,
+  LMATRIX = 4,
+  COVB = 5,
+  CORB = 6,
+  CLASSTABLE = 7,
+  NONE = 8
+};
+
+/// A value of a variable in host cells; empty: none.
+struct CategoryValue {
+  std::vector<host::OBS> cells;
+  host::VORN_Format format;
+  bool Empty() const { return cells.empty(); }
+};
+
+/// Filled by the command parser, read by driver and output; builds the component's settings and completes them after
+/// the first pass. Indices of variables are dictionary indices, -1 not set.
+class TavoValidSpecs final : public OrvPlanValidSpecs {
+ public:
+  /// Before the first pass: numbers the record columns and makes the settings from plan, options and limits.
+  bool BuildSettings() override;
+  /// After the first pass: gives the settings what was counted. Call SetDependentCounts, SetFactorLevels and
+  /// SetDomainCode before.
+  void CompleteSettings();
+  /// Null before BuildSettings.
+  TavoCompSettings* Settings() { return fpSettings.get(); }
+  const TavoCompSettings* Settings() const { return fpSettings.get(); }
+
+  // The dependent variable and its reference: highest, a value, or (neither) lowest.
+  void SetDependent(int variable, bool highReference, CategoryValue reference);
+  int DependentVariable() const { return fDependent; }
+  bool IsHighReference() const { return fbHighReference; }
+  const CategoryValue& ReferenceValue() const { return fReference; }
+  void SetDependentCounts(int categories, int referenceCode);
+  int DependentColumn() const { return fDependentColumn; }  // record column
+
+  // Predictors. "Used" ones stand in the model; the full lists stay in force for the records.
+  void SetFactors(std::vector<int> factors) { fFactors = std::move(factors); }
+  void SetCovariates(std::vector<int> covariates) { fCovariates = std::move(covariates); }
+  void SetUsedFactors(std::vector<int> factors) { fUsedFactors = std::move(factors); }
+  void SetUsedCovariates(std::vector<int> covariates) { fUsedCovariates = std::move(covariates); }
+  const std::vector<int>& Factors() const { return fFactors; }
+  const std::vector<int>& Covariates() const { return fCovariates; }
+  const std::vector<int>& UsedFactors() const { return fUsedFactors; }
+  const std::vector<int>& UsedCovariates() const { return fUsedCovariates; }
+  /// Record columns of the factors, in order; filled by BuildSettings.
+  const std::vector<int>& FactorColumns() const { return fFactorColumns; }
+  const std::vector<int>& CovariateColumns() const { return fCovariateColumns; }
+  /// Ignored unless there is one count per factor.
+  void SetFactorLevels(std::vector<int> levels);
+  const std::vector<int>& FactorLevels() const { return fFactorLevels; }
+  /// Effects over dictionary indices; copied.
+  void SetEffects(std::vector<OrvModelEffect> effects) { fEffects = std::move(effects); }
+  const std::vector<OrvModelEffect>& Effects() const { return fEffects; }
+  /// The same effects over record columns; filled by BuildSettings.
+  const std::vector<OrvModelEffect>& RecordEffects() const { return fRecordEffects; }
+  void SetIntercept(bool use) { fbUseIntercept = use; }
+  void SetShowIntercept(bool show) { fbShowIntercept = show; }
+  bool UsesIntercept() const { return fbUseIntercept; }
+  bool ShowsIntercept() const { return fbShowIntercept; }
+
+  // The subpopulation.
+  void SetDomain(int variable, CategoryValue value);
+  int DomainVariable() const { return fDomain; }
+  const CategoryValue& DomainValue() const { return fDomainValue; }
+  void SetDomainCode(int code) { fDomainCode = code; }
+
+  // Criteria. Values out of range are ignored.
+  void SetCheckSeparation(int value) { fCheckSeparation = value; }
+  void SetConfidenceLevel(double percent);
+  void SetDegreesOfFreedom(double df) { fDegreesOfFreedom = df; }
+  void SetLogLikConvergence(double value, bool relative);
+  void SetMaximumIterations(int value);
+  void SetMaximumStepHalving(int value);
+  void SetParamConvergence(double value, bool relative);
+  void SetSingularity(double value) { fSingularity = value; }
+  int CheckSeparation() const { return fCheckSeparation; }
+  double ConfidenceLevel() const { return fConfidenceLevel; }  // percent
+  double DegreesOfFreedom() const { return fDegreesOfFreedom; }
+  double LogLikConvergence() const { return fLogLikConvergence; }
+  bool IsLogLikRelative() const { return fbLogLikRelative; }
+  int MaximumIterations() const { return fMaximumIterations; }
+  int MaximumStepHalving() const { return fMaximumStepHalving; }
+  double ParamConvergence() const { return fParamConvergence; }
+  bool IsParamRelative() const { return fbParamRelative; }
+  double Singularity() const { return fSingularity; }
+
+  // Tests, statistics, printing.
+  void SetTestSubcommandUsed(bool used) { fbTestUsed = used; }
+  bool IsTestSubcommandUsed() const { return fbTestUsed; }
+  void SetTestType(TestType type) { fTestType = type; }
+  void SetAdjustment(PAdjustMethod method) { fAdjustment = method; }
+  TestType GetTestType() const { return fTestType; }
+  PAdjustMethod Adjustment() const { return fAdjustment; }
+  bool AddStatistic(Statistic statistic);    // false when it is there already
+  bool AddPrintOption(PrintOption option);
+  bool Has(Statistic statistic) const;
+  bool Has(PrintOption option) const;
+  const std::vector<Statistic>& Statistics() const { return fStatistics; }
+  const std::vector<PrintOption>& PrintOptions() const { return fPrintOptions; }
+  void SetHistoryStep(int step) { fHistoryStep = step; }
+  int HistoryStep() const { return fHistoryStep; }
+
+  void SetExcludeMissing(bool exclude) { fbExcludeMissing = exclude; }
+  bool ExcludesMissing() const { return fbExcludeMissing; }
+  host::UserCaseFileSpec& JointProbFile() { return fJointProbFile; }
+
+  /// A value as text by its format, trimmed when `trim` (numbers always are); empty for no value.
+  static std::string ValueText(const CategoryValue& value, bool trim);
+
+ private:
+  void AssignColumns();
+  void GiveOptions();
+
+  int fDomain = -1;
+  CategoryValue fDomainValue;
+  int fDomainCode = -1;
+  int fDomainColumn = -1;
+  int fDependent = -1;
+  bool fbHighReference = true;
+  CategoryValue fReference;
+  int fDependentColumn = -1;
+  int fNCategories = 0;
+  int fReferenceCode = 0;
+  std::vector<int> fFactors, fUsedFactors, fFactorColumns, fFactorLevels;
+  std::vector<int> fCovariates, fUsedCovariates, fCovariateColumns;
+  std::vector<int> fRecordPredictors;  // record columns: factors, then covariates; effects of the settings refer to it
+  std::vector<OrvModelEffect> fEffects, fRecordEffects;
+  bool fbUseIntercept = true;
+  bool fbShowIntercept = true;
+  int fCheckSeparation = 20;
+  double fConfidenceLevel = 95.0;
+  double fDegreesOfFreedom = -1.0;
+  double fLogLikConvergence = 0.0;
+  bool fbLogLikRelative = true;
+  int fMaximumIterations = 100;
+  int fMaximumStepHalving = 5;
+  double fParamConvergence = 1e-6;
+  bool fbParamRelative = true;
+  double fSingularity = 1e-12;
+  bool fbTestUsed = false;
+  TestType fTestType = TestType::WaldF;
+  PAdjustMethod fAdjustment = PAdjustMethod::LeastSignificanceDifference;
+  std::vector<Statistic> fStatistics;
+  std::vector<PrintOption> fPrintOptions;
+  int fHistoryStep = 0;
+  bool fbExcludeMissing = true;
+  host::UserCaseFileSpec fJointProbFile;
+  std::unique_ptr<TavoCompSettings> fpSettings;
+};
+
+}  // namespace tavo

@@ -1,0 +1,53 @@
+// What stands between the host-aware layer and the component.
+#pragma once
+
+#include <memory>
+
+#include "command/valid_specs.h"
+#include "estimation/progress.h"
+#include "frame/orv_status.h"
+#include "host/data.h"
+#include "input/proc_ds_multi_iter.h"
+#include "input/reg_input_adapter.h"
+#include "input/variable_reporter.h"
+#include "tabulation/component.h"
+
+namespace tavo {
+
+class TavoProcedureDriver {
+ public:
+  /// Specification (with its settings built) and data source are lent. Fetches the first accepted case.
+  TavoProcedureDriver(TavoValidSpecs& specs, host::ProcedureDataSource& source);
+  ~TavoProcedureDriver();
+
+  /// The first pass: categories are collected and sorted, reference and domain codes settled.
+  bool ProcessDataPass();
+  /// Builds the component and runs it.
+  bool RunModel();
+  /// Hands the component's statuses to the host.
+  void ReportWarnings();
+  void ReportStatus(const OrvStatus& status);
+
+  /// Null until RunModel.
+  TavoComponent* Component() { return fpComponent.get(); }
+  const OrvRegInputAdapter& Adapter() const { return *fpAdapter; }
+  const OrvIterationData& Iterations() const { return *fpIterations; }
+  OrvStatus Status() const { return fStatus; }
+  const TavoValidSpecs& Specs() const { return fSpecs; }
+
+ private:
+  bool SettleDependent();
+  void SettleFactors();
+  bool SettleDomain();
+
+  TavoValidSpecs& fSpecs;
+  host::ProcedureDataSource& fSource;
+  std::unique_ptr<OrvVariableReporter> fpReporter;
+  std::unique_ptr<OrvRegInputAdapter> fpAdapter;
+  std::unique_ptr<OrvProcDSMultiIter> fpIterator;
+  std::unique_ptr<TavoComponent> fpComponent;
+  std::unique_ptr<OrvIterationData> fpIterations;
+  OrvStatus fStatus;
+};
+
+}  // namespace tavo

@@ -1,0 +1,82 @@
+// From the host's cases to the component's records.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "command/plan_valid_specs.h"
+#include "host/data.h"
+#include "input/adapt_variables.h"
+#include "input/variable_reporter.h"
+
+namespace tavo {
+
+/// Turns the current case into a record: an array of doubles in which a category is a positive whole code and
+/// everything missing is the missing marker. Keeps the code table of each categorical variable, decides which cases are
+/// dropped, and counts.
+class OrvInputAdapter {
+ public:
+  /// Everything is lent; `iterator` until the next BeginPass. `includeUserMissing`: declared missing values of
+  /// categorical variables are categories like any other.
+  OrvInputAdapter(const OrvPlanValidSpecs& specs, const host::VORN_DataSource& source,
+                  const host::VORN_InputCaseIterator& iterator, const OrvVariableReporter& reporter,
+                  bool listwise, bool includeUserMissing);
+  virtual ~OrvInputAdapter() = default;
+
+  virtual int RecordLength() const;
+  virtual bool FillCategorical(double* record);
+  virtual bool FillContinuous(double* record);
+  virtual bool FillMatrix(double* record);
+  virtual bool FillGenerated(double* record);
+  virtual bool AcceptRecord(double*) { return true; }
+  virtual bool IsPredictionMode() const { return false; }
+
+  /// Starts the next pass: zeroes the counters and binds the variables to the new iterator.
+  void BeginPass(const host::VORN_InputCaseIterator& iterator);
+  /// Cell of a categorical variable's code, null for a code out of range; lent until the next SortCategories.
+  const host::OBS* ValueForCode(int variable, int code) const;
+  const host::OBS* ValueForColumnCode(int column, int code, int& variable) const;
+  /// The code of a value; 0 when it isn't known and not to be inserted.
+  int CodeForValue(int variable, const host::OBS* cells, bool& notFound, bool insert);
+
+  struct Counters {
+    long casesRead = 0;
+    long recordsPassed = 0;
+    long valid = 0;
+    long invalid = 0;
+  };
+  Counters& Counts() { return fCounts; }
+  const Counters& Counts() const { return fCounts; }
+  int PassCounter() const { return fNPass; }
+
+ protected:
+  OrvAdaptCatVar* CategoricalOf(int variable) const;  // null when it isn't categorical
+
+  const OrvPlanValidSpecs& fSpecs;
+  const host::VORN_DataSource& fSource;
+  const OrvVariableReporter& fReporter;
+  std::vector<OrvAdaptCatVar> fCategorical;    // in the order of the specification's map
+  std::vector<OrvAdaptContVar> fContinuous;
+  std::vector<OrvAdaptMatrixVar> fMatrices;
+  std::map<int, std::size_t> fVariablePosition;
+  Counters fCounts;
+  int fNPass = 0;
+  bool fbListwise;
+  bool fbIncludeUserMissing;
+};
+
+class OrvRegInputAdapter final : public OrvInputAdapter {
+ public:
+  OrvRegInputAdapter(const OrvPlanValidSpecs& specs, const host::VORN_DataSource& source,
+                     const host::VORN_InputCaseIterator& iterator, const OrvVariableReporter& reporter,
+                     bool includeUserMissing)
+      : OrvInputAdapter(specs, source, iterator, reporter, true, includeUserMissing) {}
+
+  /// Codes of a categorical variable; 0 when it isn't one.
+  int CategoryCount(int variable) const;
+  /// Recodes so that codes rise (or fall) with the value.
+  void SortCategories(int variable, bool ascending);
+};
+
+}  // namespace tavo
