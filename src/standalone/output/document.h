@@ -37,7 +37,7 @@ struct PivotLabel {
 struct PivotDimension {
   host::BpPlace place = host::BpPlace::kRow;
   int level = 1;  // 1 is the innermost of its place
-  bool showLabel = true;
+  bool hideLabel = false;
   bool hideWhenSingle = false;
   std::vector<PivotLabel> labels;
 

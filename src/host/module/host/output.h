@@ -131,8 +131,10 @@ enum class BpPlace { kRow = 0, kColumn = 1 };
 /// A dimension is the outermost group of its categories.
 class BpDimension : public BpGroup {
  public:
-  /// Rows or columns; level 1 is the innermost dimension of its place, higher levels lie outside it.
-  virtual void Position(BpPlace place, int level, bool showLabel, bool hideWhenSingle) = 0;
+  /// Rows or columns; level 1 is the innermost dimension of its place, higher levels lie outside it. `hideLabel`: the
+  /// dimension's own label is not shown beside its categories. `hideWhenSingle`: the dimension isn't shown at all when
+  /// it has one category only.
+  virtual void Position(BpPlace place, int level, bool hideLabel, bool hideWhenSingle) = 0;
 };
 
 class BpPivotTable {
