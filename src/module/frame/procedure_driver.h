@@ -36,7 +36,9 @@ class TavoProcedureDriver {
   const TavoValidSpecs& Specs() const { return fSpecs; }
 
  private:
+  bool WalkFirstPass();
   bool SettleDependent();
+  int ReferenceCode();
   void SettleFactors();
   bool SettleDomain();
 
@@ -47,6 +49,7 @@ class TavoProcedureDriver {
   std::unique_ptr<OrvProcDSMultiIter> fpIterator;
   std::unique_ptr<TavoComponent> fpComponent;
   std::unique_ptr<OrvIterationData> fpIterations;
+  std::unique_ptr<ProgressListener> fpProgress;  // shows each iteration and hands it on to fpIterations
   OrvStatus fStatus;
 };
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <map>
-#include <memory>
 #include <vector>
 
 #include "command/plan_valid_specs.h"
@@ -24,17 +23,15 @@ class OrvInputAdapter {
                   bool listwise, bool includeUserMissing);
   virtual ~OrvInputAdapter() = default;
 
-  virtual int RecordLength() const;
+  virtual int RecordLength() const { return fSpecs.RecordLength(); }
+  /// Each fills its columns of the record from the current case and answers whether the case may stay.
   virtual bool FillCategorical(double* record);
   virtual bool FillContinuous(double* record);
   virtual bool FillMatrix(double* record);
-  virtual bool FillGenerated(double* record);
-  virtual bool AcceptRecord(double*) { return true; }
-  virtual bool IsPredictionMode() const { return false; }
 
   /// Starts the next pass: zeroes the counters and binds the variables to the new iterator.
   void BeginPass(const host::VORN_InputCaseIterator& iterator);
-  /// Cell of a categorical variable's code, null for a code out of range; lent until the next SortCategories.
+  /// Cells of a categorical variable's code, null for a code out of range; lent until the next SortCategories.
   const host::OBS* ValueForCode(int variable, int code) const;
   const host::OBS* ValueForColumnCode(int column, int code, int& variable) const;
   /// The code of a value; 0 when it isn't known and not to be inserted.
@@ -51,19 +48,27 @@ class OrvInputAdapter {
   int PassCounter() const { return fNPass; }
 
  protected:
-  OrvAdaptCatVar* CategoricalOf(int variable) const;  // null when it isn't categorical
+  /// A variable of the record with the column that it fills.
+  template <class Variable>
+  struct Filled {
+    Variable variable;
+    std::size_t column;
+  };
+
+  const OrvAdaptCatVar* CategoricalOf(int variable) const;  // null when it isn't categorical
+  OrvAdaptCatVar* CategoricalOf(int variable);
+  void ReportInvalid(const OrvAdaptContVar& variable) const;
+  void ReportNotInMatrix(const OrvAdaptMatrixVar& variable) const;
 
   const OrvPlanValidSpecs& fSpecs;
-  const host::VORN_DataSource& fSource;
   const OrvVariableReporter& fReporter;
-  std::vector<OrvAdaptCatVar> fCategorical;    // in the order of the specification's map
-  std::vector<OrvAdaptContVar> fContinuous;
-  std::vector<OrvAdaptMatrixVar> fMatrices;
-  std::map<int, std::size_t> fVariablePosition;
+  std::vector<Filled<OrvAdaptCatVar>> fCategorical;  // in the order of the specification's map
+  std::vector<Filled<OrvAdaptContVar>> fContinuous;
+  std::vector<Filled<OrvAdaptMatrixVar>> fMatrices;
+  std::map<int, std::size_t> fVariablePosition;  // dictionary index to position in fCategorical
   Counters fCounts;
-  int fNPass = 0;
+  int fNPass = 0;  // 0 in the first pass, in which the code tables grow
   bool fbListwise;
-  bool fbIncludeUserMissing;
 };
 
 class OrvRegInputAdapter final : public OrvInputAdapter {

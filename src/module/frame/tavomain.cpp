@@ -1,0 +1,86 @@
+// The module's entry: one command from its tokens to its tables.
+
+#include <memory>
+
+#include "command/command_parser.h"
+#include "command/valid_specs.h"
+#include "frame/procedure_driver.h"
+#include "host/session.h"
+#include "reporting/output_frame.h"
+
+namespace {
+
+using host::BpError;
+using host::BpErrorLevel;
+using host::Key;
+
+/// The procedure runs with the host's split files and case weight off, whatever the host's setting: the design's own
+/// weight takes their place. The parser clears both fields; this puts them back, also after an exception.
+class HostFields {
+ public:
+  HostFields() : fSplitFileCount(host::pvGetCmnGlb().splitFileCount), fWeight(host::pvGetCmnGlb().weightVariable) {}
+  ~HostFields() {
+    host::pvGetCmnGlb().splitFileCount = fSplitFileCount;
+    host::pvGetCmnGlb().weightVariable = fWeight;
+  }
+  HostFields(const HostFields&) = delete;
+  HostFields& operator=(const HostFields&) = delete;
+
+ private:
+  std::int64_t fSplitFileCount;
+  std::int64_t fWeight;
+};
+
+bool HostHasError() { return host::pvGetCmnGlb().errorFlag != 0; }
+
+bool UsesUnequalProbabilities(const tavo::TavoValidSpecs& specs) {
+  return !specs.Stages().empty() && specs.Stages().front().stage.estimator == tavo::StageEstimator::kUnequalWor;
+}
+
+/// A status that has no message of its own must not end a run in silence.
+void ReportSilentEnd(const tavo::OrvStatus& status) {
+  if (!status.IsError() || HostHasError() || status.Code() == tavo::StatusCode::kCancelled) return;
+  host::BpComposite message("The analysis ended with status ^1: ^2");
+  message.Add(host::BpNumber{static_cast<double>(status.Code()), host::BpProcedure::Count()});
+  message.Add(host::Plain(std::string(tavo::StatusCodeText(status.Code()))));
+  BpError(message, BpErrorLevel::kError);
+}
+
+void RunDriver(tavo::TavoValidSpecs& specs, host::ProcedureDataSource& source, host::BpProcedure& procedure) {
+  tavo::TavoProcedureDriver driver(specs, source);
+  const bool passed = driver.ProcessDataPass();
+  if (!HostHasError() && passed) specs.CompleteSettings();
+  bool built = false;
+  if (!HostHasError()) built = driver.RunModel();
+  if (HostHasError()) return;
+  if (built) tavo::OutputAll(driver, specs, source, procedure.Heading());
+  driver.ReportWarnings();
+  ReportSilentEnd(driver.Status());
+}
+
+void RunCommand(host::HostSession& session) {
+  const std::unique_ptr<host::BpProcedure> procedure = session.MakeProcedure("TavoReg");
+  const std::unique_ptr<host::VORN_TokenSequence> tokens = session.MakeTokenSequence();
+  const std::unique_ptr<host::ProcedureDataSource> source = session.MakeDataSource();
+  tavo::TavoValidSpecs specs;
+  tavo::TavoCommandParser parser(*tokens, specs, *source);
+  if (parser.Parse() == 0 || HostHasError() || !specs.BuildSettings() || HostHasError()) return;
+  if (UsesUnequalProbabilities(specs)) {
+    BpError(Key("Unequal probabilities without replacement are not available yet..."), BpErrorLevel::kError);
+    return;
+  }
+  tavo::NoteInputFiles(specs);
+  if (source->ColumnCount() == 0) {
+    BpError(Key("There are no valid cases for selection ..."), BpErrorLevel::kError);
+    return;
+  }
+  source->SetMaxObsAdded(0);
+  RunDriver(specs, *source, *procedure);
+}
+
+}  // namespace
+
+extern "C" void TAVOMAIN() {
+  const HostFields fields;
+  RunCommand(host::CurrentSession());
+}
