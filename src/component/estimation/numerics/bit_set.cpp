@@ -51,6 +51,8 @@ void MCBitSet::Resize(int size, bool value) {
   }
 }
 
-void MCBitSet::Clear() { std::fill(fWords.begin(), fWords.end(), 0); }
+void MCBitSet::Clear() {
+  std::fill(fWords.begin(), fWords.end(), 0);
+}
 
 }  // namespace MCCommonMath

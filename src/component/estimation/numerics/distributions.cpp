@@ -27,8 +27,12 @@ using StudentsT = boost::math::students_t_distribution<double, QuietPolicy>;
 using ChiSquared = boost::math::chi_squared_distribution<double, QuietPolicy>;
 using FisherF = boost::math::fisher_f_distribution<double, QuietPolicy>;
 
-bool IsValue(double x) { return !IsMissing(x) && !std::isnan(x); }
-bool IsDegrees(double df) { return df > 0.0 && std::isfinite(df); }
+bool IsValue(double x) {
+  return !IsMissing(x) && !std::isnan(x);
+}
+bool IsDegrees(double df) {
+  return df > 0.0 && std::isfinite(df);
+}
 
 // The value of `function()` when it is finite, else the missing value.
 template <typename Function>
@@ -84,8 +88,11 @@ double MCDistFun::CdfF(double x, double df1, double df2) {
   if (!(x >= 0.0) || !IsDegrees(df1) || !IsDegrees(df2)) {
     return MCMV::gMissingValue;
   }
-  if (std::isinf(x * df1)) {
+  if (std::isinf(x)) {
     return 1.0;
+  }
+  if (std::isinf(x * df1)) {  // finite, but out of range of the computation
+    return MCMV::gMissingValue;
   }
   return FiniteOrMissing([&] { return boost::math::cdf(FisherF(df1, df2), x); });
 }
@@ -96,6 +103,9 @@ double MCDistFun::UpperF(double x, double df1, double df2) {
   }
   if (std::isinf(x)) {
     return 0.0;
+  }
+  if (std::isinf(x * df1)) {
+    return MCMV::gMissingValue;
   }
   return FiniteOrMissing([&] { return boost::math::cdf(boost::math::complement(FisherF(df1, df2), x)); });
 }

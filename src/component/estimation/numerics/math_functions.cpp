@@ -38,8 +38,8 @@ double MCMathFun::DDot(int n, std::span<const double> x, int xOffset, int xStep,
   return sum;
 }
 
-bool MCMathFun::Daxpy(int n, double alpha, std::span<const double> x, int xOffset, int xStep, std::span<double> y,
-                      int yOffset, int yStep) {
+bool MCMathFun::Daxpy(int n, double alpha, std::span<const double> x, int xOffset, int xStep,
+                      std::span<double> y, int yOffset, int yStep) {
   if (n <= 0) {
     return true;
   }
@@ -84,8 +84,8 @@ double MCMathFun::VMaxRelDiff(std::span<const double> a, std::span<const double>
 }
 
 bool MCMathFun::TransformParameters(std::vector<double>& params, const std::vector<double>& centers,
-                                    const std::vector<double>& scales, int nBlocks, int nIntercepts, bool inverse,
-                                    bool scaleOnly) {
+                                    const std::vector<double>& scales, int nBlocks, int nIntercepts,
+                                    bool inverse, bool scaleOnly) {
   const std::size_t p = scales.size();
   if (nBlocks < 0 || nIntercepts < 0 || nIntercepts > 1 || centers.size() != p ||
       params.size() != p * static_cast<std::size_t>(nBlocks)) {

@@ -133,7 +133,8 @@ double MCRectMatrix::DotProductRowCol(int row, const MCRectMatrixData& other, in
 }
 
 bool MCRectMatrix::IsRowZero(int i) const {
-  return i >= 0 && i < GetNRows() && std::all_of(Row(i), Row(i) + GetNCols(), [](double x) { return x == 0.0; });
+  return i >= 0 && i < GetNRows() &&
+         std::all_of(Row(i), Row(i) + GetNCols(), [](double x) { return x == 0.0; });
 }
 
 }  // namespace MCCommonMath

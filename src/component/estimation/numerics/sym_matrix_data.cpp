@@ -67,7 +67,9 @@ bool MCSymMatrixData::Resize(int n) {
   return true;
 }
 
-void MCSymMatrixData::Clear() { std::fill(fElements.begin(), fElements.end(), 0.0); }
+void MCSymMatrixData::Clear() {
+  std::fill(fElements.begin(), fElements.end(), 0.0);
+}
 
 bool MCSymMatrixData::SetElem(int i, int j, double value) {
   if (!IsInside(i, j)) {
