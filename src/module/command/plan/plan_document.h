@@ -1,0 +1,54 @@
+// A plan document as a tree of elements, and how it is parsed safely.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavo {
+
+/// An element of a parsed plan, lent by its document. Copying is cheap; a null element answers as an empty one.
+class PlanElement {
+ public:
+  PlanElement() = default;
+  explicit operator bool() const { return fpNode != nullptr; }
+
+  /// The first direct child element of that name, or null.
+  PlanElement Child(std::string_view name) const;
+  /// All direct child elements.
+  std::vector<PlanElement> Children() const;
+  /// All elements of that name below this one, in document order.
+  std::vector<PlanElement> Descendants(std::string_view name) const;
+  bool HasAttribute(std::string_view name) const;
+  /// UTF-8; empty when absent.
+  std::string Attribute(std::string_view name) const;
+
+ private:
+  friend class PlanDocument;
+  explicit PlanElement(const void* node) : fpNode(node) {}
+  const void* fpNode = nullptr;  // a DOM element; the parser's types stay out of headers
+};
+
+/// Parses an XML file. A document may name the plan's own DTD, which is read from the module's folder whatever the
+/// document says; nothing else is ever read or fetched, and entity expansion is limited. Warnings of the XML parser
+/// refuse the file like errors.
+class PlanDocument {
+ public:
+  PlanDocument();
+  ~PlanDocument();
+  PlanDocument(const PlanDocument&) = delete;
+  PlanDocument& operator=(const PlanDocument&) = delete;
+
+  /// False when the file can't be read or isn't well-formed; Error() says what and where.
+  bool Parse(const std::string& path);
+  const std::string& Error() const { return fError; }
+  PlanElement Root() const;
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> fpImpl;
+  std::string fError;
+};
+
+}  // namespace tavo
