@@ -17,16 +17,16 @@ struct TokenError {
   host::SourcePosition position;
 };
 
-/// One command of a file: its name (first token, upper case) and all its tokens, the name included, without the
-/// terminator.
+/// One command of a file: its name (first token, upper case) and all its tokens, the name included, without
+/// the terminator.
 struct CommandTokens {
   std::string name;
   std::vector<host::TokenInfoObj> tokens;
   std::vector<TokenError> errors;  // the command must not run when there is one
 };
 
-/// Splits a text into commands and tokens. A command ends with a period at the end of a line, a blank line, or the end
-/// of the text; /* … */ is a comment.
+/// Splits a text into commands and tokens. A command ends with a period at the end of a line, a blank line,
+/// or the end of the text; /* … */ is a comment.
 std::vector<CommandTokens> ReadCommands(const SourceText& source);
 
 /// A token sequence over a command, which is lent.

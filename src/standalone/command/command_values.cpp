@@ -30,14 +30,18 @@ std::string GetUpperString(std::string_view text) {
   return upper;
 }
 
-std::string IntegerToString(long value) { return std::to_string(value); }
+std::string IntegerToString(long value) {
+  return std::to_string(value);
+}
 
 bool IsValidInteger(double value) {
   return value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max() &&
          value == std::trunc(value);
 }
 
-std::string TokenInfoObj::getUpperString() const { return GetUpperString(text); }
+std::string TokenInfoObj::getUpperString() const {
+  return GetUpperString(text);
+}
 
 bool ParamObj::getNumberValue(double& out) const {
   const TokenInfoObj* token = OnlyToken(*this);
@@ -67,9 +71,13 @@ bool ParamObj::getUpStringGeneric(std::string& out) const {
   return true;
 }
 
-bool ParamObj::getStringOrLiteral(std::string& out) const { return getStringGeneric(out) || getLiteral(out); }
+bool ParamObj::getStringOrLiteral(std::string& out) const {
+  return getStringGeneric(out) || getLiteral(out);
+}
 
-bool ParamObj::getFilePath(std::string& out) const { return getStringOrLiteral(out); }
+bool ParamObj::getFilePath(std::string& out) const {
+  return getStringOrLiteral(out);
+}
 
 const ParamObj* SubComObj::getParamObj(std::string_view paramName) const {
   const std::string sought = GetUpperString(paramName);

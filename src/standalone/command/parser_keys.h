@@ -1,5 +1,5 @@
-// The messages that reading and parsing a command can send: their dictionary keys, and the sentences for the message
-// catalogue.
+// The messages that reading and parsing a command can send: their dictionary keys, and the sentences for the
+// message catalogue.
 #pragma once
 
 #include <span>

@@ -14,7 +14,8 @@ void ParserMessage::GenericWarning(std::string_view key, const std::vector<std::
   Send(key, arguments, false);
 }
 
-// The session stores a message with the command that runs, so the command's name and title need not travel with it.
+// The session stores a message with the command that runs, so the command's name and title need not travel
+// with it.
 void ParserMessage::Send(std::string_view key, const std::vector<std::string>& arguments, bool isError) {
   standalone::MessageContext context;
   context.groupText = std::exchange(fGroupText, {});

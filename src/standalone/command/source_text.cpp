@@ -16,8 +16,8 @@ constexpr std::string_view kEllipsis = "...";
 constexpr std::size_t kWindow = 100;
 constexpr std::size_t kWindowLead = 60;
 
-/// Characters that would move the terminal's cursor or turn the direction of the line, so that the caret would point
-/// at the wrong place.
+/// Characters that would move the terminal's cursor or turn the direction of the line, so that the caret
+/// would point at the wrong place.
 bool SpoilsTheLine(char32_t code) {
   return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x200E || code == 0x200F ||
          (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069) || code == 0xFEFF;
@@ -48,7 +48,8 @@ std::string_view SourceText::Line(int line) const {
   const std::size_t start = fLineStarts[index];
   std::size_t end = index + 1 < fLineStarts.size() ? fLineStarts[index + 1] : fText.size();
   const auto isLineEnd = [](char c) { return c == '\n' || c == '\r'; };
-  while (end > start && isLineEnd(fText[end - 1])) --end;
+  while (end > start && isLineEnd(fText[end - 1]))
+    --end;
   return std::string_view(fText).substr(start, end - start);
 }
 

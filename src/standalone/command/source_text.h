@@ -24,8 +24,8 @@ class SourceText {
   host::SourcePosition PositionOf(std::size_t offset, std::size_t length) const;
   /// "name:line:column"; empty for line 0.
   std::string Location(const host::SourcePosition& position) const;
-  /// The line, and under it a caret with ~ over the token's length. Long lines are cut to a window around the place;
-  /// tabs become blanks. Empty for line 0.
+  /// The line, and under it a caret with ~ over the token's length. Long lines are cut to a window around the
+  /// place; tabs become blanks. Empty for line 0.
   std::string Excerpt(const host::SourcePosition& position) const;
 
  private:

@@ -11,7 +11,8 @@ namespace standalone {
 
 namespace {
 
-// Names hold at most 64 bytes: a longer word is no misspelt name, and a hostile one must not cost its length squared.
+// Names hold at most 64 bytes: a longer word is no misspelt name, and a hostile one must not cost its length
+// squared.
 constexpr std::size_t kMaxLength = 80;
 constexpr std::size_t kMinPrefix = 3;
 
@@ -29,7 +30,8 @@ std::size_t LengthDifference(const std::u32string& a, const std::u32string& b) {
 
 std::size_t Distance(const std::u32string& a, const std::u32string& b, std::size_t limit) {
   if (LengthDifference(a, b) > limit) return limit + 1;
-  // Rows i-2, i-1 and i of the table whose cell (i, j) is the distance of a's first i and b's first j characters.
+  // Rows i-2, i-1 and i of the table whose cell (i, j) is the distance of a's first i and b's first j
+  // characters.
   std::vector<std::size_t> before(b.size() + 1), last(b.size() + 1), row(b.size() + 1);
   std::iota(last.begin(), last.end(), std::size_t{0});
   for (std::size_t i = 1; i <= a.size(); ++i) {

@@ -40,7 +40,8 @@ Utf8Character DecodeUtf8(std::string_view text, std::size_t offset) {
 
 std::size_t CountCharacters(std::string_view text) {
   std::size_t count = 0;
-  for (std::size_t offset = 0; offset < text.size(); ++count) offset += DecodeUtf8(text, offset).length;
+  for (std::size_t offset = 0; offset < text.size(); ++count)
+    offset += DecodeUtf8(text, offset).length;
   return count;
 }
 

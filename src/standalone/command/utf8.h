@@ -14,8 +14,8 @@ struct Utf8Character {
   bool valid = true;
 };
 
-/// The character that starts at a byte offset inside the text. Overlong forms, surrogates and codes above U+10FFFF are
-/// invalid.
+/// The character that starts at a byte offset inside the text. Overlong forms, surrogates and codes above
+/// U+10FFFF are invalid.
 Utf8Character DecodeUtf8(std::string_view text, std::size_t offset);
 
 /// Number of characters; an invalid byte counts as one.
