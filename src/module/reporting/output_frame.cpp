@@ -1,0 +1,35 @@
+#include "reporting/output_frame.h"
+
+#include "reporting/covariance_tables.h"
+#include "reporting/design_tables.h"
+#include "reporting/estimation_tables.h"
+#include "reporting/table_frame.h"
+
+namespace tavo {
+
+void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, const host::ProcedureDataSource& source,
+               host::BpHeading& heading) {
+  const TavoOutputFrame frame(heading, driver, specs, source);
+  if (specs.Has(PrintOption::SAMPLEINFO)) OutputSampleDesign(frame);
+  if (specs.Has(PrintOption::VARIABLEINFO)) {
+    OutputCategoricalVariables(frame);
+    OutputCovariates(frame);
+  }
+  OutputIterationHistory(frame);
+  if (specs.Has(PrintOption::SUMMARY)) OutputPseudoRSquares(frame);
+  OutputParameterEstimates(frame);
+  if (specs.Has(PrintOption::COVB)) OutputCovariances(frame);
+  if (specs.Has(PrintOption::CORB)) OutputCorrelations(frame);
+  if (specs.Has(PrintOption::CLASSTABLE)) OutputClassification(frame);
+}
+
+void NoteInputFiles(TavoValidSpecs& specs) {
+  constexpr int kInputFiles = 1;
+  host::AddNotes(kInputFiles, "Plan File", host::Plain(specs.PlanFileName()));
+  if (specs.JointProbFile().IsInit()) {
+    host::AddNotes(kInputFiles, "Joint Probabilities File",
+                   host::Plain(specs.JointProbFile().DocumentationString()));
+  }
+}
+
+}  // namespace tavo

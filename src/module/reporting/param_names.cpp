@@ -1,0 +1,122 @@
+#include "reporting/param_names.h"
+
+#include <algorithm>
+
+#include "host/output.h"
+
+namespace tavo {
+
+namespace {
+
+constexpr const char* kCross = " * ";
+
+/// One factor of a name: how it is written, and its nesting level (0 innermost).
+struct FactorTerm {
+  std::string text;
+  int level;
+};
+
+std::string Join(const std::vector<std::string>& texts) {
+  std::string joined;
+  for (const std::string& text : texts) joined += (joined.empty() ? "" : kCross) + text;
+  return joined;
+}
+
+/// Factors from the outermost level inwards, each deeper level in parentheses: A(B(C)).
+std::string FactorText(const std::vector<FactorTerm>& terms) {
+  int top = -1;
+  for (const FactorTerm& term : terms) top = std::max(top, term.level);
+  std::string text;
+  for (int level = top; level >= 0; --level) {
+    if (level < top) text += "(";
+    std::vector<std::string> onLevel;
+    for (const FactorTerm& term : terms) {
+      if (term.level == level) onLevel.push_back(term.text);
+    }
+    text += Join(onLevel);
+  }
+  if (top > 0) text.append(static_cast<std::size_t>(top), ')');
+  return text;
+}
+
+std::string NameOf(const std::vector<FactorTerm>& factors, const std::vector<std::string>& covariates,
+                   bool factorsInParentheses) {
+  const std::string factorText = FactorText(factors);
+  const std::string covariateText = Join(covariates);
+  if (factorText.empty()) return covariateText;
+  if (covariateText.empty()) return factorText;
+  return factorsInParentheses ? covariateText + "(" + factorText + ")" : factorText + kCross + covariateText;
+}
+
+std::string VariableName(const host::VORN_DataSource& source, int variable) {
+  return source.GetVariable(static_cast<unsigned>(variable))->GetName();
+}
+
+std::vector<std::string> Repeated(const std::vector<std::string>& names, const std::vector<int>& powers) {
+  std::vector<std::string> texts;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    texts.insert(texts.end(), static_cast<std::size_t>(powers[i]), names[i]);
+  }
+  return texts;
+}
+
+std::string EffectName(const OrvModelEffect& effect, const host::VORN_DataSource& source) {
+  std::vector<int> variables;
+  std::vector<int> numbers;
+  effect.Factors(variables, numbers);
+  std::vector<FactorTerm> factors;
+  for (std::size_t i = 0; i < variables.size(); ++i) {
+    factors.push_back({VariableName(source, variables[i]), numbers[i]});
+  }
+  effect.Covariates(variables, numbers);
+  std::vector<std::string> covariates;
+  for (const int variable : variables) covariates.push_back(VariableName(source, variable));
+  return NameOf(factors, Repeated(covariates, numbers), effect.IsFactorAfterCovariates());
+}
+
+std::string Trimmed(std::string text) {
+  text.erase(text.find_last_not_of(' ') + 1);
+  text.erase(0, text.find_first_not_of(' '));
+  return text;
+}
+
+/// Writes "[A=1]" for a factor's column and code.
+std::string FactorValue(const host::VORN_DataSource& source, const OrvRegInputAdapter& adapter, int column,
+                        int code) {
+  int variable = -1;
+  const host::OBS* cells = adapter.ValueForColumnCode(column, code, variable);
+  if (cells == nullptr) return "[]";
+  const host::VORN_Variable& entry = *source.GetVariable(static_cast<unsigned>(variable));
+  std::string value;
+  host::ToString(cells, entry.GetFormat(), value);
+  return "[" + entry.GetName() + "=" + Trimmed(value) + "]";
+}
+
+std::string ParameterName(const OrvRegrParameter& parameter, const TavoValidSpecs& specs,
+                          const host::VORN_DataSource& source, const OrvRegInputAdapter& adapter) {
+  if (parameter.IsIntercept()) return host::FacSTDictionaryLookUp("(Intercept)");
+  std::vector<FactorTerm> factors;
+  for (std::size_t i = 0; i < parameter.factors.size(); ++i) {
+    factors.push_back({FactorValue(source, adapter, parameter.factors[i], parameter.levels[i]),
+                       parameter.nestingLevels[i]});
+  }
+  std::vector<std::string> covariates;
+  for (const int column : parameter.covariates) {
+    covariates.push_back(VariableName(source, specs.RecordVariables()[static_cast<std::size_t>(column)]));
+  }
+  const OrvModelEffect& effect = specs.Effects()[static_cast<std::size_t>(parameter.effectIndex)];
+  return NameOf(factors, Repeated(covariates, parameter.multiplicities), effect.IsFactorAfterCovariates());
+}
+
+}  // namespace
+
+TavoParamNames::TavoParamNames(const TavoValidSpecs& specs, const host::VORN_DataSource& source,
+                               const OrvRegInputAdapter& adapter,
+                               const std::vector<OrvRegrParameter>& parameters) {
+  for (const OrvModelEffect& effect : specs.Effects()) fEffects.push_back(EffectName(effect, source));
+  for (const OrvRegrParameter& parameter : parameters) {
+    fParameters.push_back(ParameterName(parameter, specs, source, adapter));
+  }
+}
+
+}  // namespace tavo
