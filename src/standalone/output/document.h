@@ -44,14 +44,22 @@ struct PivotDimension {
   const std::string& Label() const { return labels[0].text; }
   /// Indices of the categories, in the order in which the tree shows them.
   std::vector<int> Categories() const;
-  /// The labels from the outermost group (the root left out) to the label itself.
+  /// The labels from the outermost group (the root left out) to the label itself. Groups without a text, which only
+  /// keep categories together, are left out.
   std::vector<std::string> Path(int label) const;
 };
 
 /// A table. The cells are sparse; a cell's coordinates are one category (index into `labels`) per dimension, in the
 /// order of `dimensions`.
 class PivotTable {
+ private:
+  struct Hash {
+    std::size_t operator()(const std::vector<int>& key) const;
+  };
+
  public:
+  using Cells = std::unordered_map<std::vector<int>, PivotCell, Hash>;
+
   std::string id, title, caption;
   std::vector<std::string> heading;  // outline path, outermost first; empty below the procedure itself
   std::vector<std::string> notes;
@@ -62,14 +70,12 @@ class PivotTable {
   /// The cell at these coordinates; made empty when it isn't there.
   PivotCell& At(const std::vector<int>& coordinates);
   std::size_t CellCount() const { return fCells.size(); }
+  const Cells& AllCells() const { return fCells; }
   /// Indices of the dimensions of a place, outermost first.
   std::vector<std::size_t> DimensionsOf(host::BpPlace place) const;
 
  private:
-  struct Hash {
-    std::size_t operator()(const std::vector<int>& key) const;
-  };
-  std::unordered_map<std::vector<int>, PivotCell, Hash> fCells;
+  Cells fCells;
 };
 
 /// A note of a command: which files and variables it used and made.

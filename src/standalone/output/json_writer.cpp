@@ -1,0 +1,88 @@
+#include "output/json_writer.h"
+
+#include <ostream>
+#include <string>
+
+#include "output/number_text.h"
+#include "output/plain_text.h"
+
+namespace standalone {
+
+void JsonWriter::NewLine() {
+  fOut << '\n';
+  for (const Level& level : fLevels) {
+    if (level.inLines) fOut << "  ";
+  }
+}
+
+void JsonWriter::Separate() {
+  if (fbAfterKey) {
+    fbAfterKey = false;
+    return;
+  }
+  if (fLevels.empty()) return;
+  Level& level = fLevels.back();
+  if (!level.isEmpty) fOut << (level.inLines ? "," : ", ");
+  level.isEmpty = false;
+  if (level.inLines) NewLine();
+}
+
+void JsonWriter::Begin(char bracket, bool inLines) {
+  Separate();
+  fOut << bracket;
+  fLevels.push_back({inLines});
+}
+
+void JsonWriter::End(char bracket) {
+  const Level level = fLevels.back();
+  fLevels.pop_back();
+  if (level.inLines && !level.isEmpty) NewLine();
+  fOut << bracket;
+}
+
+void JsonWriter::Key(std::string_view key) {
+  Separate();
+  Quote(key);
+  fOut << ": ";
+  fbAfterKey = true;
+}
+
+void JsonWriter::Text(std::string_view text) {
+  Separate();
+  Quote(text);
+}
+
+void JsonWriter::Number(double value) {
+  Separate();
+  fOut << (IsMissingNumber(value) ? "null" : ShortestText(value));
+}
+
+void JsonWriter::Null() {
+  Separate();
+  fOut << "null";
+}
+
+void JsonWriter::Quote(std::string_view text) {
+  static constexpr char kHex[] = "0123456789abcdef";
+  std::string quoted = "\"";
+  for (const char c : ValidUtf8(text)) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == '"' || c == '\\') {
+      quoted += '\\';
+      quoted += c;
+    } else if (c == '\n') {
+      quoted += "\\n";
+    } else if (c == '\t') {
+      quoted += "\\t";
+    } else if (byte < 0x20 || byte == 0x7F) {
+      quoted += "\\u00";
+      quoted += kHex[byte >> 4];
+      quoted += kHex[byte & 15];
+    } else {
+      quoted += c;
+    }
+  }
+  fOut << quoted << '"';
+}
+
+}  // namespace standalone

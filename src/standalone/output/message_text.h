@@ -1,0 +1,19 @@
+// Messages as lines of text.
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "output/messages.h"
+
+namespace standalone {
+
+/// "error: …" or "warning: …", then the place, then the excerpt with its caret. Control characters are made harmless.
+void WriteMessage(std::ostream& stream, const Message& message);
+
+/// The lines of a text, without their line feeds; none for an empty text.
+std::vector<std::string> LinesOf(std::string_view text);
+
+}  // namespace standalone
