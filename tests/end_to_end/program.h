@@ -1,0 +1,39 @@
+// Running the program as a user does.
+#pragma once
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+struct ProgramRun {
+  int exitStatus = -1;
+  std::string output;
+  std::string messages;  // standard error
+
+  nlohmann::json Json() const { return nlohmann::json::parse(output, nullptr, false); }
+};
+
+/// Runs the program in a folder and waits for it.
+ProgramRun RunProgram(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
+
+/// A fresh folder that is removed at the end.
+class TemporaryFolder {
+ public:
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  const std::filesystem::path& Path() const { return fPath; }
+  /// Writes a file and returns its path.
+  std::filesystem::path Write(const std::string& name, const std::string& content) const;
+
+ private:
+  std::filesystem::path fPath;
+};
+
+std::string ReadText(const std::filesystem::path& path);
+
+/// The cells of a table of the first command whose paths hold these labels in order; null when not exactly one fits.
+nlohmann::json FindCell(const nlohmann::json& document, const std::string& table, const std::vector<std::string>& row,
+                        const std::vector<std::string>& column, int command = 0);
