@@ -12,28 +12,44 @@ namespace tavo {
 /// What went wrong at a level of the design.
 enum class DesignFault : int {
   kNone = 0,
-  kUnequalValue = 1,     // a value that must be constant within a unit isn't; index of the constant variable
-  kMissingValue = 2,     // a unit without inclusion probability or population size; index of the constant variable
+  kUnequalValue = 1,  // a value that must be constant within a unit isn't; index of the constant variable
+  kMissingValue =
+      2,  // a unit without inclusion probability or population size; index of the constant variable
   kPopulationTooSmall = 3  // index of the node
 };
 
-/// Pushes the score vectors of the units, which arrive sorted by design key, through a chain of nodes from the outer
-/// stage to the inner one, so that the design covariance of the totals comes out at the root. Memory is proportional to
-/// the depth of the chain: a closed node is merged into its parent and cleared.
+/// Pushes the score vectors of the units, which arrive sorted by design key, through a chain of nodes from
+/// the outer stage to the inner one, so that the design covariance of the totals comes out at the root.
+/// Memory is proportional to the depth of the chain: a closed node is merged into its parent and cleared.
+///
+/// Use: BuildTree, SetMatrixBlocks; then for each group of records with the same key AddUnit (once, or once
+/// per record when records are the units), SetStageValues when ReadsStageValues, and CloseLevels. After
+/// CloseLevels(-1) the root holds the result.
 class SampleDesign {
  public:
-  /// `variables` is the length of a unit's vector. False without a stage.
+  /// `variables` is the length of a unit's vector. A stage with strata opens a strata node, its clusters a
+  /// clusters node; when the last stage has no clusters, one more clusters node takes the records as its
+  /// units. False, with no nodes, without a stage and for unequal probabilities without replacement, which
+  /// need joint probabilities.
   bool BuildTree(const std::vector<DesignStage>& stages, int variables);
-  /// Blocks of the covariance; refused (false) without nodes or with unequal lengths.
+  /// Blocks of the covariance; refused (false) without nodes, with unequal lengths, with a block outside the
+  /// vector, or when memory doesn't suffice.
   bool SetMatrixBlocks(const std::vector<int>& sizes, const std::vector<int>& offsets);
 
+  /// An ultimate unit with its vector of `variables` values.
   void AddUnit(const std::vector<double>& values);
-  /// Checks and takes the values of the nodes that read them per unit (constant design variables, in order).
+  /// Checks and takes the values of the nodes that read them per unit (`values`: constant design variables,
+  /// in order). Nodes that were opened by this unit take them; the others keep theirs, and must find them
+  /// equal within rounding. False for a difference, or for a value that comes only now.
   bool SetStageValues(const std::vector<double>& values, DesignFault& fault, int& index);
-  /// `level`: leading key variables that the next unit shares, -1 after the last one. Closes all deeper levels.
+  /// `level`: leading key variables that the next unit shares, -1 after the last one. Closes all deeper
+  /// levels. False on a fault; the tree can't be used any further then. A level beyond the key variables
+  /// answers false without one.
   bool CloseLevels(int level, DesignFault& fault, int& index);
 
+  /// Strata of the root with at least one value of the variable; 1 for a root that is no strata node.
   int StrataCount(int variable) const;
+  /// Units of the first stage; units minus strata are the degrees of freedom of the design.
   int UnitCount(int variable) const;
   const DesignNode* Root() const { return fNodes.empty() ? nullptr : fNodes.front().get(); }
   int NodeCount() const { return static_cast<int>(fNodes.size()); }
@@ -41,15 +57,25 @@ class SampleDesign {
   bool ReadsStageValues() const { return !fValueNodes.empty(); }
 
  private:
-  void AppendNode(std::unique_ptr<DesignNode> node, std::size_t keyVariables);
-  void AppendClusters(const DesignStage& stage, int variables, std::size_t keyVariables);
+  /// A node that reads its value per unit, and the constant design variable that gives it.
+  struct ValueNode {
+    ClustersNode* node;
+    int constantVariable;
+  };
 
-  std::vector<std::unique_ptr<DesignNode>> fNodes;
-  std::vector<int> fVarNodeIndex;           // by design key variable: the node that it opens
-  ClustersNode* fpClusters = nullptr;       // takes the ultimate units
-  std::vector<ClustersNode*> fValueNodes;   // nodes that read a value per unit
-  std::vector<int> fClusNodeIndex;          // by node: value nodes above and at it
-  int fClusDiffIndex = 0;                   // value nodes that remain open
+  void Reset();
+  void AppendNode(std::unique_ptr<DesignNode> node, std::size_t keyVariables);
+  void AppendClusters(const DesignStage& stage, std::size_t keyVariables, int constantVariable);
+  bool BlocksFit(const std::vector<int>& sizes, const std::vector<int>& offsets) const;
+  bool FinishBelow(int node, DesignFault& fault, int& index);
+
+  int fNVariables = 0;
+  std::vector<std::unique_ptr<DesignNode>> fNodes;  // outermost first
+  std::vector<int> fVarNodeIndex;                   // by design key variable: the node that it opens
+  ClustersNode* fpClusters = nullptr;               // takes the ultimate units
+  std::vector<ValueNode> fValueNodes;
+  std::vector<int> fClusNodeIndex;  // by node: value nodes above and at it
+  int fClusDiffIndex = 0;           // value nodes that remain open
 };
 
 }  // namespace tavo

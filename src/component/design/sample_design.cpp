@@ -1,0 +1,203 @@
+#include "design/sample_design.h"
+
+#include <algorithm>
+#include <cmath>
+#include <exception>
+
+#include "estimation/numerics/machine_constants.h"
+#include "estimation/numerics/missing_value.h"
+
+namespace tavo {
+
+using MCCommonMath::IsMissing;
+using MCCommonMath::MCMV;
+using MCCommonMath::MCPower;
+
+namespace {
+
+bool HasConstantVariable(InclProbType type) {
+  return type == InclProbType::kInclProbVariable || type == InclProbType::kInclProbMatrix ||
+         type == InclProbType::kPopSizeVariable || type == InclProbType::kPopSizeMatrix;
+}
+
+/// The clusters node of a stage. Whatever isn't sampling without replacement with a known fraction counts as
+/// sampling with replacement.
+std::unique_ptr<ClustersNode> MakeClusters(const DesignStage& stage, int variables) {
+  const auto make = [variables](double value, bool isPopulation) {
+    return std::make_unique<ClustersNode>(variables, value, isPopulation);
+  };
+  if (stage.estimator != StageEstimator::kEqualWor) return make(0.0, false);
+  switch (stage.InclusionType()) {
+    case InclProbType::kInclProbValue:
+      return make(stage.InclusionProbability(), false);
+    case InclProbType::kPopSizeValue:
+      return make(stage.PopulationSize(), true);
+    case InclProbType::kInclProbVariable:
+    case InclProbType::kInclProbMatrix:
+      return make(MCMV::gMissingValue, false);
+    case InclProbType::kPopSizeVariable:
+    case InclProbType::kPopSizeMatrix:
+      return make(MCMV::gMissingValue, true);
+    case InclProbType::kNone:
+      break;
+  }
+  return make(0.0, false);
+}
+
+bool NeedsJointProbabilities(const DesignStage& stage) {
+  return stage.estimator == StageEstimator::kUnequalWor;
+}
+
+/// Values that were computed in two ways may differ in their last digits.
+bool Differ(double stored, double value) {
+  return std::abs(stored - value) > 2.0 * stored * MCPower::gMachineEpsilon;
+}
+
+bool Report(DesignFault kind, int where, DesignFault& fault, int& index) {
+  fault = kind;
+  index = where;
+  return false;
+}
+
+}  // namespace
+
+// ---- building ----
+
+void SampleDesign::Reset() {
+  fNodes.clear();
+  fVarNodeIndex.clear();
+  fpClusters = nullptr;
+  fValueNodes.clear();
+  fClusNodeIndex.clear();
+  fClusDiffIndex = 0;
+}
+
+bool SampleDesign::BuildTree(const std::vector<DesignStage>& stages, int variables) {
+  Reset();
+  if (stages.empty() || variables < 0) return false;
+  if (std::any_of(stages.begin(), stages.end(), NeedsJointProbabilities)) return false;
+
+  fNVariables = variables;
+  int constantVariables = 0;
+  for (const DesignStage& stage : stages) {
+    const bool isLast = &stage == &stages.back();
+    if (!stage.strata.empty()) AppendNode(std::make_unique<StrataNode>(variables), stage.strata.size());
+    if (!stage.clusters.empty()) {
+      AppendClusters(stage, stage.clusters.size(), constantVariables);
+    } else if (isLast) {
+      AppendClusters(stage, 1, constantVariables);  // the records are the units
+    }
+    if (HasConstantVariable(stage.InclusionType())) ++constantVariables;
+  }
+  return true;
+}
+
+void SampleDesign::AppendNode(std::unique_ptr<DesignNode> node, std::size_t keyVariables) {
+  fVarNodeIndex.insert(fVarNodeIndex.end(), keyVariables, NodeCount());
+  fNodes.push_back(std::move(node));
+  fClusNodeIndex.push_back(static_cast<int>(fValueNodes.size()));
+}
+
+void SampleDesign::AppendClusters(const DesignStage& stage, std::size_t keyVariables, int constantVariable) {
+  auto node = MakeClusters(stage, fNVariables);
+  fpClusters = node.get();
+  if (IsMissing(node->Value())) fValueNodes.push_back({fpClusters, constantVariable});
+  AppendNode(std::move(node), keyVariables);
+}
+
+bool SampleDesign::BlocksFit(const std::vector<int>& sizes, const std::vector<int>& offsets) const {
+  if (sizes.size() != offsets.size()) return false;
+  for (std::size_t b = 0; b < sizes.size(); ++b) {
+    if (sizes[b] < 0 || offsets[b] < 0 || offsets[b] > fNVariables - sizes[b]) return false;
+  }
+  return true;
+}
+
+bool SampleDesign::SetMatrixBlocks(const std::vector<int>& sizes, const std::vector<int>& offsets) {
+  if (fNodes.empty() || !BlocksFit(sizes, offsets)) return false;
+  try {
+    for (const auto& node : fNodes) {
+      const bool hasLowerStages = !node->IsStrata() && node.get() != fpClusters;
+      node->SetBlocks(sizes, offsets, hasLowerStages);
+    }
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+// ---- feeding ----
+
+void SampleDesign::AddUnit(const std::vector<double>& values) {
+  if (fpClusters != nullptr) fpClusters->AddUnit(values);
+}
+
+bool SampleDesign::SetStageValues(const std::vector<double>& values, DesignFault& fault, int& index) {
+  fault = DesignFault::kNone;
+  index = -1;
+  const auto reportFirst = [&](int constantVariable) {
+    if (fault == DesignFault::kNone) Report(DesignFault::kUnequalValue, constantVariable, fault, index);
+  };
+
+  const int count = static_cast<int>(fValueNodes.size());
+  for (int i = 0; i < count; ++i) {
+    const auto [node, constantVariable] = fValueNodes[static_cast<std::size_t>(i)];
+    const auto position = static_cast<std::size_t>(constantVariable);
+    const double value = position < values.size() ? values[position] : MCMV::gMissingValue;
+    if (i >= fClusDiffIndex) {
+      node->SetValue(value);
+    } else if (IsMissing(node->Value())) {
+      node->SetValue(value);
+      reportFirst(constantVariable);
+    } else if (Differ(node->Value(), value)) {
+      reportFirst(constantVariable);
+    }
+  }
+  fClusDiffIndex = count;
+  return fault == DesignFault::kNone;
+}
+
+bool SampleDesign::CloseLevels(int level, DesignFault& fault, int& index) {
+  fault = DesignFault::kNone;
+  index = -1;
+  if (level >= static_cast<int>(fVarNodeIndex.size()) || fNodes.empty()) return false;
+
+  const bool isEnd = level < 0;
+  const int stays = isEnd ? 0 : fVarNodeIndex[static_cast<std::size_t>(level)];
+  fClusDiffIndex = isEnd ? 0 : fClusNodeIndex[static_cast<std::size_t>(stays)];
+  for (int i = static_cast<int>(fValueNodes.size()) - 1; i >= fClusDiffIndex; --i) {
+    const auto [node, constantVariable] = fValueNodes[static_cast<std::size_t>(i)];
+    if (IsMissing(node->Value())) return Report(DesignFault::kMissingValue, constantVariable, fault, index);
+  }
+  if (!FinishBelow(stays, fault, index)) return false;
+  if (isEnd && !fNodes.front()->Finish()) return Report(DesignFault::kPopulationTooSmall, 0, fault, index);
+  return true;
+}
+
+bool SampleDesign::FinishBelow(int node, DesignFault& fault, int& index) {
+  for (int i = NodeCount() - 1; i > node; --i) {
+    const auto child = static_cast<std::size_t>(i);
+    if (!DesignNode::FinishUpward(*fNodes[child - 1], *fNodes[child])) {
+      return Report(DesignFault::kPopulationTooSmall, i, fault, index);
+    }
+  }
+  return true;
+}
+
+// ---- reading ----
+
+int SampleDesign::StrataCount(int variable) const {
+  if (fNodes.empty() || variable < 0 || variable >= fNVariables) return 0;
+  const DesignNode& root = *fNodes.front();
+  const double count = root.Variances().Values(variable)[0];
+  if (root.IsStrata()) return static_cast<int>(std::lround(count));
+  return count > 0.0 ? 1 : 0;
+}
+
+int SampleDesign::UnitCount(int variable) const {
+  const int strata = StrataCount(variable);
+  if (strata <= 0) return 0;
+  return static_cast<int>(strata + fNodes.front()->DegreesOfFreedom(variable));
+}
+
+}  // namespace tavo

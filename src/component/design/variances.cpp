@@ -1,0 +1,206 @@
+#include "design/variances.h"
+
+#include <algorithm>
+
+#include "estimation/numerics/missing_value.h"
+
+namespace tavo {
+
+using MCCommonMath::IsMissing;
+
+namespace {
+
+/// The sampling fraction of `count` units. `fits` becomes false when the population is smaller than the
+/// sample.
+double SamplingFraction(double count, double value, bool isPopulation, bool& fits) {
+  if (!isPopulation) return value;
+  const double fraction = count / value;
+  if (fraction <= 1.0) return fraction;
+  fits = false;
+  return 1.0;
+}
+
+/// Factor of the between-unit sum of squares; a single unit tells nothing of the spread.
+double BetweenFactor(double count, double fraction) {
+  return count > 1.0 ? (1.0 - fraction) * count / (count - 1.0) : 0.0;
+}
+
+/// The running mean and sum of squared deviations after one more unit with total x.
+void AddValue(double* v, double x) {
+  const double before = v[0];
+  const double after = before + 1.0;
+  const double deviation = x - v[1];
+  v[0] = after;
+  v[1] += deviation / after;
+  v[2] += deviation * deviation * (1.0 / after) * before;
+}
+
+void AddTo(std::vector<double>& sums, const std::vector<double>& terms) {
+  for (std::size_t k = 0; k < sums.size(); ++k)
+    sums[k] += terms[k];
+}
+
+}  // namespace
+
+// ---- OrvVariances ----
+
+void OrvVariances::AddUnit(const std::vector<double>& totals) {
+  double* v = fValues.data();
+  const std::size_t variables = std::min(totals.size(), fValues.size() / 4);
+  for (std::size_t i = 0; i < variables; ++i, v += 4) {
+    if (!IsMissing(totals[i])) AddValue(v, totals[i]);
+  }
+}
+
+void OrvVariances::MergeAsUnit(const OrvVariances& child) {
+  for (std::size_t i = 0; i < fValues.size(); i += 4) {
+    const double* c = child.fValues.data() + i;
+    if (c[0] <= 0.0) continue;
+    AddValue(fValues.data() + i, c[1]);
+    fValues[i + 3] += c[2];
+  }
+}
+
+void OrvVariances::MergeAsStratum(const OrvVariances& child) {
+  for (std::size_t i = 0; i < fValues.size(); i += 4) {
+    const double* c = child.fValues.data() + i;
+    if (c[0] <= 0.0) continue;
+    double* v = fValues.data() + i;
+    v[0] += 1.0;
+    v[1] += c[1];
+    v[2] += c[2];
+    v[3] += c[0];
+  }
+}
+
+bool OrvVariances::Finish(double value, bool isPopulation) {
+  bool fits = true;
+  for (std::size_t i = 0; i < fValues.size(); i += 4) {
+    double* v = fValues.data() + i;
+    if (v[0] <= 0.0) continue;
+    const double fraction = SamplingFraction(v[0], value, isPopulation, fits);
+    v[1] *= v[0];
+    v[2] = v[2] * BetweenFactor(v[0], fraction) + fraction * v[3];
+  }
+  return fits;
+}
+
+void OrvVariances::Clear() {
+  std::fill(fValues.begin(), fValues.end(), 0.0);
+}
+
+// ---- OrvCovariances ----
+
+OrvCovariances::OrvCovariances(const std::vector<int>& sizes, const std::vector<int>& offsets,
+                               bool hasLowerStages)
+    : fBlocks(sizes.size()) {
+  for (std::size_t b = 0; b < sizes.size(); ++b) {
+    BlockSums& block = fBlocks[b];
+    block.size = static_cast<std::size_t>(sizes[b]);
+    block.offset = static_cast<std::size_t>(offsets[b]);
+    const std::size_t packed = block.size * (block.size + 1) / 2;
+    block.means.assign(block.size, 0.0);
+    block.cross.assign(packed, 0.0);
+    block.lower.assign(hasLowerStages ? packed : 0, 0.0);
+    block.deviations.assign(kWaitingUnits * block.size, 0.0);
+  }
+}
+
+void OrvCovariances::AddUnit(const std::vector<double>& totals) {
+  for (BlockSums& block : fBlocks) {
+    const double* x = totals.data() + block.offset;
+    if (block.size > 0 && !IsMissing(*x)) AddToBlock(block, x);
+  }
+}
+
+void OrvCovariances::AddToBlock(BlockSums& block, const double* x) {
+  const double after = block.count + 1.0;
+  const double inverse = 1.0 / after;
+  double* deviations = block.deviations.data() + block.waiting * block.size;
+  double* means = block.means.data();
+  for (std::size_t i = 0; i < block.size; ++i) {
+    deviations[i] = x[i] - means[i];
+    means[i] += deviations[i] * inverse;
+  }
+  block.factors[block.waiting] = block.count / after;
+  block.count = after;
+  if (++block.waiting == kWaitingUnits) AddWaiting(block);
+}
+
+void OrvCovariances::AddWaiting(BlockSums& block) {
+  if (block.waiting == 0) return;
+  const std::size_t size = block.size;
+  const auto used = static_cast<std::ptrdiff_t>(block.waiting * size);
+  std::fill(block.deviations.begin() + used, block.deviations.end(), 0.0);
+  std::fill(block.factors.begin() + static_cast<std::ptrdiff_t>(block.waiting), block.factors.end(), 0.0);
+  block.waiting = 0;
+
+  const double* __restrict d0 = block.deviations.data();
+  const double* __restrict d1 = d0 + size;
+  const double* __restrict d2 = d1 + size;
+  const double* __restrict d3 = d2 + size;
+  double* __restrict row = block.cross.data();
+  for (std::size_t i = 0; i < size; row += ++i) {
+    const double e0 = block.factors[0] * d0[i];
+    const double e1 = block.factors[1] * d1[i];
+    const double e2 = block.factors[2] * d2[i];
+    const double e3 = block.factors[3] * d3[i];
+    if (e0 == 0.0 && e1 == 0.0 && e2 == 0.0 && e3 == 0.0) continue;
+    for (std::size_t j = 0; j <= i; ++j) {
+      row[j] = (((row[j] + e0 * d0[j]) + e1 * d1[j]) + e2 * d2[j]) + e3 * d3[j];
+    }
+  }
+}
+
+void OrvCovariances::MergeAsUnit(const OrvCovariances& child) {
+  for (std::size_t b = 0; b < fBlocks.size(); ++b) {
+    const BlockSums& from = child.fBlocks[b];
+    if (from.count <= 0.0) continue;
+    AddToBlock(fBlocks[b], from.means.data());
+    AddTo(fBlocks[b].lower, from.cross);
+  }
+}
+
+void OrvCovariances::MergeAsStratum(const OrvCovariances& child) {
+  for (std::size_t b = 0; b < fBlocks.size(); ++b) {
+    const BlockSums& from = child.fBlocks[b];
+    if (from.count <= 0.0) continue;
+    fBlocks[b].count += 1.0;
+    AddTo(fBlocks[b].means, from.means);
+    AddTo(fBlocks[b].cross, from.cross);
+  }
+}
+
+bool OrvCovariances::Finish(double value, bool isPopulation) {
+  bool fits = true;
+  for (BlockSums& block : fBlocks) {
+    if (block.count <= 0.0) continue;
+    AddWaiting(block);
+    const double fraction = SamplingFraction(block.count, value, isPopulation, fits);
+    const double between = BetweenFactor(block.count, fraction);
+    for (double& mean : block.means)
+      mean *= block.count;
+    for (double& cross : block.cross)
+      cross *= between;
+    for (std::size_t k = 0; k < block.lower.size(); ++k)
+      block.cross[k] += fraction * block.lower[k];
+  }
+  return fits;
+}
+
+void OrvCovariances::Clear() {
+  for (BlockSums& block : fBlocks) {
+    block.count = 0.0;
+    block.waiting = 0;
+    std::fill(block.means.begin(), block.means.end(), 0.0);
+    std::fill(block.cross.begin(), block.cross.end(), 0.0);
+    std::fill(block.lower.begin(), block.lower.end(), 0.0);
+  }
+}
+
+const std::vector<double>* OrvCovariances::Block(int block) const {
+  if (block < 0 || block >= BlockCount()) return nullptr;
+  return &fBlocks[static_cast<std::size_t>(block)].cross;
+}
+
+}  // namespace tavo
