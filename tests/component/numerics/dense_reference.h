@@ -21,8 +21,11 @@ struct Dense {
         fNCols(cols),
         fElements(static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols), 0.0) {}
 
-  double& operator()(int i, int j) { return fElements[static_cast<std::size_t>(i * fNCols + j)]; }
-  double operator()(int i, int j) const { return fElements[static_cast<std::size_t>(i * fNCols + j)]; }
+  [[nodiscard]] std::size_t Position(int i, int j) const {
+    return static_cast<std::size_t>(i) * static_cast<std::size_t>(fNCols) + static_cast<std::size_t>(j);
+  }
+  double& operator()(int i, int j) { return fElements[Position(i, j)]; }
+  double operator()(int i, int j) const { return fElements[Position(i, j)]; }
 };
 
 inline Dense operator*(const Dense& a, const Dense& b) {

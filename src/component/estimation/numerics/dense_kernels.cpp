@@ -81,7 +81,8 @@ void RestrictedSymmetric::Load(int first, const Panel& panel) const {
         fPacked.data() + MCSymMatrixData::PackedSize(fKept[static_cast<std::size_t>(j)]);
     const int upper = std::min(panel.fNRows, j - first);
     for (int r = 0; r < upper; ++r) {
-      panel.At(r, j) = packedRow[fKept[static_cast<std::size_t>(first + r)]];
+      const int row = first + r;
+      panel.At(r, j) = packedRow[fKept[static_cast<std::size_t>(row)]];
     }
   }
 }

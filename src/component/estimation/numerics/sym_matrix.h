@@ -127,9 +127,9 @@ class MCSymMatrix : public MCSymMatrixData {
   // One sweep on pivot k (Beaton 1964; Goodnight 1979), in the symmetric form. With pivot d = a_kk:
   //   a_ij -= a_ik a_jk / d,   a_ik = a_ik / d,   a_kk = -1 / d     (i, j other than k).
   // `bitSet` holds the pivots that are swept at present. After the pivots S have been swept the matrix holds
-  //   -inverse(A_SS) at S by S,
-  //   the coefficients inverse(A_SS) A_SU of the other columns U on the columns S, with their own sign, at S
-  //   by U, A_UU - A_US inverse(A_SS) A_SU at U by U.
+  // - at S by S: -inverse(A_SS);
+  // - at S by U, the other columns: their coefficients inverse(A_SS) A_SU on S, with their own sign;
+  // - at U by U: A_UU - A_US inverse(A_SS) A_SU.
   //
   // `diagonal` is the diagonal taken before the first sweep. The sweep is done, bit k set, and the result
   // true when diagonal[k] > 0 and a_kk > tol * diagonal[k]. Otherwise the column depends on those already
@@ -152,11 +152,10 @@ class MCSymMatrix : public MCSymMatrixData {
   bool ComputeGMG(const std::vector<double>& central, MCSymMatrix& result) const;
 
   // Cleans up the covariance V of the estimates, with this matrix G the generalized inverse of the
-  // information and M
-  // (`central`) the covariance of the score totals. V is G M G, or its back-transformation to the scale of
-  // the data by `TransformParameterMatrix`: slopes may differ by any factor from G M G, intercepts (with
-  // `nIntercepts` 1 the first parameter of each block of V) are in the same units. `bitSet` marks the kept
-  // parameters.
+  // information and M (`central`) the covariance of the score totals. V is G M G, or its back-transformation
+  // to the scale of the data by `TransformParameterMatrix`: slopes may differ by any factor from G M G,
+  // intercepts (with `nIntercepts` 1 the first parameter of each block of V) are in the same units. `bitSet`
+  // marks the kept parameters.
   //
   // The variance v_i of a kept parameter is held against what it would be without cancellation,
   // t_i = (sum over j of |g_ij| sqrt|m_jj|)^2: it is zero when |v_i| <= 1e-12 t_i, and negative when v_i is
@@ -165,10 +164,10 @@ class MCSymMatrix : public MCSymMatrixData {
   // - The rows and columns of V of zero variances, of negative ones and of parameters left out become 0.
   // - `badIndicators` gets the size of `bitSet` and marks the negative ones.
   // - `allZero`: no kept parameter has a positive variance.
-  // - `rankFlag`: 1 when some kept parameter has no positive variance, so that V is singular on the kept
-  // parameters;
-  //   -1 when V is safely regular there (no heavy cancellation, and every pivot of its correlation matrix
-  //   above 1e-6); 0 when `CheckMDependent` must decide.
+  // - `rankFlag` 1: some kept parameter has no positive variance, so V is singular on the kept parameters.
+  // - `rankFlag` -1: V is safely regular there, without heavy cancellation and with every pivot of its
+  //   correlation matrix above 1e-6.
+  // - `rankFlag` 0: `CheckMDependent` must decide.
   bool CheckGMG(const std::vector<double>& central, const MCBitSet& bitSet, MCSymMatrix& V,
                 MCBitSet& badIndicators, bool& allZero, int& rankFlag, int nIntercepts = 1) const;
 

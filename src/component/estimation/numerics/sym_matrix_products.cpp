@@ -84,7 +84,8 @@ std::vector<double> DiagonalOfGMG(const RestrictedSymmetric& g, const Restricted
   std::vector<double> diagonal(static_cast<std::size_t>(g.Size()));
   ForEachPanelOfGM(g, m, [&](int first, const Panel& gRows, const Panel& gmRows) {
     for (int r = 0; r < gRows.fNRows; ++r) {
-      diagonal[static_cast<std::size_t>(first + r)] = dense::Dot(gRows.Row(r), gmRows.Row(r), g.Size());
+      const int i = first + r;
+      diagonal[static_cast<std::size_t>(i)] = dense::Dot(gRows.Row(r), gmRows.Row(r), g.Size());
     }
   });
   return diagonal;
@@ -117,9 +118,10 @@ std::vector<double> RelativeVariances(const RestrictedSymmetric& g, const Restri
   for (std::size_t i = 0; i < relative.size(); ++i) {
     const int parameter = g.fKept[i];
     if (hasIntercept && parameter % blockSize == 0) {
+      // Its variance may come from the slopes alone, where the centres carry it; then the scale can be 0.
       relative[i] = V.GetElem(parameter, parameter);
     }
-    relative[i] = scale[i] > 0.0 ? relative[i] / scale[i] : 0.0;
+    relative[i] = relative[i] == 0.0 ? 0.0 : relative[i] / scale[i];
   }
   return relative;
 }

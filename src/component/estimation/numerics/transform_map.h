@@ -5,8 +5,7 @@
 
 namespace MCCommonMath {
 
-// The linear map T between the coefficients of the columns x' = (x - c)/s and those of the columns x, for one
-// block:
+// The linear map T of one block between the coefficients of the columns x' = (x - c)/s and of the columns x:
 //   (T b)_k = fFactor[k] b_k for slopes, (T b)_0 = b_0 + sum over k of fShift[k] b_k for an intercept.
 // Internal to the library.
 struct TransformMap {
