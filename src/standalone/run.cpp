@@ -15,7 +15,8 @@ namespace {
 void SendUnknownCommand(const CommandTokens& command, const std::vector<KnownCommand>& known) {
   MessageContext context;
   if (!command.tokens.empty()) context.position = command.tokens.front().position;
-  for (const KnownCommand& entry : known) context.candidates.push_back(entry.name);
+  for (const KnownCommand& entry : known)
+    context.candidates.push_back(entry.name);
   context.misspelt = command.name;
   SendMessage(true, "Command ^1 is not recognized...", {command.name}, context);
 }

@@ -17,8 +17,8 @@ namespace standalone {
 
 namespace {
 
-// The module's entry takes no arguments, so one pointer must say whose command runs. It is set and read by the thread
-// that runs commands only.
+// The module's entry takes no arguments, so one pointer must say whose command runs. It is set and read by
+// the thread that runs commands only.
 Session*& CurrentPointer() {
   static Session* current = nullptr;
   return current;
@@ -57,8 +57,8 @@ void Session::EndCommand() {
   if (fpOutput == nullptr) return;
   static_cast<ProgressLine&>(*fpProgress).Clear();
   const auto& messages = fpOutput->messages;
-  fpOutput->failed = fCommon.errorFlag != 0 ||
-                     std::any_of(messages.begin(), messages.end(), [](const Message& m) { return m.isError; });
+  fpOutput->failed = fCommon.errorFlag != 0 || std::any_of(messages.begin(), messages.end(),
+                                                           [](const Message& m) { return m.isError; });
   fpOutput->seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - fStart).count();
   fpCommand = nullptr;
   fpSource = nullptr;
@@ -97,15 +97,23 @@ std::unique_ptr<host::BpProcedure> Session::MakeProcedure(const std::string&) {
   return standalone::MakeProcedure(*fpOutput);
 }
 
-std::unique_ptr<host::MCStopProcessor> Session::MakeStopProcessor() { return std::make_unique<StopProcessor>(*this); }
+std::unique_ptr<host::MCStopProcessor> Session::MakeStopProcessor() {
+  return std::make_unique<StopProcessor>(*this);
+}
 
-host::TaskThreadService& Session::Threads() { return *fpThreads; }
+host::TaskThreadService& Session::Threads() {
+  return *fpThreads;
+}
 
-host::ProgressDisplay& Session::Progress() { return *fpProgress; }
+host::ProgressDisplay& Session::Progress() {
+  return *fpProgress;
+}
 
 SessionScope::SessionScope(Session& session) : fpPrevious(std::exchange(CurrentPointer(), &session)) {}
 
-SessionScope::~SessionScope() { CurrentPointer() = fpPrevious; }
+SessionScope::~SessionScope() {
+  CurrentPointer() = fpPrevious;
+}
 
 Session& SessionScope::Current() {
   if (CurrentPointer() == nullptr) throw std::logic_error("there is no current session");
@@ -116,10 +124,16 @@ Session& SessionScope::Current() {
 
 namespace host {
 
-HostSession& CurrentSession() { return standalone::SessionScope::Current(); }
+HostSession& CurrentSession() {
+  return standalone::SessionScope::Current();
+}
 
-std::string BEPesGetInputPath(std::string_view name) { return standalone::SessionScope::Current().InputPath(name); }
+std::string BEPesGetInputPath(std::string_view name) {
+  return standalone::SessionScope::Current().InputPath(name);
+}
 
-std::string ModuleFolder() { return standalone::SessionScope::Current().Options().moduleFolder; }
+std::string ModuleFolder() {
+  return standalone::SessionScope::Current().Options().moduleFolder;
+}
 
 }  // namespace host

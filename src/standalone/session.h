@@ -26,12 +26,12 @@
 namespace standalone {
 
 struct SessionOptions {
-  int threads = 1;                     // what GETTHREADS answers
-  std::string baseFolder;              // relative names in commands start here; empty: the working directory
-  std::string moduleFolder;            // the folder of the definition files
-  std::string version;                 // of the program, for the document
-  std::ostream* messages = nullptr;    // where messages are written as they come; null: only into the document
-  std::ostream* progress = nullptr;    // a terminal for the progress line; null: none
+  int threads = 1;                   // what GETTHREADS answers
+  std::string baseFolder;            // relative names in commands start here; empty: the working directory
+  std::string moduleFolder;          // the folder of the definition files
+  std::string version;               // of the program, for the document
+  std::ostream* messages = nullptr;  // where messages are written as they come; null: only into the document
+  std::ostream* progress = nullptr;  // a terminal for the progress line; null: none
 };
 
 class Session final : public host::HostSession {
@@ -46,7 +46,8 @@ class Session final : public host::HostSession {
   void SetTable(Table* table) { fpTable = table; }
   Table* ActiveTable() const { return fpTable; }
 
-  /// Starts a command: its part of the document, a clear error flag. Command and source are lent until `EndCommand`.
+  /// Starts a command: its part of the document, a clear error flag. Command and source are lent until
+  /// `EndCommand`.
   void BeginCommand(const CommandTokens& command, const SourceText& source);
   /// Closes the command's part of the document: its status follows from the error flag and the messages.
   void EndCommand();

@@ -12,7 +12,8 @@ Index MakeIndex() {
   Index index;
   for (const auto family : {ParserCatalogue(), CommandCatalogue(), ModelCatalogue(), DesignCatalogue(),
                             RunCatalogue(), TableCatalogue()}) {
-    for (const CatalogueEntry& entry : family) index.emplace(entry.key, entry.text);
+    for (const CatalogueEntry& entry : family)
+      index.emplace(entry.key, entry.text);
   }
   return index;
 }
@@ -24,7 +25,9 @@ const Index& TheIndex() {
 
 }  // namespace
 
-bool HasCatalogueText(std::string_view key) { return TheIndex().contains(key); }
+bool HasCatalogueText(std::string_view key) {
+  return TheIndex().contains(key);
+}
 
 std::string CatalogueText(std::string_view key) {
   const auto at = TheIndex().find(key);

@@ -1,5 +1,5 @@
-// The message catalogue: from a dictionary key to the sentence or label that a person reads, in English. The entries
-// stand in one file per family; a key stands in one of them only.
+// The message catalogue: from a dictionary key to the sentence or label that a person reads, in English. The
+// entries stand in one file per family; a key stands in one of them only.
 #pragma once
 
 #include <span>

@@ -8,69 +8,95 @@ namespace standalone {
 namespace {
 
 constexpr std::array kEntries = {
+    // The command.
+    CatalogueEntry{
+        "Subcommand ^1 is not available yet and is ignored...",
+        "Subcommand ^1 is not available yet, so the command runs without it. Remove it, or wait for a later "
+        "version."},
+
     // The host's settings.
-    CatalogueEntry{"No split file ...",
-                   "The data are split into groups, which this command does not use: it analysed all cases together."},
-    CatalogueEntry{"No VORN weight ...",
-                   "A case weight is on, which this command does not use: the weight of the plan took its place."},
+    CatalogueEntry{
+        "No split file ...",
+        "The data are split into groups, which this command does not use: it analysed all cases together."},
+    CatalogueEntry{
+        "No VORN weight ...",
+        "A case weight is on, which this command does not use: the weight of the plan took its place."},
 
     // Cases.
-    CatalogueEntry{"There are no valid cases for selection ...",
-                   "The data have no variables, so there is nothing to analyse. Name a data file with --data."},
+    CatalogueEntry{
+        "There are no valid cases for selection ...",
+        "The data have no variables, so there is nothing to analyse. Name a data file with --data."},
     CatalogueEntry{"There are no valid cases ...",
-                   "No case can be used: in each, a variable of the command or of the plan is missing. Check the missing "
+                   "No case can be used: in each, a variable of the command or of the plan is missing. Check "
+                   "the missing "
                    "values, or include user-missing categories with MISSING CLASSMISSING=INCLUDE."},
-    CatalogueEntry{"There are no valid cases in the subpopulation",
-                   "The subpopulation holds no case with a positive weight. Check subcommand DOMAIN and the weight."},
+    CatalogueEntry{
+        "There are no valid cases in the subpopulation",
+        "The subpopulation holds no case with a positive weight. Check subcommand DOMAIN and the weight."},
     CatalogueEntry{"Invalid domain variable value",
                    "No case has the value that subcommand DOMAIN gives. Check the value against the data."},
-    CatalogueEntry{"Dependant variable has only one value",
-                   "The dependent variable has only one value among the cases in use, so there is nothing to explain. "
-                   "Check the data, the missing values and the subpopulation."},
-    CatalogueEntry{"Highest factor level is used",
-                   "The reference category does not occur among the cases in use. The highest category took its place."},
+    CatalogueEntry{
+        "Dependant variable has only one value",
+        "The dependent variable has only one value among the cases in use, so there is nothing to explain. "
+        "Check the data, the missing values and the subpopulation."},
+    CatalogueEntry{
+        "Highest factor level is used",
+        "The reference category does not occur among the cases in use. The highest category took its place."},
 
     // Model and fit.
     CatalogueEntry{"Unexpected singularities in Hessian matrix are encountered",
-                   "The fit stopped at a singular Hessian matrix: some parameters are not determined by the data. Remove "
+                   "The fit stopped at a singular Hessian matrix: some parameters are not determined by the "
+                   "data. Remove "
                    "predictors, or merge categories with few cases."},
     CatalogueEntry{"Log-likelihood value cannot be increased",
-                   "The fit stopped because no step raises the log-likelihood any more, though the convergence criterion "
+                   "The fit stopped because no step raises the log-likelihood any more, though the "
+                   "convergence criterion "
                    "is not met. Allow more step-halvings with CRITERIA MXSTEP, or check the predictors."},
-    CatalogueEntry{"Maximum iterations was reached",
-                   "The fit did not converge within the allowed iterations. Raise CRITERIA MXITER, or check the "
-                   "predictors."},
-    CatalogueEntry{"Log-likelihood value is zero",
-                   "The fit reached a log-likelihood of zero: the predictors determine the dependent variable "
-                   "completely, so the estimates have no finite value."},
-    CatalogueEntry{"Quasi-complete separation may exist in data",
-                   "There may be quasi-complete separation in the data: some estimates grow without limit. Remove the "
-                   "predictor that separates the categories, or merge its categories."},
+    CatalogueEntry{
+        "Maximum iterations was reached",
+        "The fit did not converge within the allowed iterations. Raise CRITERIA MXITER, or check the "
+        "predictors."},
+    CatalogueEntry{
+        "Log-likelihood value is zero",
+        "The fit reached a log-likelihood of zero: the predictors determine the dependent variable "
+        "completely, so the estimates have no finite value."},
+    CatalogueEntry{
+        "Quasi-complete separation may exist in data",
+        "There may be quasi-complete separation in the data: some estimates grow without limit. Remove the "
+        "predictor that separates the categories, or merge its categories."},
     CatalogueEntry{"Tavoreg continues despite warnings",
-                   "TAVOREG went on despite the warning above. The results rest on the last iteration; whether the model "
+                   "TAVOREG went on despite the warning above. The results rest on the last iteration; "
+                   "whether the model "
                    "fits is uncertain."},
-    CatalogueEntry{"Variance for all parameters is zero",
-                   "The design gives every parameter a variance of zero, so nothing can be tested. Check that each "
-                   "stratum has more than one unit."},
-    CatalogueEntry{"Atleast one estimate was negative",
-                   "The estimated variance of at least one parameter is negative, which the variance of unequal "
-                   "probability sampling allows. Its standard error and tests are left out."},
-    CatalogueEntry{"Parameter variance for SRS design is zero",
-                   "The variance under simple random sampling is zero for every parameter, so there are no design "
-                   "effects."},
+    CatalogueEntry{
+        "Variance for all parameters is zero",
+        "The design gives every parameter a variance of zero, so nothing can be tested. Check that each "
+        "stratum has more than one unit."},
+    CatalogueEntry{
+        "Atleast one estimate was negative",
+        "The estimated variance of at least one parameter is negative, which the variance of unequal "
+        "probability sampling allows. Its standard error and tests are left out."},
+    CatalogueEntry{
+        "Parameter variance for SRS design is zero",
+        "The variance under simple random sampling is zero for every parameter, so there are no design "
+        "effects."},
     CatalogueEntry{"Design based covariance matrix is singular",
-                   "The covariance matrix of the parameters is singular: the design has fewer degrees of freedom than the "
+                   "The covariance matrix of the parameters is singular: the design has fewer degrees of "
+                   "freedom than the "
                    "model has parameters. Tests of many parameters at once may be missing."},
-    CatalogueEntry{"Number of parameters ^1 exceeds limit ^2",
-                   "The model has ^1 parameters, more than the limit of ^2. Remove interactions, or merge categories."},
-    CatalogueEntry{"Number params ^1 too large for available memory",
-                   "The memory does not suffice for a model with ^1 parameters. Remove interactions, or merge "
-                   "categories."},
+    CatalogueEntry{
+        "Number of parameters ^1 exceeds limit ^2",
+        "The model has ^1 parameters, more than the limit of ^2. Remove interactions, or merge categories."},
+    CatalogueEntry{
+        "Number params ^1 too large for available memory",
+        "The memory does not suffice for a model with ^1 parameters. Remove interactions, or merge "
+        "categories."},
 
     // Saved results.
-    CatalogueEntry{"Predicted probabilities exceeds limit ^1",
-                   "The dependent variable has more categories than SAVE PREDPROB allows. Probabilities of the first ^1 "
-                   "were saved; give a larger count to save all."},
+    CatalogueEntry{
+        "Predicted probabilities exceeds limit ^1",
+        "The dependent variable has more categories than SAVE PREDPROB allows. Probabilities of the first ^1 "
+        "were saved; give a larger count to save all."},
     CatalogueEntry{"Predicted Values for Population", "Predicted Values for Population"},
     CatalogueEntry{"Predicted Values for Subpopulation:", "Predicted Values for Subpopulation:"},
     CatalogueEntry{"Predicted Values for", "Predicted Values for"},
@@ -81,18 +107,19 @@ constexpr std::array kEntries = {
     CatalogueEntry{"Did you mean ^1?", "Did you mean ^1?"},
     CatalogueEntry{"Run was interrupted...",
                    "The run was interrupted. What was not finished is not in the output."},
-    CatalogueEntry{"Not enough memory...",
-                   "The memory does not suffice for this command. Try a smaller model, or a machine with more memory."},
+    CatalogueEntry{
+        "Not enough memory...",
+        "The memory does not suffice for this command. Try a smaller model, or a machine with more memory."},
     CatalogueEntry{"Fault of the program ^1...",
-                   "The program met a fault of its own (^1). The results of this command are not complete; please report "
+                   "The program met a fault of its own (^1). The results of this command are not complete; "
+                   "please report "
                    "the command and the data that lead here."},
-    CatalogueEntry{"Data file problem...", "^1"},
-    CatalogueEntry{"No command in file ^1...",
-                   "^1 holds no command. Write a command such as TAVOREG, ended by a period."},
 };
 
 }  // namespace
 
-std::span<const CatalogueEntry> RunCatalogue() { return kEntries; }
+std::span<const CatalogueEntry> RunCatalogue() {
+  return kEntries;
+}
 
 }  // namespace standalone

@@ -7,7 +7,9 @@ namespace standalone {
 
 namespace {
 
-constexpr CatalogueEntry Same(const char* text) { return {text, text}; }
+constexpr CatalogueEntry Same(const char* text) {
+  return {text, text};
+}
 
 constexpr std::array kEntries = {
     CatalogueEntry{"TavoReg", "TAVOREG"},
@@ -38,14 +40,17 @@ constexpr std::array kEntries = {
     // Captions. The argument before each part is a line break.
     CatalogueEntry{"Dependent ^1 = ^2 ^3 Model [%1:, ^1:]4",
                    "Dependent Variable: ^1 (reference category = ^2)^3Model: [%1:, ^1:]4"},
-    CatalogueEntry{"Subpop ^1 = ^2 ^3Dependent ^4 = ^5 ^6Model [%1:, ^1:]7",
-                   "Subpopulation: ^1 = ^2^3Dependent Variable: ^4 (reference category = ^5)^6Model: [%1:, ^1:]7"},
+    CatalogueEntry{
+        "Subpop ^1 = ^2 ^3Dependent ^4 = ^5 ^6Model [%1:, ^1:]7",
+        "Subpopulation: ^1 = ^2^3Dependent Variable: ^4 (reference category = ^5)^6Model: [%1:, ^1:]7"},
     CatalogueEntry{"Redundant params ^1 Dependent^2^3^4 Model [%1:, ^1:]5",
-                   "Redundant parameters are not shown; their values are zero in all iterations.^1Dependent Variable: ^2 "
+                   "Redundant parameters are not shown; their values are zero in all iterations.^1Dependent "
+                   "Variable: ^2 "
                    "(reference category = ^3)^4Model: [%1:, ^1:]5"},
-    CatalogueEntry{"Redundant params ^1Subpop^2^3^4Dependent^5^6^7Model [%1:, ^1:]8",
-                   "Redundant parameters are not shown; their values are zero in all iterations.^1Subpopulation: ^2 = "
-                   "^3^4Dependent Variable: ^5 (reference category = ^6)^7Model: [%1:, ^1:]8"},
+    CatalogueEntry{
+        "Redundant params ^1Subpop^2^3^4Dependent^5^6^7Model [%1:, ^1:]8",
+        "Redundant parameters are not shown; their values are zero in all iterations.^1Subpopulation: ^2 = "
+        "^3^4Dependent Variable: ^5 (reference category = ^6)^7Model: [%1:, ^1:]8"},
     CatalogueEntry{"Subpopulation ^1 = ^2", "Subpopulation: ^1 = ^2"},
     CatalogueEntry{"[:^1:]1", "[:^1:]1"},
 
@@ -131,7 +136,8 @@ constexpr std::array kEntries = {
     Same("^1 vs. ^2"),
 
     // Notes on cells.
-    CatalogueEntry{"Set to system missing due to overflow", "Left empty because the number is too large to be held."},
+    CatalogueEntry{"Set to system missing due to overflow",
+                   "Left empty because the number is too large to be held."},
     CatalogueEntry{"Parameter is redundant", "The parameter is redundant and stands at zero."},
     CatalogueEntry{"Estimate was negative", "Left empty because the estimated variance is negative."},
     CatalogueEntry{"Variance estimate was negative", "Left empty because an estimated variance is negative."},
@@ -140,29 +146,37 @@ constexpr std::array kEntries = {
     // How the fit ended.
     Same("relative"),
     Same("absolute"),
-    CatalogueEntry{"Number of iterations is zero", "No iteration was made because the maximum number of iterations is 0."},
+    CatalogueEntry{"Number of iterations is zero",
+                   "No iteration was made because the maximum number of iterations is 0."},
     CatalogueEntry{"Log-likelihood value converges ^1 ^2 ^3 ^4",
-                   "The log-likelihood has converged. Its last ^1 change is ^2; the largest last ^3 change of a parameter "
+                   "The log-likelihood has converged. Its last ^1 change is ^2; the largest last ^3 change "
+                   "of a parameter "
                    "estimate is ^4."},
-    CatalogueEntry{"Parameter estimates converge ^1 ^2 ^3 ^4",
-                   "The parameter estimates have converged. The last ^1 change of the log-likelihood is ^2; the largest "
-                   "last ^3 change of a parameter estimate is ^4."},
+    CatalogueEntry{
+        "Parameter estimates converge ^1 ^2 ^3 ^4",
+        "The parameter estimates have converged. The last ^1 change of the log-likelihood is ^2; the largest "
+        "last ^3 change of a parameter estimate is ^4."},
     CatalogueEntry{"Both converge ^1 ^2 ^3 ^4",
                    "The log-likelihood and the parameter estimates have converged. The last ^1 change of the "
                    "log-likelihood is ^2; the largest last ^3 change of a parameter estimate is ^4."},
-    CatalogueEntry{"Unexpected singularities in Hessian matrix are encountered ^1 ^2 ^3 ^4",
-                   "Stopped at a singular Hessian matrix. The last ^1 change of the log-likelihood is ^2; the largest "
-                   "last ^3 change of a parameter estimate is ^4."},
-    CatalogueEntry{"Cannot increase log-likelihood", "Stopped because no step raises the log-likelihood any more."},
-    CatalogueEntry{"Maximum iterations was reached ^1 ^2 ^3 ^4",
-                   "Stopped at the maximum number of iterations. The last ^1 change of the log-likelihood is ^2; the "
-                   "largest last ^3 change of a parameter estimate is ^4."},
+    CatalogueEntry{
+        "Unexpected singularities in Hessian matrix are encountered ^1 ^2 ^3 ^4",
+        "Stopped at a singular Hessian matrix. The last ^1 change of the log-likelihood is ^2; the largest "
+        "last ^3 change of a parameter estimate is ^4."},
+    CatalogueEntry{"Cannot increase log-likelihood",
+                   "Stopped because no step raises the log-likelihood any more."},
+    CatalogueEntry{
+        "Maximum iterations was reached ^1 ^2 ^3 ^4",
+        "Stopped at the maximum number of iterations. The last ^1 change of the log-likelihood is ^2; the "
+        "largest last ^3 change of a parameter estimate is ^4."},
     CatalogueEntry{"Log-likelihood value is zero ^1 ^2 ^3 ^4",
-                   "Stopped because the log-likelihood is zero. Its last ^1 change is ^2; the largest last ^3 change of a "
+                   "Stopped because the log-likelihood is zero. Its last ^1 change is ^2; the largest last "
+                   "^3 change of a "
                    "parameter estimate is ^4."},
-    CatalogueEntry{"Quasi complete separation exists ^1 ^2 ^3 ^4",
-                   "Stopped at quasi-complete separation. The last ^1 change of the log-likelihood is ^2; the largest "
-                   "last ^3 change of a parameter estimate is ^4."},
+    CatalogueEntry{
+        "Quasi complete separation exists ^1 ^2 ^3 ^4",
+        "Stopped at quasi-complete separation. The last ^1 change of the log-likelihood is ^2; the largest "
+        "last ^3 change of a parameter estimate is ^4."},
     CatalogueEntry{"No iterations are necessary", "No iterations are necessary for this model."},
 
     // Notes on tests.
@@ -175,12 +189,14 @@ constexpr std::array kEntries = {
     CatalogueEntry{"This ^1 matrix is not estimable", "This ^1 matrix is not estimable."},
     CatalogueEntry{"Number of values is not equal to number of parameters for that effect",
                    "Not shown: the number of values of an effect is not the number of its parameters."},
-    CatalogueEntry{"Display matrix is transpose of the ^1 matrix", "The matrix shown is the transpose of the ^1 matrix."},
+    CatalogueEntry{"Display matrix is transpose of the ^1 matrix",
+                   "The matrix shown is the transpose of the ^1 matrix."},
     CatalogueEntry{"Estimable Function for Intercept", "The estimable function of the intercept is tested."},
     CatalogueEntry{"The following contrasts are used [%1%2:, ^1^2:]1",
                    "The rows are not independent. These contrasts are used: [%1%2:, ^1^2:]1"},
-    CatalogueEntry{"Contrasts used [%1%2(%3=%4):, ^1^2(^3=^4):]1",
-                   "The rows are not independent. These contrasts are used: [%1%2 (%3 = %4):, ^1^2 (^3 = ^4):]1"},
+    CatalogueEntry{
+        "Contrasts used [%1%2(%3=%4):, ^1^2(^3=^4):]1",
+        "The rows are not independent. These contrasts are used: [%1%2 (%3 = %4):, ^1^2 (^3 = ^4):]1"},
 
     // Notes on odds ratios.
     CatalogueEntry{"Factors and covariates [%1=%2:, ^1=^2:]1",
@@ -204,6 +220,8 @@ constexpr std::array kEntries = {
 
 }  // namespace
 
-std::span<const CatalogueEntry> TableCatalogue() { return kEntries; }
+std::span<const CatalogueEntry> TableCatalogue() {
+  return kEntries;
+}
 
 }  // namespace standalone

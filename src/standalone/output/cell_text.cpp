@@ -19,7 +19,8 @@ BpDataValue::BpDataValue(const VORN_Variable* valueVariable, const OBS* valueCel
   cells.assign(valueCells, valueCells + CellCount(variable->GetType()));
 }
 
-BpCellText::BpCellText(const BpComposite& composite) : fContent(std::make_shared<const BpComposite>(composite)) {}
+BpCellText::BpCellText(const BpComposite& composite)
+    : fContent(std::make_shared<const BpComposite>(composite)) {}
 
 BpComposite& BpComposite::Add(BpCellText argument) {
   if (fInSublist) {
@@ -41,7 +42,9 @@ BpComposite& BpComposite::EndSublist() {
   return *this;
 }
 
-std::string FacSTDictionaryLookUp(std::string_view key) { return standalone::CatalogueText(key); }
+std::string FacSTDictionaryLookUp(std::string_view key) {
+  return standalone::CatalogueText(key);
+}
 
 }  // namespace host
 
@@ -97,10 +100,12 @@ std::string CompositeText(const host::BpComposite& composite) {
       continue;
     }
     std::vector<std::string> list;
-    for (const auto& element : std::get<std::vector<host::BpCellText>>(argument)) list.push_back(TextOf(element));
+    for (const auto& element : std::get<std::vector<host::BpCellText>>(argument))
+      list.push_back(TextOf(element));
     arguments.emplace_back(std::move(list));
   }
-  return FillTemplate(composite.Translate() ? CatalogueText(composite.Template()) : composite.Template(), arguments);
+  return FillTemplate(composite.Translate() ? CatalogueText(composite.Template()) : composite.Template(),
+                      arguments);
 }
 
 /// Cells of a value as letters, so that values that print alike are still told apart. -0 is 0.
@@ -126,7 +131,8 @@ std::string CompositeIdentity(const host::BpComposite& composite) {
       append(*single);
     } else {
       identity += '(';
-      for (const auto& element : std::get<std::vector<host::BpCellText>>(argument)) append(element);
+      for (const auto& element : std::get<std::vector<host::BpCellText>>(argument))
+        append(element);
       identity += ')';
     }
   }
@@ -151,7 +157,8 @@ std::string TextOf(const host::BpCellText& content) {
       Overloaded{[](const host::BpString& string) { return StringText(string); },
                  [](const host::BpNumber& number) { return NumberText(number.value, number.format); },
                  [](const host::BpVariable& variable) {
-                   return variable.variable == nullptr ? std::string() : VariableText(*variable.variable, variable.show);
+                   return variable.variable == nullptr ? std::string()
+                                                       : VariableText(*variable.variable, variable.show);
                  },
                  [](const host::BpDataValue& value) { return DataValueText(value); },
                  [](const CompositePointer& composite) { return CompositeText(*composite); }},
@@ -164,20 +171,21 @@ std::string LabelOf(const host::BpCellText& content) {
 }
 
 std::string IdentityOf(const host::BpCellText& content) {
-  return std::visit(Overloaded{[&](const host::BpString&) { return "T" + TextOf(content); },
-                               [](const host::BpNumber& number) {
-                                 return "N" + std::to_string(std::bit_cast<std::uint64_t>(number.value + 0.0));
-                               },
-                               [](const host::BpVariable& variable) {
-                                 return variable.variable == nullptr ? std::string("V")
-                                                                     : "V" + variable.variable->GetUpperCaseName();
-                               },
-                               [](const host::BpDataValue& value) {
-                                 if (value.variable == nullptr) return std::string("D");
-                                 return "D" + value.variable->GetUpperCaseName() + "=" + CellsAsKey(value);
-                               },
-                               [](const CompositePointer& composite) { return CompositeIdentity(*composite); }},
-                    content.Get());
+  return std::visit(
+      Overloaded{[&](const host::BpString&) { return "T" + TextOf(content); },
+                 [](const host::BpNumber& number) {
+                   return "N" + std::to_string(std::bit_cast<std::uint64_t>(number.value + 0.0));
+                 },
+                 [](const host::BpVariable& variable) {
+                   return variable.variable == nullptr ? std::string("V")
+                                                       : "V" + variable.variable->GetUpperCaseName();
+                 },
+                 [](const host::BpDataValue& value) {
+                   if (value.variable == nullptr) return std::string("D");
+                   return "D" + value.variable->GetUpperCaseName() + "=" + CellsAsKey(value);
+                 },
+                 [](const CompositePointer& composite) { return CompositeIdentity(*composite); }},
+      content.Get());
 }
 
 CellContent ContentOf(const host::BpCellText& content) {

@@ -8,14 +8,15 @@
 
 namespace standalone {
 
-/// The text of any content: keys in the words of the catalogue, templates filled, numbers by their formats, variables
-/// and values as they are labelled. Carriage returns become line feeds.
+/// The text of any content: keys in the words of the catalogue, templates filled, numbers by their formats,
+/// variables and values as they are labelled. Carriage returns become line feeds.
 std::string TextOf(const host::BpCellText& content);
 
 /// The text of a label: as TextOf, but a number keeps all its digits.
 std::string LabelOf(const host::BpCellText& content);
 
-/// What tells a label from its neighbours: the text that it shows, for numbers and data values the value itself.
+/// What tells a label from its neighbours: the text that it shows, for numbers and data values the value
+/// itself.
 std::string IdentityOf(const host::BpCellText& content);
 
 /// The content for a cell of the document.

@@ -9,7 +9,8 @@ namespace {
 void CollectCategories(const PivotDimension& dimension, int label, std::vector<int>& out) {
   const PivotLabel& node = dimension.labels[static_cast<std::size_t>(label)];
   if (node.isCategory) out.push_back(label);
-  for (const int child : node.children) CollectCategories(dimension, child, out);
+  for (const int child : node.children)
+    CollectCategories(dimension, child, out);
 }
 
 }  // namespace
@@ -45,15 +46,18 @@ const PivotCell* PivotTable::Find(const std::vector<int>& coordinates) const {
   return at == fCells.end() ? nullptr : &at->second;
 }
 
-PivotCell& PivotTable::At(const std::vector<int>& coordinates) { return fCells[coordinates]; }
+PivotCell& PivotTable::At(const std::vector<int>& coordinates) {
+  return fCells[coordinates];
+}
 
 std::vector<std::size_t> PivotTable::DimensionsOf(host::BpPlace place) const {
   std::vector<std::size_t> found;
   for (std::size_t i = 0; i < dimensions.size(); ++i) {
     if (dimensions[i].place == place) found.push_back(i);
   }
-  std::stable_sort(found.begin(), found.end(),
-                   [this](std::size_t a, std::size_t b) { return dimensions[a].level > dimensions[b].level; });
+  std::stable_sort(found.begin(), found.end(), [this](std::size_t a, std::size_t b) {
+    return dimensions[a].level > dimensions[b].level;
+  });
   return found;
 }
 

@@ -1,5 +1,5 @@
-// The output document: what a run reports, as plain data. A document holds commands; a command holds messages, notes
-// and pivot tables. Numbers stay numbers here; the renderers make text of them.
+// The output document: what a run reports, as plain data. A document holds commands; a command holds
+// messages, notes and pivot tables. Numbers stay numbers here; the renderers make text of them.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,8 @@
 
 namespace standalone {
 
-/// What a cell holds: nothing, a text, or a number with its format (a missing number is the host's missing value).
+/// What a cell holds: nothing, a text, or a number with its format (a missing number is the host's missing
+/// value).
 using CellContent = std::variant<std::monostate, std::string, host::BpNumber>;
 
 struct PivotCell {
@@ -44,13 +45,13 @@ struct PivotDimension {
   const std::string& Label() const { return labels[0].text; }
   /// Indices of the categories, in the order in which the tree shows them.
   std::vector<int> Categories() const;
-  /// The labels from the outermost group (the root left out) to the label itself. Groups without a text, which only
-  /// keep categories together, are left out.
+  /// The labels from the outermost group (the root left out) to the label itself. Groups without a text,
+  /// which only keep categories together, are left out.
   std::vector<std::string> Path(int label) const;
 };
 
-/// A table. The cells are sparse; a cell's coordinates are one category (index into `labels`) per dimension, in the
-/// order of `dimensions`.
+/// A table. The cells are sparse; a cell's coordinates are one category (index into `labels`) per dimension,
+/// in the order of `dimensions`.
 class PivotTable {
  private:
   struct Hash {

@@ -7,8 +7,9 @@
 
 namespace standalone {
 
-/// Calls follow the shape of the document: Key before each value of an object. Texts are escaped, invalid UTF-8 is
-/// replaced. Numbers are written as the shortest text that reads back to the same double; a missing one is null.
+/// Calls follow the shape of the document: Key before each value of an object. Texts are escaped, invalid
+/// UTF-8 is replaced. Numbers are written as the shortest text that reads back to the same double; a missing
+/// one is null.
 class JsonWriter {
  public:
   explicit JsonWriter(std::ostream& out) : fOut(out) {}

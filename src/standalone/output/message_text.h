@@ -10,7 +10,8 @@
 
 namespace standalone {
 
-/// "error: …" or "warning: …", then the place, then the excerpt with its caret. Control characters are made harmless.
+/// "error: …" or "warning: …", then the place, then the excerpt with its caret. Control characters are made
+/// harmless.
 void WriteMessage(std::ostream& stream, const Message& message);
 
 /// The lines of a text, without their line feeds; none for an empty text.

@@ -15,7 +15,8 @@ namespace standalone {
 
 namespace {
 
-std::string Sentence(std::string_view key, const std::vector<std::string>& arguments, const MessageContext& context) {
+std::string Sentence(std::string_view key, const std::vector<std::string>& arguments,
+                     const MessageContext& context) {
   std::string text;
   if (!context.groupText.empty()) text = CatalogueText(context.groupText) + ": ";
   text += FillTemplate(CatalogueText(key), {arguments.begin(), arguments.end()});
@@ -41,7 +42,8 @@ void SendMessage(bool isError, std::string_view key, const std::vector<std::stri
 void WriteMessage(std::ostream& stream, const Message& message) {
   stream << (message.isError ? "error: " : "warning: ") << WithoutControls(message.text) << '\n';
   if (!message.location.empty()) stream << "  at " << WithoutControls(message.location) << '\n';
-  for (const std::string& line : LinesOf(message.excerpt)) stream << "  | " << WithoutControls(line) << '\n';
+  for (const std::string& line : LinesOf(message.excerpt))
+    stream << "  | " << WithoutControls(line) << '\n';
   stream.flush();
 }
 
@@ -69,8 +71,9 @@ void AddNotes(int group, std::string_view label, const BpCellText& text) {
   standalone::CommandOutput* output = standalone::SessionScope::Current().CurrentOutput();
   if (output == nullptr) return;
   auto& notes = output->notes;
-  const auto place = std::upper_bound(notes.begin(), notes.end(), group,
-                                      [](int g, const standalone::CommandNote& note) { return g < note.group; });
+  const auto place =
+      std::upper_bound(notes.begin(), notes.end(), group,
+                       [](int g, const standalone::CommandNote& note) { return g < note.group; });
   notes.insert(place, {group, standalone::CatalogueText(label), standalone::TextOf(text)});
 }
 

@@ -20,15 +20,16 @@ struct Message {
 
 /// What stands around a message about a command or a plan.
 struct MessageContext {
-  std::string groupText;                // put in front, such as "Stage 2 of the plan"
-  host::SourcePosition position;        // line 0: no place
-  std::vector<std::string> candidates;  // known words; the nearest to `misspelt` is suggested when one is near
-  std::string misspelt;                 // the word that was not found
+  std::string groupText;          // put in front, such as "Stage 2 of the plan"
+  host::SourcePosition position;  // line 0: no place
+  std::vector<std::string>
+      candidates;        // known words; the nearest to `misspelt` is suggested when one is near
+  std::string misspelt;  // the word that was not found
 };
 
-/// Sends a message of the running command: looks the key up in the catalogue, fills ^1 to ^5, adds the place in the
-/// command and the suggestion, stores it in the session's document and writes it to standard error. An error sets the
-/// host's error flag.
+/// Sends a message of the running command: looks the key up in the catalogue, fills ^1 to ^5, adds the place
+/// in the command and the suggestion, stores it in the session's document and writes it to standard error. An
+/// error sets the host's error flag.
 void SendMessage(bool isError, std::string_view key, const std::vector<std::string>& arguments,
                  const MessageContext& context = {});
 

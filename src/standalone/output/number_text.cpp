@@ -49,7 +49,8 @@ std::string ThreeDecimals(double value) {
 
 std::string AtMostThreeDecimals(double value) {
   std::string text = Raw(value, std::chars_format::fixed, 3);
-  while (text.back() == '0') text.pop_back();
+  while (text.back() == '0')
+    text.pop_back();
   if (text.back() == '.') text.pop_back();
   if (value != 0 && IsZeroText(text)) return ThreeDecimals(value);
   return InTableStyle(text);
@@ -57,7 +58,9 @@ std::string AtMostThreeDecimals(double value) {
 
 }  // namespace
 
-bool IsMissingNumber(double value) { return value == host::kSystemMissing || !std::isfinite(value); }
+bool IsMissingNumber(double value) {
+  return value == host::kSystemMissing || !std::isfinite(value);
+}
 
 std::string ShortestText(double value) {
   if (IsMissingNumber(value)) return {};

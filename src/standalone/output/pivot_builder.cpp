@@ -18,7 +18,8 @@ struct TableState {
 
   PivotCell& CurrentCell() {
     if (std::find(current.begin(), current.end(), 0) != current.end()) {
-      throw std::logic_error("a cell of table " + table.id + " was set before every dimension had a category");
+      throw std::logic_error("a cell of table " + table.id +
+                             " was set before every dimension had a category");
     }
     return table.At(current);
   }
@@ -117,15 +118,21 @@ void CategoryBuilder::CellNote(const host::BpCellText& note) {
   AddOnce(fDimension.State().CurrentCell().notes, TextOf(note));
 }
 
-void CategoryBuilder::Note(const host::BpCellText& note) { fDimension.NoteOn(fLabel, note); }
+void CategoryBuilder::Note(const host::BpCellText& note) {
+  fDimension.NoteOn(fLabel, note);
+}
 
-host::BpGroup& GroupBuilder::Group(const host::BpCellText& label) { return fDimension.GroupIn(fLabel, label); }
+host::BpGroup& GroupBuilder::Group(const host::BpCellText& label) {
+  return fDimension.GroupIn(fLabel, label);
+}
 
 host::BpCategory& GroupBuilder::Category(const host::BpCellText& label) {
   return fDimension.CategoryIn(fLabel, label);
 }
 
-void GroupBuilder::Note(const host::BpCellText& note) { fDimension.NoteOn(fLabel, note); }
+void GroupBuilder::Note(const host::BpCellText& note) {
+  fDimension.NoteOn(fLabel, note);
+}
 
 class TableBuilder final : public host::BpPivotTable {
  public:
@@ -159,9 +166,11 @@ class TableBuilder final : public host::BpPivotTable {
 
 class HeadingBuilder final : public host::BpHeading {
  public:
-  HeadingBuilder(CommandOutput& output, std::vector<std::string> path) : fOutput(output), fPath(std::move(path)) {}
+  HeadingBuilder(CommandOutput& output, std::vector<std::string> path)
+      : fOutput(output), fPath(std::move(path)) {}
 
-  std::unique_ptr<host::BpPivotTable> PivotTable(const host::BpCellText& title, std::string_view identifier) override {
+  std::unique_ptr<host::BpPivotTable> PivotTable(const host::BpCellText& title,
+                                                 std::string_view identifier) override {
     auto table = std::make_unique<standalone::PivotTable>();
     table->id = identifier;
     table->title = TextOf(title);
@@ -191,6 +200,8 @@ class Procedure final : public host::BpProcedure {
 
 }  // namespace
 
-std::unique_ptr<host::BpProcedure> MakeProcedure(CommandOutput& output) { return std::make_unique<Procedure>(output); }
+std::unique_ptr<host::BpProcedure> MakeProcedure(CommandOutput& output) {
+  return std::make_unique<Procedure>(output);
+}
 
 }  // namespace standalone

@@ -14,15 +14,15 @@ struct CodeRange {
 };
 
 // Marks that combine with the character before them, and characters that show nothing.
-constexpr std::array kZeroWidth = {CodeRange{0x0300, 0x036F}, CodeRange{0x0483, 0x0489}, CodeRange{0x0591, 0x05BD},
-                                   CodeRange{0x064B, 0x065F}, CodeRange{0x200B, 0x200F}, CodeRange{0x20D0, 0x20FF},
-                                   CodeRange{0xFE00, 0xFE0F}, CodeRange{0xFE20, 0xFE2F}, CodeRange{0xFEFF, 0xFEFF}};
-constexpr std::array kDoubleWidth = {CodeRange{0x1100, 0x115F},   CodeRange{0x2E80, 0x303E},
-                                     CodeRange{0x3041, 0xA4CF},   CodeRange{0xAC00, 0xD7A3},
-                                     CodeRange{0xF900, 0xFAFF},   CodeRange{0xFE30, 0xFE6F},
-                                     CodeRange{0xFF00, 0xFF60},   CodeRange{0xFFE0, 0xFFE6},
-                                     CodeRange{0x1F300, 0x1F64F}, CodeRange{0x1F900, 0x1F9FF},
-                                     CodeRange{0x20000, 0x3FFFD}};
+constexpr std::array kZeroWidth = {
+    CodeRange{0x0300, 0x036F}, CodeRange{0x0483, 0x0489}, CodeRange{0x0591, 0x05BD},
+    CodeRange{0x064B, 0x065F}, CodeRange{0x200B, 0x200F}, CodeRange{0x20D0, 0x20FF},
+    CodeRange{0xFE00, 0xFE0F}, CodeRange{0xFE20, 0xFE2F}, CodeRange{0xFEFF, 0xFEFF}};
+constexpr std::array kDoubleWidth = {
+    CodeRange{0x1100, 0x115F},   CodeRange{0x2E80, 0x303E},  CodeRange{0x3041, 0xA4CF},
+    CodeRange{0xAC00, 0xD7A3},   CodeRange{0xF900, 0xFAFF},  CodeRange{0xFE30, 0xFE6F},
+    CodeRange{0xFF00, 0xFF60},   CodeRange{0xFFE0, 0xFFE6},  CodeRange{0x1F300, 0x1F64F},
+    CodeRange{0x1F900, 0x1F9FF}, CodeRange{0x20000, 0x3FFFD}};
 
 template <std::size_t N>
 bool IsIn(const std::array<CodeRange, N>& ranges, char32_t code) {
@@ -154,7 +154,8 @@ std::string ValidUtf8(std::string_view text) {
 }
 
 std::string WithoutTrailingBlanks(std::string text) {
-  while (!text.empty() && text.back() == ' ') text.pop_back();
+  while (!text.empty() && text.back() == ' ')
+    text.pop_back();
   return text;
 }
 

@@ -23,9 +23,13 @@ struct ProgressLine::State {
   Clock::time_point last;
 };
 
-ProgressLine::ProgressLine(std::ostream* stream) : fpState(std::make_unique<State>()) { fpState->stream = stream; }
+ProgressLine::ProgressLine(std::ostream* stream) : fpState(std::make_unique<State>()) {
+  fpState->stream = stream;
+}
 
-ProgressLine::~ProgressLine() { Clear(); }
+ProgressLine::~ProgressLine() {
+  Clear();
+}
 
 void ProgressLine::Show(std::string_view stage, std::string_view detail) {
   if (fpState->stream == nullptr) return;

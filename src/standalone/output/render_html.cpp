@@ -52,12 +52,23 @@ std::string Escaped(std::string_view text) {
   std::string out;
   for (const char c : ValidUtf8(text)) {
     switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      case '\'': out += "&#39;"; break;
-      default: out += static_cast<unsigned char>(c) < 0x20 && c != '\n' ? ' ' : c;
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      case '\'':
+        out += "&#39;";
+        break;
+      default:
+        out += static_cast<unsigned char>(c) < 0x20 && c != '\n' ? ' ' : c;
     }
   }
   return out;
@@ -81,16 +92,16 @@ void WriteHead(std::ostream& out, const TableLayout& layout) {
     out << "<tr>";
     if (level == 0) {
       for (const HeaderCell& cell : layout.Stub()) {
-        out << "<th class=\"stub\" scope=\"col\"" << Span("colspan", cell.levelSpan) << Span("rowspan", height) << '>'
-            << WithMarks(cell.text, cell.marks) << "</th>";
+        out << "<th class=\"stub\" scope=\"col\"" << Span("colspan", cell.levelSpan)
+            << Span("rowspan", height) << '>' << WithMarks(cell.text, cell.marks) << "</th>";
       }
     }
     for (const HeaderCell& cell : columns.cells) {
       if (cell.level != level) continue;
       // The outermost label of a shallow branch reaches down to the last level.
       out << (cell.isLeaf ? "<th scope=\"col\"" : "<th class=\"group\" scope=\"colgroup\"")
-          << Span("colspan", cell.span) << Span("rowspan", cell.levelSpan) << '>' << WithMarks(cell.text, cell.marks)
-          << "</th>";
+          << Span("colspan", cell.span) << Span("rowspan", cell.levelSpan) << '>'
+          << WithMarks(cell.text, cell.marks) << "</th>";
     }
     if (columns.levels == 0) out << "<td></td>";
     out << "</tr>\n";
@@ -103,7 +114,8 @@ void WriteBody(std::ostream& out, const TableLayout& layout) {
   out << "<tbody>\n";
   std::size_t next = 0;
   for (std::size_t r = 0; r < rows.lines.size(); ++r) {
-    const bool isOuter = r > 0 && next < rows.cells.size() && rows.cells[next].level == 0 && !rows.cells[next].isLeaf;
+    const bool isOuter =
+        r > 0 && next < rows.cells.size() && rows.cells[next].level == 0 && !rows.cells[next].isLeaf;
     out << (isOuter ? "<tr class=\"outer\">" : "<tr>");
     for (; next < rows.cells.size() && rows.cells[next].first == r; ++next) {
       const HeaderCell& cell = rows.cells[next];
@@ -112,8 +124,8 @@ void WriteBody(std::ostream& out, const TableLayout& layout) {
     }
     for (std::size_t c = 0; c < layout.Columns().lines.size(); ++c) {
       const LayoutCell cell = layout.At(r, c);
-      out << (cell.isNumber || cell.text.empty() ? "<td>" : "<td class=\"text\">") << WithMarks(cell.text, cell.marks)
-          << "</td>";
+      out << (cell.isNumber || cell.text.empty() ? "<td>" : "<td class=\"text\">")
+          << WithMarks(cell.text, cell.marks) << "</td>";
     }
     out << "</tr>\n";
   }
@@ -183,10 +195,12 @@ void WriteCommand(std::ostream& out, const CommandOutput& command) {
 void RenderHtml(std::ostream& out, const Document& document) {
   out << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
       << "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-      << "<meta name=\"generator\" content=\"tavoreg " << Escaped(document.version) << "\">\n<title>tavoreg</title>\n"
+      << "<meta name=\"generator\" content=\"tavoreg " << Escaped(document.version)
+      << "\">\n<title>tavoreg</title>\n"
       << "<style>" << kStyle << "</style>\n</head>\n<body>\n";
   WriteMessages(out, document.messages);
-  for (const CommandOutput& command : document.commands) WriteCommand(out, command);
+  for (const CommandOutput& command : document.commands)
+    WriteCommand(out, command);
   out << "</body>\n</html>\n";
 }
 

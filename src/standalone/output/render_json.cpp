@@ -11,7 +11,8 @@ namespace {
 void TextArray(JsonWriter& json, std::string_view key, const std::vector<std::string>& texts) {
   json.Key(key);
   json.BeginArray();
-  for (const std::string& text : texts) json.Text(text);
+  for (const std::string& text : texts)
+    json.Text(text);
   json.EndArray();
 }
 
@@ -46,10 +47,12 @@ void WriteNotes(JsonWriter& json, const std::vector<CommandNote>& notes) {
   json.EndArray();
 }
 
-void WriteDimensionLabels(JsonWriter& json, std::string_view key, const PivotTable& table, const AxisLayout& axis) {
+void WriteDimensionLabels(JsonWriter& json, std::string_view key, const PivotTable& table,
+                          const AxisLayout& axis) {
   json.Key(key);
   json.BeginArray();
-  for (const std::size_t d : axis.dimensions) json.Text(table.dimensions[d].Label());
+  for (const std::size_t d : axis.dimensions)
+    json.Text(table.dimensions[d].Label());
   json.EndArray();
 }
 
@@ -84,7 +87,8 @@ void WriteValue(JsonWriter& json, const CellContent& content) {
 
 void WriteCells(JsonWriter& json, const TableLayout& layout) {
   std::vector<std::vector<std::string>> columns;
-  for (std::size_t c = 0; c < layout.Columns().lines.size(); ++c) columns.push_back(layout.Path(layout.Columns(), c));
+  for (std::size_t c = 0; c < layout.Columns().lines.size(); ++c)
+    columns.push_back(layout.Path(layout.Columns(), c));
   json.Key("cells");
   json.BeginArray(true);
   for (std::size_t r = 0; r < layout.Rows().lines.size(); ++r) {
@@ -129,7 +133,8 @@ void WriteCommand(JsonWriter& json, const CommandOutput& command) {
   WriteNotes(json, command.notes);
   json.Key("tables");
   json.BeginArray(true);
-  for (const auto& table : command.tables) WriteTable(json, *table);
+  for (const auto& table : command.tables)
+    WriteTable(json, *table);
   json.EndArray();
   json.EndObject();
 }
@@ -143,7 +148,8 @@ void RenderJson(std::ostream& out, const Document& document) {
   if (!document.messages.empty()) WriteMessages(json, document.messages);
   json.Key("commands");
   json.BeginArray(true);
-  for (const CommandOutput& command : document.commands) WriteCommand(json, command);
+  for (const CommandOutput& command : document.commands)
+    WriteCommand(json, command);
   json.EndArray();
   json.EndObject();
   out << '\n';

@@ -45,7 +45,8 @@ std::vector<std::string> ColumnLabels(const AxisLayout& axis) {
 
 void WriteRowLine(std::ostream& out, const std::vector<std::string>& cells) {
   out << '|';
-  for (const std::string& cell : cells) out << ' ' << cell << " |";
+  for (const std::string& cell : cells)
+    out << ' ' << cell << " |";
   out << '\n';
 }
 
@@ -59,7 +60,8 @@ void WriteGrid(std::ostream& out, const TableLayout& layout) {
   head.insert(head.end(), labels.begin(), labels.end());
   WriteRowLine(out, head);
   out << '|';
-  for (std::size_t i = 0; i < head.size(); ++i) out << (i < rows.levels ? " :--- |" : " ---: |");
+  for (std::size_t i = 0; i < head.size(); ++i)
+    out << (i < rows.levels ? " :--- |" : " ---: |");
   out << '\n';
   std::size_t next = 0;
   for (std::size_t r = 0; r < rows.lines.size(); ++r) {
@@ -102,10 +104,12 @@ void WriteCommand(std::ostream& out, const CommandOutput& command) {
   out << "\n# " << Escaped(command.name) << (command.failed ? " (ended with an error)" : "") << '\n';
   WriteMessages(out, command.messages);
   if (!command.notes.empty()) out << '\n';
-  for (const CommandNote& note : command.notes) out << "- " << Escaped(note.label) << ": " << Escaped(note.text) << '\n';
+  for (const CommandNote& note : command.notes)
+    out << "- " << Escaped(note.label) << ": " << Escaped(note.text) << '\n';
   std::vector<std::string> last;
   for (const auto& table : command.tables) {
-    if (table->heading != last && !table->heading.empty()) out << "\n## " << Escaped(table->heading.back()) << '\n';
+    if (table->heading != last && !table->heading.empty())
+      out << "\n## " << Escaped(table->heading.back()) << '\n';
     last = table->heading;
     WriteTable(out, *table);
   }
@@ -115,7 +119,8 @@ void WriteCommand(std::ostream& out, const CommandOutput& command) {
 
 void RenderMarkdown(std::ostream& out, const Document& document) {
   WriteMessages(out, document.messages);
-  for (const CommandOutput& command : document.commands) WriteCommand(out, command);
+  for (const CommandOutput& command : document.commands)
+    WriteCommand(out, command);
 }
 
 }  // namespace standalone

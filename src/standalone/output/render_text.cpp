@@ -14,7 +14,8 @@ namespace {
 
 std::string Underline(const std::string& text, const char* stroke) {
   std::string line;
-  for (std::size_t i = 0; i < DisplayWidth(text); ++i) line += stroke;
+  for (std::size_t i = 0; i < DisplayWidth(text); ++i)
+    line += stroke;
   return line;
 }
 
@@ -22,16 +23,19 @@ void WriteMessages(std::ostream& out, const std::vector<Message>& messages, std:
   for (const Message& message : messages) {
     out << '\n';
     const std::string text = (message.isError ? "Error: " : "Warning: ") + WithoutControls(message.text);
-    for (const std::string& line : Wrap(text, width)) out << line << '\n';
+    for (const std::string& line : Wrap(text, width))
+      out << line << '\n';
     if (!message.location.empty()) out << "  at " << WithoutControls(message.location) << '\n';
-    for (const std::string& line : LinesOf(message.excerpt)) out << "  | " << WithoutControls(line) << '\n';
+    for (const std::string& line : LinesOf(message.excerpt))
+      out << "  | " << WithoutControls(line) << '\n';
   }
 }
 
 void WriteNotes(std::ostream& out, const std::vector<CommandNote>& notes) {
   if (notes.empty()) return;
   std::size_t width = 0;
-  for (const CommandNote& note : notes) width = std::max(width, DisplayWidth(note.label));
+  for (const CommandNote& note : notes)
+    width = std::max(width, DisplayWidth(note.label));
   out << '\n';
   for (const CommandNote& note : notes) {
     out << PadRight(note.label, width) << "  " << WithoutControls(note.text) << '\n';
@@ -39,9 +43,11 @@ void WriteNotes(std::ostream& out, const std::vector<CommandNote>& notes) {
 }
 
 /// Headings that the table before did not stand under.
-void WriteHeadings(std::ostream& out, const std::vector<std::string>& heading, std::vector<std::string>& last) {
+void WriteHeadings(std::ostream& out, const std::vector<std::string>& heading,
+                   std::vector<std::string>& last) {
   std::size_t shared = 0;
-  while (shared < heading.size() && shared < last.size() && heading[shared] == last[shared]) ++shared;
+  while (shared < heading.size() && shared < last.size() && heading[shared] == last[shared])
+    ++shared;
   for (std::size_t i = shared; i < heading.size(); ++i) {
     out << '\n' << heading[i] << '\n' << Underline(heading[i], "─") << '\n';
   }
@@ -49,8 +55,8 @@ void WriteHeadings(std::ostream& out, const std::vector<std::string>& heading, s
 }
 
 void WriteCommand(std::ostream& out, const CommandOutput& command, std::size_t width) {
-  const std::string title =
-      fmt::format("{}{}  ({:.2f} s)", command.name, command.failed ? ", ended with an error" : "", command.seconds);
+  const std::string title = fmt::format("{}{}  ({:.2f} s)", command.name,
+                                        command.failed ? ", ended with an error" : "", command.seconds);
   out << title << '\n' << Underline(title, "═") << '\n';
   WriteMessages(out, command.messages, width);
   WriteNotes(out, command.notes);

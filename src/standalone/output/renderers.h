@@ -17,8 +17,8 @@ std::optional<OutputFormat> FormatOfName(std::string_view name);
 /// The format that a file's ending says (.txt, .md, .html, .htm, .json; in any case), or nothing.
 std::optional<OutputFormat> FormatOfFile(std::string_view path);
 
-/// Tables with aligned columns. One that is wider than `width` columns is split into blocks of columns that repeat the
-/// row labels.
+/// Tables with aligned columns. One that is wider than `width` columns is split into blocks of columns that
+/// repeat the row labels.
 void RenderText(std::ostream& out, const Document& document, std::size_t width = 110);
 /// One table, as RenderText prints it.
 void RenderTextTable(std::ostream& out, const PivotTable& table, std::size_t width = 110);

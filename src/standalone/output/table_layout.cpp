@@ -21,7 +21,8 @@ std::string Letter(std::size_t number) {
 
 std::string ContentText(const CellContent& content) {
   if (const auto* text = std::get_if<std::string>(&content)) return *text;
-  if (const auto* number = std::get_if<host::BpNumber>(&content)) return NumberText(number->value, number->format);
+  if (const auto* number = std::get_if<host::BpNumber>(&content))
+    return NumberText(number->value, number->format);
   return {};
 }
 
@@ -29,14 +30,16 @@ std::string ContentText(const CellContent& content) {
 std::vector<int> Ranks(const PivotDimension& dimension) {
   std::vector<int> ranks(dimension.labels.size(), -1);
   int next = 0;
-  for (const int category : dimension.Categories()) ranks[static_cast<std::size_t>(category)] = next++;
+  for (const int category : dimension.Categories())
+    ranks[static_cast<std::size_t>(category)] = next++;
   return ranks;
 }
 
 /// The lines of an axis that have cells, in the order of the categories.
 std::vector<std::vector<int>> UsedLines(const PivotTable& table, const std::vector<std::size_t>& dimensions) {
   std::vector<std::vector<int>> ranks;
-  for (const std::size_t d : dimensions) ranks.push_back(Ranks(table.dimensions[d]));
+  for (const std::size_t d : dimensions)
+    ranks.push_back(Ranks(table.dimensions[d]));
   const auto before = [&ranks](const std::vector<int>& a, const std::vector<int>& b) {
     for (std::size_t i = 0; i < a.size(); ++i) {
       const int x = ranks[i][static_cast<std::size_t>(a[i])], y = ranks[i][static_cast<std::size_t>(b[i])];
@@ -47,7 +50,8 @@ std::vector<std::vector<int>> UsedLines(const PivotTable& table, const std::vect
   std::set<std::vector<int>, decltype(before)> lines(before);
   std::vector<int> line(dimensions.size());
   for (const auto& [coordinates, cell] : table.AllCells()) {
-    for (std::size_t i = 0; i < dimensions.size(); ++i) line[i] = coordinates[dimensions[i]];
+    for (std::size_t i = 0; i < dimensions.size(); ++i)
+      line[i] = coordinates[dimensions[i]];
     lines.insert(line);
   }
   return {lines.begin(), lines.end()};
@@ -145,7 +149,8 @@ void TableLayout::PlaceHeader(AxisLayout& axis, bool withLabels) const {
     open.resize(shared);
     for (std::size_t k = shared; k < entries.size(); ++k) {
       const Entry& entry = entries[k];
-      const PivotLabel& label = fTable.dimensions[entry.dimension].labels[static_cast<std::size_t>(entry.label)];
+      const PivotLabel& label =
+          fTable.dimensions[entry.dimension].labels[static_cast<std::size_t>(entry.label)];
       open.push_back(axis.cells.size());
       axis.cells.push_back({entry.level, entry.levelSpan, line, 1, label.text, KnownMarks(label.notes),
                             k + 1 == entries.size()});
@@ -160,7 +165,8 @@ AxisLayout TableLayout::ColumnBlock(std::size_t first, std::size_t count) const 
   block.lines.assign(begin, begin + static_cast<std::ptrdiff_t>(count));
   block.cells.clear();
   for (const HeaderCell& cell : fColumns.cells) {
-    const std::size_t from = std::max(cell.first, first), to = std::min(cell.first + cell.span, first + count);
+    const std::size_t from = std::max(cell.first, first),
+                      to = std::min(cell.first + cell.span, first + count);
     if (from >= to) continue;
     HeaderCell part = cell;
     part.first = from - first;
@@ -193,7 +199,8 @@ void TableLayout::MakeStub() {
 void TableLayout::NumberNotes() {
   std::vector<std::string> ofTitle = fTable.notes;
   for (const PivotDimension& dimension : fTable.dimensions) {
-    if (dimension.hideLabel) ofTitle.insert(ofTitle.end(), dimension.labels[0].notes.begin(), dimension.labels[0].notes.end());
+    if (dimension.hideLabel)
+      ofTitle.insert(ofTitle.end(), dimension.labels[0].notes.begin(), dimension.labels[0].notes.end());
   }
   fTitleMarks = Marks(ofTitle);
   NumberLabelNotes(fColumns);
@@ -203,7 +210,8 @@ void TableLayout::NumberNotes() {
   if (!anyNote) return;
   for (std::size_t row = 0; row < fRows.lines.size(); ++row) {
     for (std::size_t column = 0; column < fColumns.lines.size(); ++column) {
-      if (const PivotCell* cell = Find(row, column); cell != nullptr && !cell->notes.empty()) Marks(cell->notes);
+      if (const PivotCell* cell = Find(row, column); cell != nullptr && !cell->notes.empty())
+        Marks(cell->notes);
     }
   }
 }
@@ -212,7 +220,8 @@ void TableLayout::NumberLabelNotes(const AxisLayout& axis) {
   for (const std::size_t d : axis.dimensions) {
     const PivotDimension& dimension = fTable.dimensions[d];
     if (!dimension.hideLabel) Marks(dimension.labels[0].notes);
-    for (std::size_t label = 1; label < dimension.labels.size(); ++label) Marks(dimension.labels[label].notes);
+    for (std::size_t label = 1; label < dimension.labels.size(); ++label)
+      Marks(dimension.labels[label].notes);
   }
 }
 
@@ -237,7 +246,8 @@ std::string TableLayout::KnownMarks(const std::vector<std::string>& notes) const
 
 const PivotCell* TableLayout::Find(std::size_t row, std::size_t column) const {
   std::vector<int> coordinates(fTable.dimensions.size());
-  for (std::size_t i = 0; i < fRows.dimensions.size(); ++i) coordinates[fRows.dimensions[i]] = fRows.lines[row][i];
+  for (std::size_t i = 0; i < fRows.dimensions.size(); ++i)
+    coordinates[fRows.dimensions[i]] = fRows.lines[row][i];
   for (std::size_t i = 0; i < fColumns.dimensions.size(); ++i) {
     coordinates[fColumns.dimensions[i]] = fColumns.lines[column][i];
   }
@@ -247,7 +257,8 @@ const PivotCell* TableLayout::Find(std::size_t row, std::size_t column) const {
 LayoutCell TableLayout::At(std::size_t row, std::size_t column) const {
   const PivotCell* cell = Find(row, column);
   if (cell == nullptr) return {};
-  return {ContentText(cell->content), KnownMarks(cell->notes), std::holds_alternative<host::BpNumber>(cell->content)};
+  return {ContentText(cell->content), KnownMarks(cell->notes),
+          std::holds_alternative<host::BpNumber>(cell->content)};
 }
 
 std::vector<std::string> TableLayout::Path(const AxisLayout& axis, std::size_t line) const {

@@ -1,5 +1,5 @@
-// A pivot table laid out as a grid: which rows and columns it has, which header cells span them, and the letters of its
-// footnotes. The text, Markdown and HTML renderers start from here.
+// A pivot table laid out as a grid: which rows and columns it has, which header cells span them, and the
+// letters of its footnotes. The text, Markdown and HTML renderers start from here.
 #pragma once
 
 #include <cstddef>
@@ -20,7 +20,8 @@ struct HeaderCell {
   bool isLeaf = false;  // belongs to one line only and is its innermost label
 };
 
-/// The lines of one axis, in order. A line holds one category per dimension of the axis, outermost dimension first.
+/// The lines of one axis, in order. A line holds one category per dimension of the axis, outermost dimension
+/// first.
 struct AxisLayout {
   std::vector<std::size_t> dimensions;  // indices into the table's dimensions
   std::vector<std::size_t> depths;      // levels that the labels of each dimension take

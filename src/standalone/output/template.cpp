@@ -8,13 +8,17 @@ namespace standalone {
 
 namespace {
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
-/// The number at `at` (at most two digits, which is more than any template uses), moving past it; 0 when none is there.
+/// The number at `at` (at most two digits, which is more than any template uses), moving past it; 0 when none
+/// is there.
 std::size_t ReadIndex(std::string_view text, std::size_t& at) {
   std::size_t value = 0;
   const std::size_t end = std::min(text.size(), at + 2);
-  while (at < end && IsDigit(text[at])) value = value * 10 + static_cast<std::size_t>(text[at++] - '0');
+  while (at < end && IsDigit(text[at]))
+    value = value * 10 + static_cast<std::size_t>(text[at++] - '0');
   return value;
 }
 
@@ -47,8 +51,8 @@ std::size_t WidthOf(std::string_view pattern, char mark) {
   return width;
 }
 
-void AppendPattern(std::string& out, std::string_view pattern, char mark, const std::vector<std::string>& list,
-                   std::size_t start) {
+void AppendPattern(std::string& out, std::string_view pattern, char mark,
+                   const std::vector<std::string>& list, std::size_t start) {
   for (std::size_t i = 0; i < pattern.size();) {
     std::size_t next = i + 1;
     const std::size_t index = pattern[i] == mark ? ReadIndex(pattern, next) : 0;
@@ -96,7 +100,8 @@ std::string FillTemplate(std::string_view text, const std::vector<TemplateArgume
   for (std::size_t i = 0; i < text.size();) {
     if (text[i] == '[') {
       if (const auto group = ReadGroup(text, i)) {
-        if (group->argument <= arguments.size()) AppendList(out, *group, AsList(arguments[group->argument - 1]));
+        if (group->argument <= arguments.size())
+          AppendList(out, *group, AsList(arguments[group->argument - 1]));
         i = group->end;
         continue;
       }

@@ -10,14 +10,15 @@ namespace standalone {
 
 namespace {
 
-constexpr std::size_t kGap = 2;             // blanks between columns
-constexpr std::size_t kMaxStubWidth = 44;   // row labels wrap here
-constexpr std::size_t kLabelWidth = 12;     // column labels wrap here, unless the numbers are wider
-constexpr std::size_t kMaxTextWidth = 40;   // a text in a cell counts with at most this width
+constexpr std::size_t kGap = 2;            // blanks between columns
+constexpr std::size_t kMaxStubWidth = 44;  // row labels wrap here
+constexpr std::size_t kLabelWidth = 12;    // column labels wrap here, unless the numbers are wider
+constexpr std::size_t kMaxTextWidth = 40;  // texts in cells wrap here
 
 std::string Rule(std::size_t width, const char* stroke = "─") {
   std::string rule;
-  for (std::size_t i = 0; i < width; ++i) rule += stroke;
+  for (std::size_t i = 0; i < width; ++i)
+    rule += stroke;
   return rule;
 }
 
@@ -51,6 +52,10 @@ SplitNumber SplitAtPoint(const LayoutCell& cell) {
 struct ColumnWidth {
   std::size_t left = 0, right = 0;  // of the numbers
   std::size_t width = 0;            // of the column
+  bool hasNumber = false;
+  bool hasText = false;
+  /// A column of texts alone is aligned on the left, its label too.
+  bool IsLeftAligned() const { return hasText && !hasNumber; }
 };
 
 struct StubLine {
@@ -95,12 +100,15 @@ class TextTable {
       for (std::size_t r = 0; r < fLayout.Rows().lines.size(); ++r) {
         const LayoutCell cell = fLayout.At(r, c);
         if (cell.isNumber) {
+          column.hasNumber = true;
           const SplitNumber parts = SplitAtPoint(cell);
           column.left = std::max(column.left, DisplayWidth(parts.left));
           column.right = std::max(column.right, DisplayWidth(parts.right));
         } else {
-          const std::size_t width = DisplayWidth(WithMarks(cell.text, cell.marks));
-          column.width = std::max(column.width, std::min(width, kMaxTextWidth));
+          column.hasText = column.hasText || !cell.text.empty();
+          for (const std::string& line : Wrap(WithMarks(cell.text, cell.marks), kMaxTextWidth)) {
+            column.width = std::max(column.width, DisplayWidth(line));
+          }
         }
       }
       column.width = std::max(column.width, column.left + column.right);
@@ -125,17 +133,20 @@ class TextTable {
     const std::string text = WithMarks(cell.text, cell.marks);
     const std::size_t needed = std::max(LongestWord(text), std::min(DisplayWidth(text), kLabelWidth));
     for (std::size_t have = SpanWidth(cell.first, cell.span); have < needed;) {
-      for (std::size_t c = cell.first; c < cell.first + cell.span && have < needed; ++c, ++have) ++fColumns[c].width;
+      for (std::size_t c = cell.first; c < cell.first + cell.span && have < needed; ++c, ++have)
+        ++fColumns[c].width;
     }
   }
 
   std::size_t SpanWidth(std::size_t first, std::size_t count) const {
     std::size_t width = (count - 1) * kGap;
-    for (std::size_t c = first; c < first + count; ++c) width += fColumns[c].width;
+    for (std::size_t c = first; c < first + count; ++c)
+      width += fColumns[c].width;
     return width;
   }
 
-  /// The labels of all rows, wrapped and indented by their depth: headings of groups first, the row's own label last.
+  /// The labels of all rows, wrapped and indented by their depth: headings of groups first, the row's own
+  /// label last.
   void MakeStub() {
     const auto& axis = fLayout.Rows();
     fStub.assign(axis.lines.size(), {});
@@ -146,24 +157,29 @@ class TextTable {
         line = cell.first;
         depth = cell.level == 0 ? 0 : depthOfLevel[cell.level - 1] + 1;
       }
-      for (std::size_t k = cell.level; k < cell.level + cell.levelSpan; ++k) depthOfLevel[k] = depth;
+      for (std::size_t k = cell.level; k < cell.level + cell.levelSpan; ++k)
+        depthOfLevel[k] = depth;
       AddStubLines(cell, depth);
       ++depth;
     }
     fStubHead = HeadOfStub();
     for (const auto& lines : fStub) {
-      for (const StubLine& stub : lines) fStubWidth = std::max(fStubWidth, DisplayWidth(stub.text));
+      for (const StubLine& stub : lines)
+        fStubWidth = std::max(fStubWidth, DisplayWidth(stub.text));
     }
-    for (const std::string& text : fStubHead) fStubWidth = std::max(fStubWidth, DisplayWidth(text));
+    for (const std::string& text : fStubHead)
+      fStubWidth = std::max(fStubWidth, DisplayWidth(text));
   }
 
   void AddStubLines(const HeaderCell& cell, std::size_t depth) {
     const std::string indent(2 * depth, ' ');
-    const std::size_t width = std::max<std::size_t>(kMaxStubWidth > indent.size() ? kMaxStubWidth - indent.size() : 0, 20);
+    const std::size_t width =
+        std::max<std::size_t>(kMaxStubWidth > indent.size() ? kMaxStubWidth - indent.size() : 0, 20);
     const std::vector<std::string> parts = Wrap(WithMarks(cell.text, cell.marks), width);
     for (std::size_t i = 0; i < parts.size(); ++i) {
       // A label that goes on in the next line hangs two blanks to the right.
-      fStub[cell.first].push_back({indent + (i > 0 ? "  " : "") + parts[i], cell.isLeaf && i + 1 == parts.size()});
+      fStub[cell.first].push_back(
+          {indent + (i > 0 ? "  " : "") + parts[i], cell.isLeaf && i + 1 == parts.size()});
     }
   }
 
@@ -198,7 +214,8 @@ class TextTable {
     fOut << rule << '\n';
     WriteHeader(first, count);
     fOut << rule << '\n';
-    for (std::size_t r = 0; r < fLayout.Rows().lines.size(); ++r) WriteRow(r, first, count);
+    for (std::size_t r = 0; r < fLayout.Rows().lines.size(); ++r)
+      WriteRow(r, first, count);
     fOut << rule << '\n';
   }
 
@@ -213,7 +230,8 @@ class TextTable {
       if (!groups.empty()) AppendGroupLines(lines, groups, first);
     }
     AppendLeafLines(lines, block, first);
-    while (lines.size() < fStubHead.size()) lines.insert(lines.begin(), std::string());
+    while (lines.size() < fStubHead.size())
+      lines.insert(lines.begin(), std::string());
     const std::size_t before = lines.size() - fStubHead.size();
     for (std::size_t i = 0; i < lines.size(); ++i) {
       const std::string stub = i >= before ? fStubHead[i - before] : std::string();
@@ -226,7 +244,8 @@ class TextTable {
     return c == 0 ? 0 : SpanWidth(first, c) + kGap;
   }
 
-  void AppendGroupLines(std::vector<std::string>& lines, const std::vector<const HeaderCell*>& groups, std::size_t first) {
+  void AppendGroupLines(std::vector<std::string>& lines, const std::vector<const HeaderCell*>& groups,
+                        std::size_t first) {
     std::vector<std::vector<std::string>> texts;
     std::size_t height = 1;
     for (const HeaderCell* cell : groups) {
@@ -262,31 +281,45 @@ class TextTable {
       for (std::size_t c = 0; c < texts.size(); ++c) {
         line = PadRight(line, Offset(first, c));
         const std::size_t blank = height - texts[c].size();
-        line += PadLeft(i >= blank ? texts[c][i - blank] : std::string(), fColumns[first + c].width);
+        if (i >= blank) line += Aligned(texts[c][i - blank], fColumns[first + c]);
       }
       lines.push_back(line);
     }
   }
 
+  /// The cells stand on the last line of the row's label; texts that wrap go on below it.
   void WriteRow(std::size_t row, std::size_t first, std::size_t count) {
-    std::string cells;
+    std::vector<std::string> lines(1);
     for (std::size_t c = 0; c < count; ++c) {
-      cells = PadRight(cells, Offset(first, c)) + CellText(row, first + c);
+      const std::vector<std::string> parts = CellLines(row, first + c);
+      if (parts.size() > lines.size()) lines.resize(parts.size());
+      for (std::size_t i = 0; i < parts.size(); ++i)
+        lines[i] = PadRight(lines[i], Offset(first, c)) + parts[i];
     }
-    bool isWritten = false;
-    for (const StubLine& stub : fStub[row]) {
-      WriteLine(PadRight(stub.text, fStubWidth), stub.isLast ? cells : std::string());
-      isWritten = isWritten || stub.isLast;
+    std::vector<StubLine> stub = fStub[row];
+    if (stub.empty() || !stub.back().isLast) stub.push_back({std::string(), true});
+    for (std::size_t i = 0; i + 1 < stub.size(); ++i)
+      WriteLine(PadRight(stub[i].text, fStubWidth), std::string());
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      WriteLine(PadRight(i == 0 ? stub.back().text : std::string(), fStubWidth), lines[i]);
     }
-    if (!isWritten) WriteLine(std::string(fStubWidth, ' '), cells);
   }
 
-  std::string CellText(std::size_t row, std::size_t column) const {
+  static std::string Aligned(const std::string& text, const ColumnWidth& column) {
+    return column.IsLeftAligned() ? PadRight(text, column.width) : PadLeft(text, column.width);
+  }
+
+  std::vector<std::string> CellLines(std::size_t row, std::size_t column) const {
     const LayoutCell cell = fLayout.At(row, column);
     const ColumnWidth& width = fColumns[column];
-    if (!cell.isNumber) return PadLeft(CutToWidth(WithMarks(cell.text, cell.marks), width.width), width.width);
-    const SplitNumber parts = SplitAtPoint(cell);
-    return PadLeft(PadLeft(parts.left, width.left) + PadRight(parts.right, width.right), width.width);
+    if (cell.isNumber) {
+      const SplitNumber parts = SplitAtPoint(cell);
+      return {PadLeft(PadLeft(parts.left, width.left) + PadRight(parts.right, width.right), width.width)};
+    }
+    std::vector<std::string> lines = Wrap(WithMarks(cell.text, cell.marks), kMaxTextWidth);
+    for (std::string& line : lines)
+      line = Aligned(line, width);
+    return lines;
   }
 
   void WriteLine(const std::string& stub, const std::string& cells) {

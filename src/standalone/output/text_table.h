@@ -8,7 +8,8 @@
 
 namespace standalone {
 
-/// Prints title, caption, the grid and the footnotes. Columns that do not fit into `width` follow in further blocks.
+/// Prints title, caption, the grid and the footnotes. Columns that do not fit into `width` follow in further
+/// blocks.
 void WriteTextTable(std::ostream& out, const TableLayout& layout, std::size_t width);
 
 }  // namespace standalone

@@ -40,7 +40,8 @@ class Pool final : public host::TaskThreadPool {
  private:
   /// A stop request ends a worker only once the queue is empty, so nothing posted is lost.
   void Work(const std::stop_token& stop) {
-    while (host::CallBackObject* task = Next(stop)) task->Run();
+    while (host::CallBackObject* task = Next(stop))
+      task->Run();
   }
 
   host::CallBackObject* Next(const std::stop_token& stop) {
@@ -91,6 +92,8 @@ class Service final : public host::TaskThreadService {
 
 }  // namespace
 
-std::unique_ptr<host::TaskThreadService> MakeTaskThreadService() { return std::make_unique<Service>(); }
+std::unique_ptr<host::TaskThreadService> MakeTaskThreadService() {
+  return std::make_unique<Service>();
+}
 
 }  // namespace standalone

@@ -1,0 +1,103 @@
+#include "cli/arguments.h"
+
+#include <CLI/CLI.hpp>
+
+#include <map>
+
+namespace standalone {
+
+namespace {
+
+constexpr const char* kDescription =
+    "tavoreg: binary and multinomial logistic regression for data from complex survey designs.";
+constexpr const char* kFooter =
+    "Exit status: 0 the commands ran (warnings allowed), 1 a command ended with an error, 2 the program was\n"
+    "called wrongly or a named file can't be read, 3 an output could not be written whole, 130 interrupted.";
+
+void AddFormat(CLI::App& app, std::string& name) {
+  app.add_option("--format", name, "text, markdown, html or json")
+      ->check(CLI::IsMember({"text", "markdown", "html", "json"}))
+      ->type_name("FORMAT");
+}
+
+CLI::App* AddRun(CLI::App& app, RunArguments& run, std::string& format, bool& isQuiet) {
+  CLI::App* command = app.add_subcommand("run", "Run the commands of a file on a data file");
+  command->add_option("COMMANDS", run.commands, "a file of commands, or - for standard input")->required();
+  command->add_option("--data", run.data, "the data file (.csv, .tsv)")->type_name("FILE");
+  command->add_option("--schema", run.schema, "its Table Schema; without it NAME.schema.json beside the data")
+      ->type_name("FILE");
+  AddFormat(*command, format);
+  command->add_option("--output", run.output, "write the output to a file; its ending says the format")
+      ->type_name("FILE");
+  command->add_option("--save", run.save, "write the data with the new variables to a file")
+      ->type_name("FILE");
+  command->add_option("--threads", run.threads, "threads to use; without it, as many as there are processors")
+      ->check(CLI::Range(1, 1024))
+      ->type_name("N");
+  command->add_flag("--no-progress", isQuiet, "show no progress on the terminal");
+  return command;
+}
+
+CLI::App* AddDescribe(CLI::App& app, DescribeArguments& describe, std::string& format) {
+  CLI::App* command = app.add_subcommand("describe", "Show the dictionary of a data file");
+  command->add_option("FILE", describe.file, "the data file (.csv, .tsv)")->required();
+  command
+      ->add_option("--schema", describe.schema,
+                   "its Table Schema; without it NAME.schema.json beside the data")
+      ->type_name("FILE");
+  AddFormat(*command, format);
+  return command;
+}
+
+int Refuse(const std::string& text) {
+  std::cerr << "tavoreg: " << text << '\n';
+  return kBadCall;
+}
+
+/// Completes the arguments of `run` and refuses what doesn't fit together; 0 when all is well.
+int CheckRun(RunArguments& run, const std::string& format) {
+  run.format = FormatOfName(format);
+  if (run.data.empty()) return Refuse("no data: name the file to analyse with --data FILE");
+  if (!run.save.empty())
+    return Refuse("--save is not available yet: the new variables can't be written to a file");
+  if (run.format.has_value()) return kRan;
+  run.format = run.output.empty() ? OutputFormat::kText : FormatOfFile(run.output);
+  if (run.format.has_value()) return kRan;
+  return Refuse("the ending of " + run.output +
+                " names no format (.txt, .md, .html, .json): give it one, or use --format");
+}
+
+}  // namespace
+
+Arguments ReadArguments(int argc, char** argv) {
+  Arguments arguments;
+  RunArguments run;
+  DescribeArguments describe;
+  std::string runFormat, describeFormat = "text";
+  bool isQuiet = false;
+
+  CLI::App app(kDescription, "tavoreg");
+  app.footer(kFooter);
+  app.set_version_flag("--version", "tavoreg " TAVOREG_VERSION);
+  app.require_subcommand(1);
+  const CLI::App* runCommand = AddRun(app, run, runFormat, isQuiet);
+  const CLI::App* describeCommand = AddDescribe(app, describe, describeFormat);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& mistake) {
+    arguments.status = app.exit(mistake) == 0 ? kRan : kBadCall;
+    return arguments;
+  }
+
+  if (runCommand->parsed()) {
+    run.showProgress = !isQuiet;
+    arguments.status = CheckRun(run, runFormat);
+    if (arguments.status == kRan) arguments.run = std::move(run);
+  } else if (describeCommand->parsed()) {
+    describe.format = *FormatOfName(describeFormat);
+    arguments.describe = std::move(describe);
+  }
+  return arguments;
+}
+
+}  // namespace standalone

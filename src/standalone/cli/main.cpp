@@ -1,0 +1,20 @@
+// The program tavoreg.
+#include <exception>
+#include <iostream>
+
+#include "cli/arguments.h"
+#include "cli/describe_command.h"
+#include "cli/run_command.h"
+
+int main(int argc, char** argv) {
+  try {
+    const standalone::Arguments arguments = standalone::ReadArguments(argc, argv);
+    if (arguments.run) return standalone::RunCommandFile(*arguments.run);
+    if (arguments.describe) return standalone::DescribeDataFile(*arguments.describe);
+    return arguments.status;
+  } catch (const std::exception& fault) {
+    std::cerr << "error: The program met a fault of its own (" << fault.what()
+              << "). Please report what led here.\n";
+    return standalone::kCommandFailed;
+  }
+}

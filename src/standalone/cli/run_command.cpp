@@ -1,0 +1,110 @@
+#include "cli/run_command.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <optional>
+#include <sstream>
+#include <thread>
+
+#include "cli/files.h"
+#include "cli/interrupt.h"
+#include "data/readers.h"
+#include "host/session.h"
+#include "output/atomic_file.h"
+#include "run.h"
+#include "session.h"
+
+namespace standalone {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kStandardInput = "-";
+
+int ThreadCount(const RunArguments& arguments) {
+  if (arguments.threads > 0) return arguments.threads;
+  return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+}
+
+SessionOptions OptionsFor(const RunArguments& arguments) {
+  SessionOptions options;
+  options.threads = ThreadCount(arguments);
+  if (arguments.commands != kStandardInput)
+    options.baseFolder = fs::path(arguments.commands).parent_path().string();
+  options.moduleFolder = FindModuleFolder();
+  options.version = TAVOREG_VERSION;
+  options.messages = &std::cerr;
+  if (arguments.showProgress && ::isatty(STDERR_FILENO) == 1) options.progress = &std::cerr;
+  return options;
+}
+
+std::optional<SourceText> ReadSource(const RunArguments& arguments, Session& session) {
+  const bool isStandardInput = arguments.commands == kStandardInput;
+  std::string text;
+  const std::string error =
+      isStandardInput ? ReadWholeStream(std::cin, text) : ReadWholeFile(arguments.commands, text);
+  if (!error.empty()) {
+    session.AddTextMessage(true, "Command file problem...",
+                           "The command file " + arguments.commands + " can't be read: " + error + ".");
+    return std::nullopt;
+  }
+  return SourceText(isStandardInput ? "<standard input>" : arguments.commands, std::move(text));
+}
+
+bool ReadData(const RunArguments& arguments, Session& session, Table& table) {
+  ReadResult result = ReadDataFile({arguments.data, arguments.schema, ThreadCount(arguments)});
+  for (const std::string& warning : result.warnings)
+    session.AddTextMessage(false, "Data file problem...", warning);
+  if (!result.ok) {
+    session.AddTextMessage(true, "Data file problem...", result.error);
+    return false;
+  }
+  table = std::move(result.table);
+  return true;
+}
+
+/// The exit status that the commands themselves give.
+int RunAll(const RunArguments& arguments, Session& session, Table& table) {
+  const std::optional<SourceText> source = ReadSource(arguments, session);
+  if (!source || !ReadData(arguments, session, table)) return kBadCall;
+  session.SetTable(&table);
+  const RunResult result = RunCommands(session, *source, {{"TAVOREG", TAVOMAIN}});
+  if (result.interrupted) return kInterrupted;
+  if (result.commands == 0) {
+    session.AddTextMessage(
+        true, "No command in file...",
+        source->Name() + " holds no command. Write a command such as TAVOREG, ended by a period.");
+    return kCommandFailed;
+  }
+  return result.failed > 0 ? kCommandFailed : kRan;
+}
+
+bool WriteOutput(const RunArguments& arguments, const Document& document) {
+  const auto write = [&](std::ostream& out) { Render(out, document, *arguments.format); };
+  if (arguments.output.empty()) {
+    write(std::cout);
+    std::cout.flush();
+    if (!std::cout) std::cerr << "error: The output could not be written whole to standard output.\n";
+    return static_cast<bool>(std::cout);
+  }
+  const std::string error = WriteFileAtomically(arguments.output, write);
+  if (!error.empty()) std::cerr << "error: The output file " << error << ".\n";
+  return error.empty();
+}
+
+}  // namespace
+
+int RunCommandFile(const RunArguments& arguments) {
+  Session session(OptionsFor(arguments));
+  const InterruptHandler handler(session);
+  Table table;
+  const int status = RunAll(arguments, session, table);
+  return WriteOutput(arguments, session.Output()) ? status : static_cast<int>(kOutputFailed);
+}
+
+}  // namespace standalone
