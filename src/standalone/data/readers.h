@@ -14,8 +14,8 @@ struct ReadOptions {
   int threads = 1;         // parsing may use that many
 };
 
-/// What came of reading. On failure the table is empty and `error` says what is wrong and where (file, line, column)
-/// and what to do; a caller shows it as it stands.
+/// What came of reading. On failure the table is empty and `error` says what is wrong and where (file, line,
+/// column) and what to do; a caller shows it as it stands.
 struct ReadResult {
   bool ok = false;
   std::string error;

@@ -31,7 +31,8 @@ class Table {
   const Column& At(std::size_t index) const { return *fColumns[index]; }
   /// Index of a name, compared without case, or -1.
   int Find(std::string_view name) const;
-  /// Appends a column; its cells are sized to the case count when empty (numbers system-missing, strings blank).
+  /// Appends a column; its cells are sized to the case count when empty (numbers system-missing, strings
+  /// blank).
   Column& Add(host::VORN_Variable variable);
 
  private:

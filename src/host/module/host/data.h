@@ -198,7 +198,16 @@ class ObsVecMap {
   /// Cells of one entry, key and value together.
   int CellSize() const;
   /// The value cells of a key, or null.
-  OBS* Contains(const OBS* key) const;
+  OBS* Contains(const OBS* key) const {
+    if (fDirectLimit > 0) {  // 0 for string keys and for several key variables
+      const double number = key->number;
+      if (number >= 0 && number < fDirectLimit) {
+        const int index = static_cast<int>(number);
+        if (static_cast<double>(index) == number) return fpDirect[index];
+      }
+    }
+    return Find(key);
+  }
   /// Makes an entry (value cells zero) and returns its value cells; the key starts CellSize() - valueCells cells
   /// before them. Inserting a key that is there already returns the existing cells.
   OBS* Insert(const OBS* key);
@@ -209,7 +218,11 @@ class ObsVecMap {
 
  private:
   struct Impl;
+  OBS* Find(const OBS* key) const;
+
   std::unique_ptr<Impl> fpImpl;
+  double fDirectLimit = 0;         // whole numbers from 0 to below this are answered from fpDirect
+  OBS* const* fpDirect = nullptr;  // value cells by number, null where there is no entry; owned by the Impl
 };
 
 /// True when the number is whole to within the host's fuzz (relative 1e-10).

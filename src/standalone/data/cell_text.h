@@ -1,0 +1,30 @@
+// Texts and cells: blanks around a text, cutting without splitting a character, padding to a column's width.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+#include "host/data.h"
+
+namespace standalone {
+
+/// The text without blanks and tabs at its ends.
+std::string_view TrimBlanks(std::string_view text);
+
+/// At most `bytes` bytes of a UTF-8 text, cut between characters.
+std::string_view CutText(std::string_view text, std::size_t bytes);
+
+/// Writes a string value of the given width: cut to the width, padded with blanks through all its cells.
+void PadText(std::string_view text, int width, host::OBS* cells);
+
+/// The same as a value of its own.
+std::vector<host::OBS> TextValue(std::string_view text, int width);
+
+/// A numeric value of its own.
+std::vector<host::OBS> NumberValue(double number);
+
+/// Offset of the first byte that is NUL or no part of valid UTF-8; the text's size when it is sound.
+std::size_t FindBadByte(std::string_view text);
+
+}  // namespace standalone
