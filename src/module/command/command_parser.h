@@ -7,12 +7,13 @@
 
 namespace tavo {
 
-/// Parses the tokens, reads the plan and checks both against the dictionary. Messages go out at the point of failure.
-/// The parser owns what the specification refers to and must outlive the specification's readers.
+/// Parses the tokens, reads the plan and checks both against the dictionary. Messages go out at the point of
+/// failure. The parser owns what the specification refers to and must outlive the specification's readers.
 class TavoCommandParser {
  public:
   /// Everything is lent.
-  TavoCommandParser(const host::VORN_TokenSequence& tokens, TavoValidSpecs& specs, host::ProcedureDataSource& data);
+  TavoCommandParser(const host::VORN_TokenSequence& tokens, TavoValidSpecs& specs,
+                    host::ProcedureDataSource& data);
   ~TavoCommandParser();
 
   /// Once only. Nonzero for success.

@@ -1,5 +1,5 @@
-// What every survey procedure keeps of a checked command: the plan's stages, and which record column holds which
-// variable.
+// What every survey procedure keeps of a checked command: the plan's stages, and which record column holds
+// which variable.
 #pragma once
 
 #include <map>
@@ -14,8 +14,8 @@
 
 namespace tavo {
 
-/// The values of a stage's matrix: key variables (dictionary indices) and the table from their values to a size or
-/// probability (one value cell).
+/// The values of a stage's matrix: key variables (dictionary indices) and the table from their values to a
+/// size or probability (one value cell).
 struct StageMatrix {
   std::vector<int> variables;
   std::unique_ptr<host::ObsVecMap> values;
@@ -66,7 +66,8 @@ class OrvPlanValidSpecs {
   /// The record column of a variable; a new one is appended when it has none yet.
   int CategoricalColumn(int variable) { return RecordIndex(fCategoricalMap, variable); }
   int ContinuousColumn(int variable) { return RecordIndex(fContinuousMap, variable); }
-  /// Numbers the plan's columns and gives the stages, weight, SRS estimator, threads and stop processor to the settings.
+  /// Numbers the plan's columns and gives the stages, weight, SRS estimator, threads and stop processor to
+  /// the settings.
   virtual void FillPlanSettings(OrvPlanCompSettings& settings);
   void ClearRecordMaps();
 

@@ -13,7 +13,15 @@
 
 namespace tavo {
 
-enum class Statistic : int { PARAMETER = 0, EXP = 1, SE = 2, TTEST = 3, CINTERVAL = 4, DEFF = 5, DEFFSQRT = 6 };
+enum class Statistic : int {
+  PARAMETER = 0,
+  EXP = 1,
+  SE = 2,
+  TTEST = 3,
+  CINTERVAL = 4,
+  DEFF = 5,
+  DEFFSQRT = 6
+};
 enum class PrintOption : int {
   SAMPLEINFO = 0,
   VARIABLEINFO = 1,
@@ -33,8 +41,8 @@ struct CategoryValue {
   bool Empty() const { return cells.empty(); }
 };
 
-/// Filled by the command parser, read by driver and output; builds the component's settings and completes them after
-/// the first pass. Indices of variables are dictionary indices, -1 not set.
+/// Filled by the command parser, read by driver and output; builds the component's settings and completes
+/// them after the first pass. Indices of variables are dictionary indices, -1 not set.
 class TavoValidSpecs final : public OrvPlanValidSpecs {
  public:
   /// Before the first pass: numbers the record columns and makes the settings from plan, options and limits.
@@ -112,7 +120,7 @@ class TavoValidSpecs final : public OrvPlanValidSpecs {
   void SetAdjustment(PAdjustMethod method) { fAdjustment = method; }
   TestType GetTestType() const { return fTestType; }
   PAdjustMethod Adjustment() const { return fAdjustment; }
-  bool AddStatistic(Statistic statistic);    // false when it is there already
+  bool AddStatistic(Statistic statistic);  // false when it is there already
   bool AddPrintOption(PrintOption option);
   bool Has(Statistic statistic) const;
   bool Has(PrintOption option) const;
@@ -144,7 +152,8 @@ class TavoValidSpecs final : public OrvPlanValidSpecs {
   int fReferenceCode = 0;
   std::vector<int> fFactors, fUsedFactors, fFactorColumns, fFactorLevels;
   std::vector<int> fCovariates, fUsedCovariates, fCovariateColumns;
-  std::vector<int> fRecordPredictors;  // record columns: factors, then covariates; effects of the settings refer to it
+  std::vector<int>
+      fRecordPredictors;  // record columns: factors, then covariates; effects of the settings refer to it
   std::vector<OrvModelEffect> fEffects, fRecordEffects;
   bool fbUseIntercept = true;
   bool fbShowIntercept = true;

@@ -1,9 +1,14 @@
 #include "command/plan/plan_document.h"
 
+#include <cstddef>
 #include <filesystem>
+#include <fstream>
+#include <new>
 #include <optional>
 #include <xercesc/dom/DOM.hpp>
-#include <xercesc/framework/LocalFileInputSource.hpp>
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/framework/MemoryManager.hpp>
+#include <xercesc/internal/XMLScanner.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/sax/HandlerBase.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
@@ -23,7 +28,8 @@ namespace {
 
 constexpr const char* kDefinitionFile = "vorn-tessel-1.0.dtd";
 constexpr XMLSize_t kEntityExpansionLimit = 1000;
-constexpr std::uintmax_t kLargestPlanBytes = 64U << 20U;
+constexpr std::size_t kLargestPlanBytes = std::size_t{64} << 20U;
+constexpr std::size_t kLargestDocumentBytes = std::size_t{1} << 30U;  // of memory, as a tree
 
 static_assert(sizeof(XMLCh) == sizeof(char16_t));
 
@@ -51,6 +57,62 @@ class XmlLibrary {
   XmlLibrary& operator=(const XmlLibrary&) = delete;
 };
 
+/// Memory of one document. A file of moderate size can stand for a tree many times as large; when the limit
+/// is reached the XML library gives up as if the machine had no more.
+class BoundedMemory final : public xml::MemoryManager {
+ public:
+  xml::MemoryManager* getExceptionMemoryManager() override { return xml::XMLPlatformUtils::fgMemoryManager; }
+  void* allocate(XMLSize_t size) override {
+    if (size > kLargestDocumentBytes - fInUse) throw xml::OutOfMemoryException();
+    auto* block = static_cast<std::byte*>(::operator new(size + kHeader, std::nothrow));
+    if (block == nullptr) throw xml::OutOfMemoryException();
+    new (block) XMLSize_t(size);
+    fInUse += size;
+    return block + kHeader;
+  }
+  void deallocate(void* p) override {
+    if (p == nullptr) return;
+    std::byte* block = static_cast<std::byte*>(p) - kHeader;
+    fInUse -= *reinterpret_cast<XMLSize_t*>(block);
+    ::operator delete(block);
+  }
+
+ private:
+  static constexpr std::size_t kHeader = alignof(std::max_align_t);  // keeps the size, and the alignment
+  std::size_t fInUse = 0;
+};
+
+/// A parser that takes no declarations from the document itself: an entity or a default value declared there
+/// could multiply a small file without bound, and a plan needs neither.
+class PlanParser final : public xml::XercesDOMParser {
+ public:
+  explicit PlanParser(xml::MemoryManager* memory) : xml::XercesDOMParser(nullptr, memory) {}
+  void startIntSubset() override {
+    throw xml::SAXParseException(XmlText("a plan can't hold declarations of its own").Get(),
+                                 *getScanner()->getLocator());
+  }
+};
+
+/// The bytes of a file, or why they can't be had. The file is read here, not by the XML library, which would
+/// take a name for an address or for a text in the locale's encoding.
+bool ReadFile(const std::string& path, std::string& bytes, std::string& error) {
+  std::error_code failure;
+  const std::uintmax_t size = std::filesystem::file_size(path, failure);  // also refuses what isn't a file
+  if (failure) {
+    error = failure.message();
+    return false;
+  }
+  if (size > kLargestPlanBytes) {
+    error = "the file is too large for a plan";
+    return false;
+  }
+  std::ifstream file(path, std::ios::binary);
+  bytes.resize(static_cast<std::size_t>(size));
+  if (file.read(bytes.data(), static_cast<std::streamsize>(size))) return true;
+  error = "the file can't be read";
+  return false;
+}
+
 const xml::DOMElement* AsElement(const xml::DOMNode* node) {
   if (node == nullptr || node->getNodeType() != xml::DOMNode::ELEMENT_NODE) return nullptr;
   return static_cast<const xml::DOMElement*>(node);
@@ -68,8 +130,22 @@ class XmlErrorHandler final : public xml::HandlerBase {
   void fatalError(const xml::SAXParseException& exception) override { throw exception; }
   xml::InputSource* resolveEntity(const XMLCh* const, const XMLCh* const) override {
     const std::string path = (std::filesystem::path(host::ModuleFolder()) / kDefinitionFile).string();
-    return new xml::LocalFileInputSource(XmlText(path).Get());  // the parser takes ownership
+    std::string error;
+    if (!ReadFile(path, fDefinition, error)) {
+      const std::string message = "the definition of plan files, " + path + ", can't be used: " + error;
+      throw xml::SAXException(XmlText(message).Get());
+    }
+    return Source(fDefinition, path);
   }
+
+  /// Bytes, lent, as a source; the caller takes ownership of the source.
+  static xml::InputSource* Source(const std::string& bytes, const std::string& name) {
+    return new xml::MemBufInputSource(reinterpret_cast<const XMLByte*>(bytes.data()), bytes.size(),
+                                      XmlText(name).Get());
+  }
+
+ private:
+  std::string fDefinition;
 };
 
 }  // namespace Orv_XML
@@ -112,13 +188,14 @@ std::string PlanElement::Attribute(std::string_view name) const {
 
 struct PlanDocument::Impl {
   XmlLibrary library;  // first, so that it outlives the parser
+  BoundedMemory memory;
   Orv_XML::XmlErrorHandler handler;
   xml::SecurityManager security;
-  std::optional<xml::XercesDOMParser> parser;
+  std::optional<PlanParser> parser;
 
   Impl() {
     security.setEntityExpansionLimit(kEntityExpansionLimit);
-    parser.emplace();
+    parser.emplace(&memory);
     parser->setValidationScheme(xml::XercesDOMParser::Val_Auto);
     parser->setIncludeIgnorableWhitespace(false);
     parser->setCreateEntityReferenceNodes(false);
@@ -133,23 +210,25 @@ PlanDocument::PlanDocument() : fpImpl(std::make_unique<Impl>()) {}
 PlanDocument::~PlanDocument() = default;
 
 bool PlanDocument::Parse(const std::string& path) {
-  std::error_code failure;
-  const std::uintmax_t bytes = std::filesystem::file_size(path, failure);
-  if (failure || bytes > kLargestPlanBytes) {
-    fError = path + (failure ? ": " + failure.message() : ": the file is too large for a plan");
+  std::string bytes;
+  if (!ReadFile(path, bytes, fError)) {
+    fError = path + ": " + fError;
     return false;
   }
   try {
-    fpImpl->parser->parse(XmlText(path).Get());
+    const std::unique_ptr<xml::InputSource> source(Orv_XML::XmlErrorHandler::Source(bytes, path));
+    fpImpl->parser->parse(*source);
   } catch (const xml::SAXParseException& e) {
-    fError = path + ":" + std::to_string(e.getLineNumber()) + ":" + std::to_string(e.getColumnNumber()) + ": " +
-             ToUtf8(e.getMessage());
+    fError = path + ":" + std::to_string(e.getLineNumber()) + ":" + std::to_string(e.getColumnNumber()) +
+             ": " + ToUtf8(e.getMessage());
+  } catch (const xml::SAXException& e) {
+    fError = path + ": " + ToUtf8(e.getMessage());
   } catch (const xml::XMLException& e) {
     fError = path + ": " + ToUtf8(e.getMessage());
   } catch (const xml::DOMException& e) {
     fError = path + ": " + ToUtf8(e.getMessage());
   } catch (const xml::OutOfMemoryException&) {
-    fError = path + ": not enough memory to read the file";
+    fError = path + ": the document is too large for a plan";
   } catch (...) {  // the library's door: whatever it throws, the file can't be used
     fError = path + ": the file can't be read as XML";
   }

@@ -8,7 +8,8 @@
 
 namespace tavo {
 
-/// An element of a parsed plan, lent by its document. Copying is cheap; a null element answers as an empty one.
+/// An element of a parsed plan, lent by its document. Copying is cheap; a null element answers as an empty
+/// one.
 class PlanElement {
  public:
   PlanElement() = default;
@@ -30,9 +31,10 @@ class PlanElement {
   const void* fpNode = nullptr;  // a DOM element; the parser's types stay out of headers
 };
 
-/// Parses an XML file. A document may name the plan's own DTD, which is read from the module's folder whatever the
-/// document says; nothing else is ever read or fetched, and entity expansion is limited. Warnings of the XML parser
-/// refuse the file like errors.
+/// Parses an XML file. A document may name the plan's own DTD, which is read from the module's folder
+/// whatever the document says, and is validated against it then; nothing else is ever read or fetched.
+/// Declarations inside the document are refused, and the memory of the tree is limited. Warnings of the XML
+/// parser refuse the file like errors.
 class PlanDocument {
  public:
   PlanDocument();

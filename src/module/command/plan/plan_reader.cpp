@@ -147,7 +147,7 @@ void OrvPlanReader::ReadMatrix(const PlanElement& element, PlanValueKind kind, O
   }
   for (std::size_t i = 0; i < std::min(wanted, rows.size()); ++i) {
     for (const PlanElement& category : rows[i].Children()) {
-      stage.valueMatrix.addStringToCatList(category.Attribute("value"));
+      if (category.HasAttribute("value")) stage.valueMatrix.addStringToCatList(category.Attribute("value"));
     }
     const std::string text = rows[i].Attribute("sizeValue");
     if (!stage.valueMatrix.isCatListOK()) {

@@ -1,0 +1,84 @@
+#include "command/effect_reader.h"
+
+namespace tavo {
+
+namespace {
+
+using host::OperatorCode;
+
+bool ContinuesEffect(OperatorCode code) {
+  return code == OperatorCode::kLeftParenthesis || code == OperatorCode::kBy || code == OperatorCode::kTimes;
+}
+
+}  // namespace
+
+bool EffectReader::Read(TokenCursor& cursor, OrvModelEffect& effect) {
+  fFactorsInEffect.clear();
+  if (!ReadOpening(cursor, effect)) return false;
+  int open = 0;
+  for (cursor.Step(); ContinuesEffect(cursor.Operator()); cursor.Step()) {
+    const bool isNested = cursor.IsAt(OperatorCode::kLeftParenthesis);
+    if (isNested) {
+      if (open == 0 && effect.FactorsInEffect() == 0) effect.MarkFactorAfterCovariates();
+      ++open;
+    }
+    cursor.Step();
+    if (!ReadTerm(cursor, effect, isNested, open > 0)) return false;
+  }
+  return CloseParentheses(cursor, open);
+}
+
+bool EffectReader::ReadOpening(TokenCursor& cursor, OrvModelEffect& effect) {
+  const host::TokenInfoObj& token = cursor.Token();
+  const std::string name = token.getUpperVarName();
+  if (token.IsVarName()) {
+    if (const auto factor = fPredictors.factorIndex.find(name); factor != fPredictors.factorIndex.end()) {
+      effect.AddFactor(factor->second, false);
+      fFactorsInEffect.insert(name);
+      return true;
+    }
+    if (const auto covariate = fPredictors.covariateIndex.find(name);
+        covariate != fPredictors.covariateIndex.end()) {
+      effect.AddCovariate(covariate->second);
+      return true;
+    }
+    fMessages.Among(fPredictors.names);
+  }
+  return fMessages.At(cursor.Position()).EffectOpening(cursor.Text());
+}
+
+/// A name behind an operator.
+bool EffectReader::ReadTerm(TokenCursor& cursor, OrvModelEffect& effect, bool isNested,
+                            bool isInParentheses) {
+  const host::TokenInfoObj& token = cursor.Token();
+  if (!token.IsVarName()) return SyntaxError(cursor);
+  const std::string name = token.getUpperVarName();
+  if (const auto covariate = fPredictors.covariateIndex.find(name);
+      covariate != fPredictors.covariateIndex.end()) {
+    if (isInParentheses) return fMessages.At(token).CovariateNested(token.getVarName());
+    effect.AddCovariate(covariate->second);
+    return true;
+  }
+  const auto factor = fPredictors.factorIndex.find(name);
+  if (factor == fPredictors.factorIndex.end()) {
+    fMessages.Among(fPredictors.names);
+    return SyntaxError(cursor);
+  }
+  if (!fFactorsInEffect.insert(name).second)
+    return fMessages.At(token).RepeatedFactorInEffect(token.getVarName());
+  effect.AddFactor(factor->second, isNested);
+  return true;
+}
+
+bool EffectReader::CloseParentheses(TokenCursor& cursor, int open) {
+  int closed = 0;
+  for (; cursor.IsAt(OperatorCode::kRightParenthesis); cursor.Step())
+    ++closed;
+  return closed == open || fMessages.At(cursor.Position()).UnbalancedParentheses();
+}
+
+bool EffectReader::SyntaxError(const TokenCursor& cursor) {
+  return fMessages.At(cursor.Position()).EffectSyntax(cursor.Text());
+}
+
+}  // namespace tavo

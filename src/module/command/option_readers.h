@@ -1,0 +1,20 @@
+// The readers of the subcommands that set options. Each is called with a subcommand that was given, which is
+// also the one in work for messages, and returns false after a message of an error.
+#pragma once
+
+#include "command/parse_context.h"
+
+namespace tavo {
+
+bool ReadPlanFile(ParseContext& context, const host::SubComObj& plan);
+bool ReadJointProbFile(ParseContext& context, const host::SubComObj& jointProb);
+bool ReadIntercept(ParseContext& context, const host::SubComObj& intercept);
+/// Reads on after some faults, so that two can be seen in one run.
+bool ReadCriteria(ParseContext& context, const host::SubComObj& criteria);
+bool ReadStatistics(ParseContext& context, const host::SubComObj& statistics);
+bool ReadTest(ParseContext& context, const host::SubComObj& test);
+bool ReadDomain(ParseContext& context, const host::SubComObj& domain);
+bool ReadMissing(ParseContext& context, const host::SubComObj& missing);
+bool ReadPrint(ParseContext& context, const host::SubComObj& print);
+
+}  // namespace tavo

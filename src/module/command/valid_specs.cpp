@@ -1,0 +1,158 @@
+#include "command/valid_specs.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tavo {
+
+namespace {
+
+template <class Element>
+bool Contains(const std::vector<Element>& list, Element element) {
+  return std::find(list.begin(), list.end(), element) != list.end();
+}
+
+template <class Element>
+bool AddOnce(std::vector<Element>& list, Element element) {
+  if (Contains(list, element)) return false;
+  list.push_back(element);
+  return true;
+}
+
+bool IsAdjusted(TestType type) {
+  return type == TestType::AdjustedWaldF || type == TestType::AdjustedWaldChiSquare;
+}
+
+std::string Trimmed(const std::string& text) {
+  const std::size_t last = text.find_last_not_of(' ');
+  return last == std::string::npos ? std::string() : text.substr(0, last + 1);
+}
+
+}  // namespace
+
+void TavoValidSpecs::SetDependent(int variable, bool highReference, CategoryValue reference) {
+  fDependent = variable;
+  fbHighReference = highReference;
+  fReference = std::move(reference);
+}
+
+void TavoValidSpecs::SetDependentCounts(int categories, int referenceCode) {
+  fNCategories = categories;
+  fReferenceCode = referenceCode;
+}
+
+void TavoValidSpecs::SetFactorLevels(std::vector<int> levels) {
+  if (levels.size() == fFactors.size()) fFactorLevels = std::move(levels);
+}
+
+void TavoValidSpecs::SetDomain(int variable, CategoryValue value) {
+  fDomain = variable;
+  fDomainValue = std::move(value);
+}
+
+void TavoValidSpecs::SetConfidenceLevel(double percent) {
+  if (percent >= 0 && percent < 100) fConfidenceLevel = percent;
+}
+
+// The next and the two limits below look at the present value. Arguments are range-checked where the command
+// is read.
+void TavoValidSpecs::SetLogLikConvergence(double value, bool relative) {
+  fbLogLikRelative = relative;
+  if (fLogLikConvergence >= 0) fLogLikConvergence = value;
+}
+
+void TavoValidSpecs::SetParamConvergence(double value, bool relative) {
+  fbParamRelative = relative;
+  if (value >= 0) fParamConvergence = value;
+}
+
+void TavoValidSpecs::SetMaximumIterations(int value) {
+  if (fMaximumIterations >= 0) fMaximumIterations = value;
+}
+
+void TavoValidSpecs::SetMaximumStepHalving(int value) {
+  if (fMaximumStepHalving > 0) fMaximumStepHalving = value;
+}
+
+bool TavoValidSpecs::AddStatistic(Statistic statistic) {
+  return AddOnce(fStatistics, statistic);
+}
+
+bool TavoValidSpecs::AddPrintOption(PrintOption option) {
+  return AddOnce(fPrintOptions, option);
+}
+
+bool TavoValidSpecs::Has(Statistic statistic) const {
+  return Contains(fStatistics, statistic);
+}
+
+bool TavoValidSpecs::Has(PrintOption option) const {
+  return Contains(fPrintOptions, option);
+}
+
+bool TavoValidSpecs::BuildSettings() {
+  fpSettings = std::make_unique<TavoCompSettings>();
+  ClearRecordMaps();
+  FillPlanSettings(*fpSettings);
+  AssignColumns();
+  GiveOptions();
+  return true;
+}
+
+void TavoValidSpecs::AssignColumns() {
+  fDependentColumn = fDependent >= 0 ? CategoricalColumn(fDependent) : -1;
+  fFactorColumns.clear();
+  fCovariateColumns.clear();
+  for (const int factor : fFactors)
+    fFactorColumns.push_back(CategoricalColumn(factor));
+  for (const int covariate : fCovariates)
+    fCovariateColumns.push_back(ContinuousColumn(covariate));
+  // Complete before an effect refers to it: it must not move afterwards.
+  fRecordPredictors = fFactorColumns;
+  fRecordPredictors.insert(fRecordPredictors.end(), fCovariateColumns.begin(), fCovariateColumns.end());
+  fRecordEffects = fEffects;
+  for (OrvModelEffect& effect : fRecordEffects)
+    effect.SetPredictors(&fRecordPredictors);
+  fDomainColumn = fDomain >= 0 ? CategoricalColumn(fDomain) : -1;
+}
+
+void TavoValidSpecs::GiveOptions() {
+  TavoCompSettings& settings = *fpSettings;
+  settings.SetIntercept(fbUseIntercept);
+  settings.SetStartingIteration(fCheckSeparation);
+  settings.SetConfidence(fConfidenceLevel / 100);
+  if (fDegreesOfFreedom >= 0) settings.SetDegreesOfFreedom(fDegreesOfFreedom);
+  settings.SetLogLikCriterion(fLogLikConvergence);
+  settings.SetLogLikAbsolute(!fbLogLikRelative);
+  settings.SetMaxIterations(fMaximumIterations);
+  settings.SetMaxStepHalving(fMaximumStepHalving);
+  settings.SetParamCriterion(fParamConvergence);
+  settings.SetParamAbsolute(!fbParamRelative);
+  if (fSingularity > 0) settings.SetTolerance(fSingularity);
+  settings.SetTestType(fTestType);
+  settings.SetAdjustment(fAdjustment);
+  if (fHistoryStep > 0) settings.SetHistoryFrequency(fHistoryStep);
+  // Adjusted tests and design effects compare with simple random sampling; nothing else does.
+  settings.SetNeedSRS(IsAdjusted(fTestType) || Has(Statistic::DEFF) || Has(Statistic::DEFFSQRT));
+}
+
+void TavoValidSpecs::CompleteSettings() {
+  TavoCompSettings& settings = *fpSettings;
+  settings.SetDependent(fDependentColumn, fNCategories, fReferenceCode);
+  for (std::size_t i = 0; i < fFactorLevels.size(); ++i)
+    settings.AddFactor(fFactorColumns[i], fFactorLevels[i]);
+  for (const int column : fCovariateColumns)
+    settings.AddCovariate(column);
+  for (const OrvModelEffect& effect : fRecordEffects)
+    settings.AddEffect(effect);
+  if (fDomain >= 0) settings.SetSubpop(fDomainColumn, fDomainCode);
+}
+
+std::string TavoValidSpecs::ValueText(const CategoryValue& value, bool trim) {
+  if (value.Empty()) return {};
+  std::string text;
+  host::ToString(value.cells.data(), value.format, text);
+  return trim || !value.format.IsString() ? Trimmed(text) : text;
+}
+
+}  // namespace tavo
