@@ -25,15 +25,25 @@ double BetweenFactor(double count, double fraction) {
   return count > 1.0 ? (1.0 - fraction) * count / (count - 1.0) : 0.0;
 }
 
-/// The running mean and sum of squared deviations after one more unit with total x.
-void AddValue(double* v, double x) {
-  const double before = v[0];
-  const double after = before + 1.0;
-  const double deviation = x - v[1];
-  v[0] = after;
-  v[1] += deviation / after;
-  v[2] += deviation * deviation * (1.0 / after) * before;
-}
+/// Adds units to running means and sums of squared deviations. Neighbouring variables mostly have the same
+/// count: the division, which costs more than all the rest, is done once for them.
+class RunningSums {
+ public:
+  void Add(double* v, double x) {
+    if (v[0] != fBefore) {
+      fBefore = v[0];
+      fInverse = 1.0 / (fBefore + 1.0);
+    }
+    const double deviation = x - v[1];
+    v[0] = fBefore + 1.0;
+    v[1] += deviation * fInverse;
+    v[2] += deviation * deviation * fInverse * fBefore;
+  }
+
+ private:
+  double fBefore = 0.0;
+  double fInverse = 1.0;
+};
 
 void AddTo(std::vector<double>& sums, const std::vector<double>& terms) {
   for (std::size_t k = 0; k < sums.size(); ++k)
@@ -45,18 +55,20 @@ void AddTo(std::vector<double>& sums, const std::vector<double>& terms) {
 // ---- OrvVariances ----
 
 void OrvVariances::AddUnit(const std::vector<double>& totals) {
+  RunningSums sums;
   double* v = fValues.data();
   const std::size_t variables = std::min(totals.size(), fValues.size() / 4);
   for (std::size_t i = 0; i < variables; ++i, v += 4) {
-    if (!IsMissing(totals[i])) AddValue(v, totals[i]);
+    if (!IsMissing(totals[i])) sums.Add(v, totals[i]);
   }
 }
 
 void OrvVariances::MergeAsUnit(const OrvVariances& child) {
+  RunningSums sums;
   for (std::size_t i = 0; i < fValues.size(); i += 4) {
     const double* c = child.fValues.data() + i;
     if (c[0] <= 0.0) continue;
-    AddValue(fValues.data() + i, c[1]);
+    sums.Add(fValues.data() + i, c[1]);
     fValues[i + 3] += c[2];
   }
 }
