@@ -15,6 +15,7 @@ namespace fs = std::filesystem;
 
 // More than a file of commands may hold: reading stops here, and the tokeniser refuses what is too large.
 constexpr std::size_t kMaxBytes = std::size_t{16} << 20;
+constexpr const char* kDefinitionFile = "vorn-tessel-1.0.dtd";
 
 }  // namespace
 
@@ -38,12 +39,9 @@ std::string ReadWholeFile(const std::string& path, std::string& text) {
 
 std::string FindModuleFolder() {
   std::error_code failure;
-  const fs::path program = fs::read_symlink("/proc/self/exe", failure);
-  if (!failure) {
-    const fs::path installed = program.parent_path().parent_path() / "share" / "tavoreg";
-    if (fs::is_directory(installed, failure)) return installed.string();
-  }
-  return TAVOREG_SHARE_DIR;
+  const fs::path folder = fs::read_symlink("/proc/self/exe", failure).parent_path();
+  const fs::path shared = folder.parent_path() / "share" / "tavoreg";
+  return fs::exists(shared / kDefinitionFile, failure) ? shared.string() : folder.string();
 }
 
 }  // namespace standalone

@@ -11,46 +11,38 @@ constexpr std::array kEntries = {
     // Reading the plan.
     CatalogueEntry{"Global plan stage...", "Plan"},
     CatalogueEntry{"Plan stage ^1...", "Stage ^1 of the plan"},
-    CatalogueEntry{
-        "Invalid plan file...",
-        "The plan file is not a well-formed plan. Check that it is the file you meant, that its XML is "
-        "complete, and that its stages, methods and numbers are legal."},
+    CatalogueEntry{"Invalid plan file...",
+                   "The plan file cannot be read: ^1. Check that it is the file you meant and that its XML "
+                   "is complete."},
     CatalogueEntry{"Variable is not a valid VORN variable...",
-                   "The plan names a variable that cannot be the name of one. Write a letter first, then "
-                   "letters, digits "
-                   "and the signs . _ @ # $."},
+                   "The plan names a variable that cannot be the name of one (^1). Write a letter first, "
+                   "then letters, digits and the signs . _ @ # $."},
     CatalogueEntry{
         "Variable is repeated more than once...",
-        "The plan names a variable more than once in a stage. Name each stratification and cluster variable "
-        "once."},
-    CatalogueEntry{
-        "Illegal estimation method for this stage...",
-        "The plan gives a stage an estimation method that is not possible there. Sampling with replacement "
-        "must be the last stage, and unequal probabilities without replacement the first stage, with cluster "
-        "variables."},
+        "The plan names a variable more than once (^1). Each variable can serve it in one place only."},
+    CatalogueEntry{"Illegal estimation method for this stage...",
+                   "The plan gives a stage an estimation method that is not possible there (^1). Unequal "
+                   "probabilities without replacement are for the first stage only."},
     CatalogueEntry{"Population size value is incorrect...",
-                   "A population size in the plan is not right. It must be a whole number above 0."},
-    CatalogueEntry{"Inclusion probability value is incorrect...",
-                   "An inclusion probability in the plan is not right. It must be above 0 and at most 1."},
+                   "A population size in the plan is not right (^1). It must be a whole number above 0."},
+    CatalogueEntry{
+        "Inclusion probability value is incorrect...",
+        "An inclusion probability in the plan is not right (^1). It must be above 0 and at most 1."},
     CatalogueEntry{"Cluster variables are required for non-final stages...",
-                   "A stage of the plan before the last has no cluster variables. Name the variables that "
-                   "tell its units "
-                   "apart."},
-    CatalogueEntry{
-        "Matrix variable is invalid...",
-        "A matrix in the plan names a variable that cannot be the name of one, or none at all. Name the "
-        "variables whose values its rows list."},
-    CatalogueEntry{
-        "Matrix category list does not match the matrix variable list...",
-        "A row of a matrix in the plan has another number of categories than the matrix has variables. Give "
-        "one category for each variable."},
+                   "A stage of the plan before the last has no cluster variables (^1). Name the variables "
+                   "that tell its units apart."},
+    CatalogueEntry{"Matrix variable is invalid...",
+                   "A matrix in the plan cannot use this variable (^1). Its variables are strata of this "
+                   "stage, or strata and clusters of the stages before."},
+    CatalogueEntry{"Matrix category list does not match the matrix variable list...",
+                   "A matrix in the plan does not fit together (^1). Give one row for each combination, with "
+                   "one category for each variable, and state the number of rows."},
     CatalogueEntry{
         "The plan cannot have more than ^1 stages...",
         "The plan has more than ^1 stages. Join the last stages: the variance rests mostly on the first."},
-    CatalogueEntry{
-        "AnalysisDesign is missing in plan file...",
-        "The plan file has no AnalysisDesign element, which says how to estimate. Prepare the plan for "
-        "analysis."},
+    CatalogueEntry{"AnalysisDesign is missing in plan file...",
+                   "The plan file ^1 has no AnalysisDesign element, which says how to estimate. Prepare the "
+                   "plan for analysis."},
     CatalogueEntry{"Sample size values are not positive...",
                    "A sample size in the plan is not above 0. Correct it in the plan file."},
     CatalogueEntry{"Sample rate values are not positive...",
@@ -80,8 +72,9 @@ constexpr std::array kEntries = {
                    "The sample design in the plan names a variable more than once. Name it once."},
     CatalogueEntry{"The parser cannot get plan file specifications...",
                    "The plan file holds no design for analysis. Check that it is the file you meant."},
-    CatalogueEntry{"Illegal SRS estimator method...",
-                   "The attribute SRSestimator in the plan must be wor or wr. Correct it, or leave it out."},
+    CatalogueEntry{
+        "Illegal SRS estimator method...",
+        "The attribute SRSestimator in the plan must be wor or wr (^1). Correct it, or leave it out."},
 
     // The plan against the data and the command.
     CatalogueEntry{

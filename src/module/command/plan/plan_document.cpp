@@ -29,7 +29,7 @@ namespace {
 constexpr const char* kDefinitionFile = "vorn-tessel-1.0.dtd";
 constexpr XMLSize_t kEntityExpansionLimit = 1000;
 constexpr std::size_t kLargestPlanBytes = std::size_t{64} << 20U;
-constexpr std::size_t kLargestDocumentBytes = std::size_t{1} << 30U;  // of memory, as a tree
+constexpr std::size_t kLargestDocumentBytes = std::size_t{512} << 20U;  // of memory, as a tree
 
 static_assert(sizeof(XMLCh) == sizeof(char16_t));
 

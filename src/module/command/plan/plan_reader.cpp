@@ -33,7 +33,15 @@ PlanMethod MethodOf(const std::string& text) {
   return PlanMethod::NO_VALUE;
 }
 
-std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
+/// A text of the file for a message, cut when it is longer than anybody wants to read.
+std::string Quoted(const std::string& text) {
+  constexpr std::size_t kLongest = 100;
+  if (text.size() <= kLongest) return "\"" + text + "\"";
+  std::size_t end = kLongest;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+    --end;  // not inside a character
+  return "\"" + text.substr(0, end) + "...\"";
+}
 
 }  // namespace
 
@@ -64,7 +72,8 @@ void OrvPlanReader::ReadStages(const PlanElement& design) {
     return;
   }
   fPlan.stages.resize(elements.size());
-  for (std::size_t i = 0; i < elements.size(); ++i) ReadStage(elements[i], i + 1);
+  for (std::size_t i = 0; i < elements.size(); ++i)
+    ReadStage(elements[i], i + 1);
   CheckClusters();
 }
 
@@ -160,13 +169,15 @@ void OrvPlanReader::ReadMatrix(const PlanElement& element, PlanValueKind kind, O
   }
 }
 
-// A matrix gives values by the outer design variables: those of its own stage are what it has no value for yet.
+// A matrix gives values by the outer design variables: those of its own stage are what it has no value for
+// yet.
 void OrvPlanReader::ReadMatrixVariables(const PlanElement& list, OrvPlanStage& stage) {
   for (const PlanElement& variable : list.Children()) {
     if (!variable.HasAttribute("name")) continue;
     const std::string name = variable.Attribute("name");
     const std::string upper = host::GetUpperVarName(name);
-    if (!host::ValidateVORNName(name)) Note(PlanStatus::kInvalidName, Where("matrix variable " + Quoted(name)));
+    if (!host::ValidateVORNName(name))
+      Note(PlanStatus::kInvalidName, Where("matrix variable " + Quoted(name)));
     if (!fPlan.designVariables.contains(upper) || stage.stageVariables.contains(upper)) {
       Note(PlanStatus::kMatrixVariableInvalid, Where("matrix variable " + Quoted(name)));
     }

@@ -218,7 +218,7 @@ TEST_F(PlanReading, OfSeveralFormsOfAValueTheLaterOneWins) {
 }
 
 TEST_F(PlanReading, InvalidNamesGive2) {
-  for (const char* name : {"", "1a", "a b", "a+b", "and", "end."}) {
+  for (const char* name : {"", "1a", "a b", "a+b", "With", "end."}) {
     EXPECT_EQ(ReadDesign(Stage("wr", Strata(Variable(name)))), PlanStatus::kInvalidName) << name;
     EXPECT_EQ(fDetail, "AnalysisStage 1, variable \"" + std::string(name) + "\"");
   }
