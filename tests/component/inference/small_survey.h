@@ -168,8 +168,13 @@ inline Dense Inverse(Dense a) {
     std::swap(a[k], a[best]);
     std::swap(inverse[k], inverse[best]);
     const Real pivot = a[k][k];
+    for (std::size_t j = 0; j < n; ++j) {
+      a[k][j] /= pivot;
+      inverse[k][j] /= pivot;
+    }
     for (std::size_t i = 0; i < n; ++i) {
-      const Real factor = i == k ? 1 - 1 / pivot : a[i][k] / pivot;
+      if (i == k) continue;
+      const Real factor = a[i][k];
       for (std::size_t j = 0; j < n; ++j) {
         a[i][j] -= factor * a[k][j];
         inverse[i][j] -= factor * inverse[k][j];
