@@ -50,7 +50,8 @@ SplitNumber SplitAtPoint(const LayoutCell& cell) {
 }
 
 struct ColumnWidth {
-  std::size_t left = 0, right = 0;  // of the numbers
+  std::size_t left = 0, right = 0;  // of the numbers, footnote marks included
+  std::size_t marks = 0;            // of the marks behind the numbers
   std::size_t width = 0;            // of the column
   bool hasNumber = false;
   bool hasText = false;
@@ -104,6 +105,7 @@ class TextTable {
           const SplitNumber parts = SplitAtPoint(cell);
           column.left = std::max(column.left, DisplayWidth(parts.left));
           column.right = std::max(column.right, DisplayWidth(parts.right));
+          if (!cell.marks.empty()) column.marks = std::max(column.marks, cell.marks.size() + 3);
         } else {
           column.hasText = column.hasText || !cell.text.empty();
           for (const std::string& line : Wrap(WithMarks(cell.text, cell.marks), kMaxTextWidth)) {
@@ -281,7 +283,7 @@ class TextTable {
       for (std::size_t c = 0; c < texts.size(); ++c) {
         line = PadRight(line, Offset(first, c));
         const std::size_t blank = height - texts[c].size();
-        if (i >= blank) line += Aligned(texts[c][i - blank], fColumns[first + c]);
+        if (i >= blank) line += AlignedLabel(texts[c][i - blank], fColumns[first + c]);
       }
       lines.push_back(line);
     }
@@ -303,6 +305,12 @@ class TextTable {
     for (std::size_t i = 0; i < lines.size(); ++i) {
       WriteLine(PadRight(i == 0 ? stub.back().text : std::string(), fStubWidth), lines[i]);
     }
+  }
+
+  /// A label stands above the numbers, not above the marks behind them, when it has room there.
+  static std::string AlignedLabel(const std::string& text, const ColumnWidth& column) {
+    const bool hasRoom = DisplayWidth(text) + column.marks <= column.width;
+    return Aligned(hasRoom ? text + std::string(column.marks, ' ') : text, column);
   }
 
   static std::string Aligned(const std::string& text, const ColumnWidth& column) {
