@@ -10,8 +10,9 @@
 
 namespace tavo {
 
-/// A symmetric matrix of n by n blocks, each a packed symmetric m by m matrix. Block (i, j) and block (j, i) are the
-/// same object. A failed allocation leaves an invalid, empty structure.
+/// A symmetric matrix of n by n blocks, each a packed symmetric m by m matrix. Block (i, j) and block (j, i)
+/// are the same object, and of it only the lower triangle is kept. A failed allocation leaves an invalid,
+/// empty structure.
 class OrvSymStructure {
  public:
   OrvSymStructure() = default;
@@ -27,43 +28,58 @@ class OrvSymStructure {
   static std::size_t Index(int i, int j) {
     const int high = i >= j ? i : j;
     const int low = i >= j ? j : i;
-    return static_cast<std::size_t>(high) * static_cast<std::size_t>(high + 1) / 2 + static_cast<std::size_t>(low);
+    return static_cast<std::size_t>(high) * static_cast<std::size_t>(high + 1) / 2 +
+           static_cast<std::size_t>(low);
   }
+  bool Allocate();
+
   int fNBlocks = 0;
   int fNRowsPerBlock = 0;
   std::vector<MCCommonMath::MCSymMatrix> fBlocks;
 };
 
-/// Sums over rows the weighted log-likelihood, the score vector and the information of the baseline-category logit at
-/// one parameter vector (lent; (K-1) p' values, logit by logit, p' kept basic parameters). One object per thread.
+/// Sums over rows the weighted log-likelihood, the score vector and the information of the baseline-category
+/// logit at one parameter vector (lent; (K-1) p' values, logit by logit, p' kept basic parameters). One
+/// object per thread.
 class TavoAccumStats {
  public:
+  /// `parameters` is p', `categories` K. Everything is lent. Not valid when a count is out of range, the
+  /// vector is too short or memory ran out.
   TavoAccumStats(const TavoCompSettings& settings, int parameters, int categories,
                  const std::vector<double>& estimates);
   virtual ~TavoAccumStats() = default;
 
   bool IsValid() const { return fbValid; }
+  /// Empties all sums. `method` is the estimation method, kept for its reader only: observed and expected
+  /// information of this model are the same. With `separationCheck` the extremes of the probabilities are
+  /// followed.
   virtual void Reset(int method, bool separationCheck);
   virtual bool IsUsable() const { return true; }
-  /// Adds one row. `category` is the local index, K-1 the reference. 0, or -1 for a refused row (bad indices, category
-  /// out of range, weight not above 0).
+  /// Adds one row. `category` is the local index, K-1 the reference. 0, or -1 for a refused row (bad indices,
+  /// category out of range, weight not above 0).
   virtual int UpdateForRow(const std::vector<int>& indices, const std::vector<double>& values, int category,
                            double weight, bool likelihoodOnly);
-  /// Probabilities of all categories and the log-probability of the reference, safe for any size of the linear
-  /// predictors. False for unusable arguments.
-  virtual bool ComputeProbabilities(const OrvSparseVector& row, const std::vector<double>& parameters, int categories,
-                                    int parameterCount, std::vector<double>& probabilities, double& logReference);
+  /// Probabilities of all categories and the log-probability of the reference, safe for any size of the
+  /// linear predictors. False for unusable arguments.
+  virtual bool ComputeProbabilities(const OrvSparseVector& row, const std::vector<double>& parameters,
+                                    int categories, int parameterCount, std::vector<double>& probabilities,
+                                    double& logReference);
   virtual double StepHalvingFactor() const { return 1.0; }
   /// An empty accumulator of the same sizes over the same parameter vector.
   virtual std::unique_ptr<TavoAccumStats> CloneEmpty() const;
-  /// Adds another object's sums; a sum with a missing operand is missing.
+  /// Adds another object's sums; a sum with a missing operand is missing. The log-likelihood of objects of
+  /// different shape has no sum: it becomes missing.
   virtual void Merge(const TavoAccumStats& other);
 
   /// The dense information matrix of (K-1) p' rows, or -1.
   int GetHessian(MCCommonMath::MCSymMatrix& matrix) const;
   const std::vector<double>& Scores() const { return fScores; }
-  double LogLikelihood() const { return fLogLikelihood; }
+  /// The sum of w log(probability of the observed category). Summed with compensation (Neumaier 1974): near
+  /// the maximum a step changes the sum by less than the rounding of a plain sum over many rows.
+  double LogLikelihood() const;
   void GetCounts(int& valid, int& invalid, double& weight) const;
+  /// Of the rows since the last reset with a separation check; the limits of the double type before the first
+  /// row.
   void GetObservedProbabilities(double& minObserved, double& maxObserved, double& minComputed) const;
 
  protected:
@@ -71,7 +87,8 @@ class TavoAccumStats {
   int fNParameters;
   int fNCategories;
   const std::vector<double>& fEstimates;
-  double fLogLikelihood = 0;
+  double fLogLikelihood = 0;      // running sum, missing when an operand of a merge was
+  double fLogLikelihoodRest = 0;  // what rounding took from it
   std::vector<double> fScores;
   OrvSymStructure fHessian;
   int fNValidRows = 0;
@@ -83,8 +100,13 @@ class TavoAccumStats {
   double fMaxObserved = 0;
   double fMinComputed = 0;
   bool fbValid = false;
-  std::vector<double> fLinearPredictors;  // work
-  std::vector<double> fProbabilities;     // work
+  std::vector<double> fProbabilities;  // work
+
+ private:
+  void AddToLogLikelihood(double term);
+  void NoteProbabilities(double observed);
+  void AddScoresAndInformation(const OrvSparseVector& row, int category, double weight);
+  bool HasSameShape(const TavoAccumStats& other) const;
 };
 
 }  // namespace tavo

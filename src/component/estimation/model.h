@@ -1,12 +1,15 @@
 // The multinomial logit model: what the parameters are and what they equal.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
 #include "estimation/numerics/bit_set.h"
 #include "estimation/numerics/rect_matrix.h"
 #include "estimation/numerics/sym_matrix.h"
+#include "estimation/rank_update.h"
 #include "estimation/regr_parameter.h"
 #include "frame/orv_cancel_info.h"
 #include "frame/orv_status.h"
@@ -21,17 +24,19 @@ using MCCommonMath::MCSymMatrix;
 
 class OrvFactorTables;
 
-/// A baseline-category logit. With K response categories, the reference last, there are K-1 logits, each with the same
-/// p basic design columns; logit j of a row x is x'b_j, and category j has probability exp(x'b_j) / (1 + sum over all
-/// logits). The list of all parameters is the basic list repeated K-1 times: parameter j*p + k is column k of logit j.
+/// A baseline-category logit. With K response categories, the reference last, there are K-1 logits, each with
+/// the same p basic design columns; logit j of a row x is x'b_j, and category j has probability exp(x'b_j) /
+/// (1 + sum over all logits). The list of all parameters is the basic list repeated K-1 times: parameter j*p
+/// + k is column k of logit j.
 ///
-/// The fit works on an internal scale: column k enters as (v - c)/s with its effect's centre c (only in a model with
-/// an intercept) and scale s. Estimates are kept on both scales.
+/// The fit works on an internal scale: column k enters as (v - c)/s with its effect's centre c (only in a
+/// model with an intercept) and scale s. Estimates are kept on both scales. A column without spread, a
+/// constant covariate beside an intercept, has scale 0 and enters as 0, so that it is found redundant.
 ///
 /// Calling order: SetRecordLayout, SetupDependent, BuildParameters, AddPatternToXPrimeX for each row,
-/// FindRedundancies, GetInitialEstimates, SetCaseCounts, the optimizer with BuildSparseRow, SetEstimates, the design
-/// pass with ComputeCaseScores or AddCaseScores, ScaleSRSCovariance. BuildSparseRow and ParameterValue may be called
-/// from several threads at once; everything else from one.
+/// FindRedundancies, GetInitialEstimates, SetCaseCounts, the optimizer with BuildSparseRow, SetEstimates, the
+/// design pass with ComputeCaseScores or AddCaseScores, ScaleSRSCovariance. BuildSparseRow and ParameterValue
+/// may be called from several threads at once; everything else from one.
 class TavoModel {
  public:
   /// Settings and cancel object are lent.
@@ -40,7 +45,8 @@ class TavoModel {
 
   /// Positions in the rows of both extractors.
   void SetRecordLayout(const OrvRecordExtractor& patternRow, const OrvRecordExtractor& dataRow);
-  /// Decides the response categories in use and the reference. The tables are lent from here on. 95028, 95029 (warning).
+  /// Decides the response categories in use and the reference. The tables are lent from here on. 95028, 95029
+  /// (warning). As all operations that return a status, it returns the model's status, which keeps a warning.
   virtual OrvStatus SetupDependent(OrvFactorTables& tables);
   /// Builds the parameter lists; `maxCount` is the tables' count of basic columns. 95045.
   virtual OrvStatus BuildParameters(int maxCount);
@@ -50,29 +56,35 @@ class TavoModel {
   virtual OrvStatus FindRedundancies();
   /// Start values of the kept parameters: the exact solution of the model with intercepts only.
   virtual OrvStatus GetInitialEstimates(std::vector<double>& estimates);
-  /// Kept design columns of a pattern row: compressed indices (strictly ascending) and values that are not 0. Outputs
-  /// are cleared first; they keep their capacity.
-  virtual void BuildSparseRow(const double* patternRow, const std::vector<int>& parameters, std::vector<int>& indices,
-                              std::vector<double>& values) const;
-  /// Takes the estimates of the kept parameters and the inverse of their information, both on the internal scale.
+  /// Kept design columns of a pattern row: compressed indices (strictly ascending) and values that are not 0.
+  /// A row of zeros gets one explicit 0, since no entry at all would be no row. Outputs are cleared first;
+  /// they keep their capacity.
+  virtual void BuildSparseRow(const double* patternRow, const std::vector<int>& parameters,
+                              std::vector<int>& indices, std::vector<double>& values) const;
+  /// Takes the estimates of the kept parameters and the inverse of their information, both on the internal
+  /// scale. 91000 when their sizes don't fit the kept parameters, 95045, 1.
   OrvStatus SetEstimates(const std::vector<double>& estimates, const MCSymMatrix& hessianInverse);
   void SetCaseCounts(double sampleSize, double populationTotal);
-  /// Score of one data row, a vector over all parameters: (1 if the response is j, else 0, minus probability j) * x * w.
-  /// Also accumulates the central part of the covariance under simple random sampling and the classification table.
+  /// Score of one data row, a vector over all parameters: (1 if the response is j, else 0, minus probability
+  /// j) * x * w. Also accumulates the central part of the covariance under simple random sampling and the
+  /// classification table.
   virtual void ComputeCaseScores(std::vector<double>& scores, const double* dataRow);
   /// Adds the same values to running sums.
   void AddCaseScores(std::vector<double>& sums, const double* dataRow);
   /// Scales the SRS centre by N/(n-1), and by 1 - n/N without replacement. Completes the model. 95007.
   OrvStatus ScaleSRSCovariance();
-  /// Probabilities (by local index, reference last) and the predicted category code; 0 and missing values for a level
-  /// combination that the estimation data didn't have. Ties within machine epsilon: the largest weighted count, then
-  /// the largest unweighted count, then the smallest code.
+  /// Probabilities (by local index, reference last) and the predicted category code; 0 and missing values for
+  /// a level combination that the estimation data didn't have, and on a cancel. 95006 before there are
+  /// estimates. Ties within machine epsilon: the largest weighted count, then the largest unweighted count,
+  /// then the smallest code.
   virtual OrvStatus PredictCategory(const double* dataRow, std::vector<double>& probabilities, int& category);
   /// First basic parameter and count of an effect; with an intercept, effect 0 is the intercept.
   virtual bool GetEffectParameters(int effect, int& first, int& count) const;
   /// The product of the parameter's covariates raised to their powers; 1 without covariates.
   double ParameterValue(const double* row, const OrvRegrParameter& parameter, bool usePatternOffsets) const;
-  /// Fills a dense design row of p values. False for an unknown level combination or on a cancel.
+  /// Fills a dense design row of p values. False for an unknown level combination, whose columns stay 0, or
+  /// on a cancel. Not standardised, a column holds its covariate product; standardised, its value on the
+  /// internal scale.
   bool FillDesignRow(std::vector<double>& row, const double* dataRow, bool standardise);
 
   bool HasIntercept() const { return fNIntercepts > 0; }
@@ -106,10 +118,11 @@ class TavoModel {
   const std::vector<double>& TransformedEstimates() const { return fTransformedEstimates; }  // internal scale
   const MCRectMatrix& ClassificationTable() const { return fClassification; }
   const MCSymMatrix* HessianGI() const { return fpHessianGI.get(); }
-  const MCSymMatrix* SRSCentre() const { return fpSRSCentre.get(); }
+  /// Null when the settings don't ask for it.
+  const MCSymMatrix* SRSCentre() const;
   const MCSymMatrix* XPrimeX() const { return fpXPrimeX.get(); }
   void ReleaseHessianGI() { fpHessianGI.reset(); }
-  void ReleaseSRSCentre() { fpSRSCentre.reset(); }
+  void ReleaseSRSCentre();
   void ReleaseXPrimeX() { fpXPrimeX.reset(); }
   double SampleSize() const { return fSampleSize; }
   double PopulationTotal() const { return fPopulationTotal; }
@@ -123,16 +136,32 @@ class TavoModel {
     int response = 0;
     std::vector<int> covariateOffset;  // by record column; -1 for a column that is no covariate
   };
+  // One covariate of an effect, with its place in both kinds of rows.
+  struct CovariateTerm {
+    int patternOffset = 0;
+    int dataOffset = 0;
+    int power = 0;
+  };
 
-  int ChooseReference(const std::vector<int>& used);
+  void CompressBasicParameters();
+  OrvStatus Fail(std::uint32_t code);
+  OrvStatus FailWithCount(std::int64_t count, std::int32_t limit);
+  OrvStatus EndOfLongStep();
+  std::size_t ChooseReference(const std::vector<int>& used);
+  void ClearParameters();
+  void TakeTransformation();
   void AppendParameter(const OrvRegrParameter& parameter, double centre, double scale);
-  void AppendEffectParameters(int effect);
+  bool AppendEffectParameters(int effect);
+  bool AppendCovariateTerms(const OrvRegrParameter& parameter);
   void RepeatForOtherLogits();
-  OrvStatus AllocateMatrices();
-  double DesignValue(const double* row, int effect, int parameter, bool usePatternOffsets) const;
-  int BreakTie(const std::vector<int>& tied) const;
-  void CountCase(const double* dataRow, int category, double weight);
-  bool ScoreRow(const double* dataRow, std::vector<double>& target, bool add);
+  void AllocateMatrices();
+  double DesignValue(const double* row, std::size_t effect, bool usePatternOffsets) const;
+  bool FindParameters(const double* dataRow);
+  bool FillScoringRow(const double* dataRow);
+  void EvaluateScoringRow(std::vector<double>& probabilities, int& local);
+  int BreakTie();
+  bool ScoreRow(std::vector<double>& sums, const double* dataRow);
+  void AddToSRSCentre(double weight);
 
   const TavoCompSettings& fSettings;
   const OrvCancelInfo& fCancel;
@@ -154,6 +183,8 @@ class TavoModel {
   std::vector<double> fNonRedundantScales;
   std::unique_ptr<MCSymMatrix> fpXPrimeX;
   std::unique_ptr<MCSymMatrix> fpSRSCentre;
+  mutable OrvRankUpdate fSRSRows;  // rows still to be added to the SRS centre; flushed before anyone reads it
+  bool fbSRSBySparseRows = false;  // rows with few entries go to the SRS centre one by one
   std::unique_ptr<MCSymMatrix> fpHessianGI;
   int fNRecordsAdded = 0;
   MCBitSet fBasicBits;
@@ -167,18 +198,23 @@ class TavoModel {
   bool fbBuilt = false;
   std::vector<double> fEstimates;
   std::vector<double> fTransformedEstimates;
-  std::vector<double> fWorkRow;            // p design values
-  std::vector<int> fWorkParameters;        // by effect
-  std::vector<double> fWorkProbabilities;  // K
-  std::vector<double> fWorkScores;         // all parameters
-  std::vector<int> fWorkTied;
+  std::vector<std::size_t> fFirstTerm;  // by model effect, and one entry more: its range of fCovariateTerms
+  std::vector<CovariateTerm> fCovariateTerms;
+  std::vector<double> fConstantValues;  // by model effect: the design value of an effect without covariates
+  // Work of the evaluation of one data row: its design row, sparse, with basic parameter indices.
+  std::vector<int> fWorkParameters;  // by model effect
+  std::vector<int> fWorkIndices;
   std::vector<double> fWorkValues;
+  std::vector<double> fWorkProbabilities;  // K
+  std::vector<int> fWorkScoreIndices;      // of the score, over all logits
+  std::vector<double> fWorkScoreValues;
+  std::vector<int> fWorkTied;
   double fPopulationTotal = 0;
   double fSampleSize = 0;
   long fNCasesWithWeight = 0;
-  std::vector<int> fFirstParameter;   // by settings' effect
-  std::vector<int> fEffectParameters; // count, by settings' effect
-  MCRectMatrix fClassification;       // observed by predicted, local indices, weighted
+  std::vector<int> fFirstParameter;    // by settings' effect
+  std::vector<int> fEffectParameters;  // count, by settings' effect
+  MCRectMatrix fClassification;        // observed by predicted, local indices, weighted
   OrvStatus fStatus;
 };
 

@@ -25,8 +25,8 @@ class ProgressListener {
   virtual void Update(const ProgressReport& report) = 0;
 };
 
-/// One iteration: "iterNum", "stepHalving", "loglik", "time" (seconds since the fit began), "paramEstim" (kept
-/// parameters on the scale of the data).
+/// One iteration: "iterNum", "stepHalving", "loglik", "time" (seconds since the fit began), "paramEstim"
+/// (kept parameters on the scale of the data).
 class OrvIterationReporter : public ProgressReportVect {
  public:
   /// `estimates` is lent until the next call.

@@ -8,11 +8,11 @@
 
 namespace tavo {
 
-/// What a parameter stands for. Factors, levels and nesting levels run in parallel, covariates and multiplicities too;
-/// variables are record columns. Without factors and covariates it is an intercept.
+/// What a parameter stands for. Factors, levels and nesting levels run in parallel, covariates and
+/// multiplicities too; variables are record columns. Without factors and covariates it is an intercept.
 struct OrvRegrParameter {
   std::vector<int> factors;
-  std::vector<int> levels;          // 1-based codes; empty until a level combination is set
+  std::vector<int> levels;  // 1-based codes; empty until a level combination is set
   std::vector<int> nestingLevels;
   std::vector<int> covariates;
   std::vector<int> multiplicities;  // powers of the covariates

@@ -1,0 +1,134 @@
+// Design columns: their values, which of them depend on others, and the start values of the fit.
+#include <cmath>
+
+#include "estimation/model.h"
+#include "estimation/numerics/missing_value.h"
+#include "tabulation/factor_tables.h"
+
+namespace tavo {
+
+using MCCommonMath::MCMV;
+
+namespace {
+
+// Powers are small whole numbers.
+double Power(double base, int exponent) {
+  double power = 1;
+  for (int e = 0; e < exponent; ++e)
+    power *= base;
+  return power;
+}
+
+}  // namespace
+
+double TavoModel::ParameterValue(const double* row, const OrvRegrParameter& parameter,
+                                 bool usePatternOffsets) const {
+  const std::vector<int>& offsets = (usePatternOffsets ? fPatternLayout : fDataLayout).covariateOffset;
+  double value = 1;
+  for (std::size_t c = 0; c < parameter.covariates.size(); ++c) {
+    const std::size_t column = static_cast<std::size_t>(parameter.covariates[c]);
+    if (column >= offsets.size() || offsets[column] < 0) return MCMV::gMissingValue;
+    value *= Power(row[offsets[column]], parameter.multiplicities[c]);
+  }
+  return value;
+}
+
+// The one place that decides what a column holds on the internal scale. A column without spread holds 0, not
+// the 0/0 of the formula.
+double TavoModel::DesignValue(const double* row, std::size_t effect, bool usePatternOffsets) const {
+  const std::size_t first = fFirstTerm[effect];
+  const std::size_t end = fFirstTerm[effect + 1];
+  if (first == end) return fConstantValues[effect];
+  const double scale = fEffectScales[effect];
+  if (scale == 0) return 0;
+  double value = 1;
+  for (std::size_t t = first; t < end; ++t) {
+    const CovariateTerm& term = fCovariateTerms[t];
+    value *= Power(row[usePatternOffsets ? term.patternOffset : term.dataOffset], term.power);
+  }
+  if (fNIntercepts > 0) value -= fEffectCentres[effect];
+  return value / scale;
+}
+
+bool TavoModel::AddPatternToXPrimeX(const double* patternRow, const std::vector<int>& parameters) {
+  if (!fbStructureReady || fbBuilt || patternRow == nullptr || fpXPrimeX == nullptr ||
+      fCancel.IsCancelled()) {
+    return false;
+  }
+  if (parameters.size() != static_cast<std::size_t>(fNEffects)) return false;
+  fWorkValues.clear();
+  for (std::size_t e = 0; e < parameters.size(); ++e)
+    fWorkValues.push_back(DesignValue(patternRow, e, true));
+  if (!fpXPrimeX->UpdateXXSparse(fNEffects, parameters, fWorkValues, patternRow[fPatternLayout.weight]))
+    return false;
+  ++fNRecordsAdded;
+  return true;
+}
+
+OrvStatus TavoModel::FindRedundancies() {
+  if (fbBuilt) return Fail(StatusCode::kModelBuiltTwice);
+  if (fNRecordsAdded == 0 || fpXPrimeX == nullptr) return Fail(StatusCode::kDataNotProcessed);
+  const int basic = BasicParameterCount();
+  std::vector<double> diagonal;
+  fpXPrimeX->GetDiagonal(diagonal);
+  fBasicBits.Resize(basic, false);
+  for (int k = 0; k < basic && !fCancel.IsCancelled(); ++k) {
+    fpXPrimeX->Sweep(k, fSettings.Tolerance(), diagonal, fBasicBits, true);
+  }
+  CompressBasicParameters();
+  fAllBits.Resize(ParameterCount(), false);
+  for (int k = 0; k < ParameterCount(); ++k)
+    fAllBits.Set(k, fBasicBits.IsIn(k % basic));
+  fNAllNonRedundant = fNBasicNonRedundant * fNEquations;
+  return EndOfLongStep();
+}
+
+void TavoModel::CompressBasicParameters() {
+  fNBasicNonRedundant = 0;
+  fCompressedIndex.assign(fBasicParameters.size(), -1);
+  fNonRedundantCentres.clear();
+  fNonRedundantScales.clear();
+  for (std::size_t k = 0; k < fBasicParameters.size(); ++k) {
+    if (!fBasicBits.IsIn(static_cast<int>(k))) continue;
+    fCompressedIndex[k] = fNBasicNonRedundant++;
+    fNonRedundantCentres.push_back(fParameterCentres[k]);
+    fNonRedundantScales.push_back(fParameterScales[k]);
+  }
+}
+
+OrvStatus TavoModel::GetInitialEstimates(std::vector<double>& estimates) {
+  if (!fbStructureReady) return Fail(StatusCode::kUserError);
+  if (fbBuilt) return Fail(StatusCode::kModelBuiltTwice);
+  estimates.assign(static_cast<std::size_t>(fNAllNonRedundant), 0.0);
+  for (const double count : fWeightedCounts) {
+    if (!(count > 0)) return Fail(StatusCode::kUserError);
+  }
+  if (!HasIntercept() || fNBasicNonRedundant == 0) return fStatus;
+  for (std::size_t j = 0; j < static_cast<std::size_t>(fNEquations); ++j) {
+    estimates[j * static_cast<std::size_t>(fNBasicNonRedundant)] =
+        std::log(fWeightedCounts[j] / fWeightedCounts.back());
+  }
+  return fStatus;
+}
+
+void TavoModel::BuildSparseRow(const double* patternRow, const std::vector<int>& parameters,
+                               std::vector<int>& indices, std::vector<double>& values) const {
+  indices.clear();
+  values.clear();
+  for (std::size_t e = 0; e < parameters.size(); ++e) {
+    const std::size_t k = static_cast<std::size_t>(parameters[e]);
+    if (k >= fCompressedIndex.size() || fCompressedIndex[k] < 0) continue;
+    const double value = DesignValue(patternRow, e, true);
+    if (value == 0) continue;
+    indices.push_back(fCompressedIndex[k]);
+    values.push_back(value);
+  }
+  // Without an intercept all columns of a row can be 0. Its categories are equally probable then, and it
+  // counts.
+  if (indices.empty() && fNBasicNonRedundant > 0) {
+    indices.push_back(0);
+    values.push_back(0.0);
+  }
+}
+
+}  // namespace tavo

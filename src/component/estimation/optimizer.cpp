@@ -1,0 +1,319 @@
+#include "estimation/optimizer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "estimation/accum_stats.h"
+#include "estimation/model.h"
+#include "estimation/numerics/machine_constants.h"
+#include "estimation/numerics/math_functions.h"
+#include "estimation/numerics/missing_value.h"
+#include "tabulation/pattern_tabulator.h"
+
+namespace tavo {
+
+using MCCommonMath::IsMissing;
+using MCCommonMath::MCMathFun;
+using MCCommonMath::MCMV;
+using MCCommonMath::MCPower;
+
+namespace {
+
+// Separation. Complete: no observed response has a probability below 1 - kNearOne. Quasi-complete: the
+// information is nearly singular while probabilities have come near 1 or 0.
+constexpr double kNearOne = 0.01;
+constexpr double kNearZero = 0.001;
+constexpr double kNearSingular = 0.000316;
+
+// Parameters smaller than this change by absolute amounts in the relative criterion.
+constexpr double kSmallestDenominator = 1e-6;
+
+bool IsSettled(TerminationState state) {
+  return state == TerminationState::kLogLikelihoodConverged ||
+         state == TerminationState::kParametersConverged || state == TerminationState::kBothConverged;
+}
+
+// Not worse than before. A NaN is never accepted.
+bool IsAcceptable(double before, double now) {
+  if (IsMissing(now)) return false;
+  return IsMissing(before) || now >= before;
+}
+
+}  // namespace
+
+TavoOptimizer::TavoOptimizer(const TavoCompSettings& settings, const TavoModel& model,
+                             TavoPatternTabulator& tabulator, TavoAccumStats& accumulator,
+                             std::vector<double>& estimates, const OrvCancelInfo& cancel,
+                             ProgressListener* listener, int reportPeriod, EstimationMethod method,
+                             int fisherIterations)
+    : fSettings(settings),
+      fModel(model),
+      fTabulator(tabulator),
+      fAccumulator(accumulator),
+      fvBeta(estimates),
+      fCancel(cancel),
+      fpListener(listener),
+      fReportPeriod(reportPeriod),
+      fMethod(method),
+      fNFisherIterations(fisherIterations),
+      fNParameters(model.AllNonRedundantCount()) {
+  fvBeta.resize(static_cast<std::size_t>(fNParameters), 0.0);
+  fSummary.initialLogLikelihood = MCMV::gMissingValue;
+  fSummary.finalLogLikelihood = MCMV::gMissingValue;
+}
+
+OrvStatus TavoOptimizer::Estimate() {
+  BeginFit();
+  fTabulator.AttachAccumulator(fAccumulator, fModel);
+  if (!EvaluateStart().IsError()) {
+    if (HasNothingToIterate()) {
+      fState = TerminationState::kNoIterations;
+    } else {
+      Iterate();
+    }
+  }
+  fTabulator.Detach();
+  InvertInformation();
+  if (!fStatus.IsError() && fReportCountdown != fReportPeriod) Report();
+  return fStatus;
+}
+
+void TavoOptimizer::BeginFit() {
+  fStart = std::chrono::steady_clock::now();
+  fReportCountdown = fReportPeriod;
+  fStep.assign(fvBeta.size(), 0.0);
+  fPrevious = fvBeta;
+  const bool startsWithFisher = fMethod == EstimationMethod::kHybrid && fNFisherIterations > 0;
+  fCurrentMethod = startsWithFisher ? EstimationMethod::kFisherScoring : fMethod;
+}
+
+// Likelihood, direction and report at the start values.
+OrvStatus TavoOptimizer::EvaluateStart() {
+  EvaluateAll(fCurrentMethod, false);
+  if (fStatus.IsError()) return fStatus;
+  fSummary.initialLogLikelihood = fLogLikelihood = CurrentLogLikelihood();
+  Report();
+  FactorInformation();
+  if (!fStatus.IsError() && fNParameters > 0) fHessian.LTSubstitute(fAccumulator.Scores(), fStep);
+  return fStatus;
+}
+
+// The start values of intercepts are their estimates.
+bool TavoOptimizer::HasNothingToIterate() const {
+  const bool interceptsOnly = fModel.HasIntercept() && fNParameters < fModel.CategoryCount();
+  return interceptsOnly || fNParameters == 0 || fSettings.MaxIterations() == 0;
+}
+
+void TavoOptimizer::Iterate() {
+  fState = TerminationState::kNone;
+  while (fState == TerminationState::kNone && !MustStop() && !fStatus.IsError()) {
+    if (!DoIteration()) return;
+  }
+}
+
+// One step, and a full evaluation where it led. False when the fit was interrupted or an evaluation failed.
+bool TavoOptimizer::DoIteration() {
+  ++fSummary.iterations;
+  const double before = fLogLikelihood;
+  const StepResult result = TakeStep();
+  if (result == StepResult::kInterrupted) {
+    --fSummary.iterations;
+    return false;
+  }
+  const bool separationCheck = ChecksSeparation();
+  EvaluateAll(fCurrentMethod, separationCheck);
+  FactorInformation();
+  if (fStatus.IsError()) return false;
+  fSummary.finalLogLikelihood = fLogLikelihood = CurrentLogLikelihood();
+
+  fState = result == StepResult::kNoIncrease ? TerminationState::kNoIncrease
+                                             : CheckConvergence(before, separationCheck);
+  if (fMethod == EstimationMethod::kHybrid && fCurrentMethod == EstimationMethod::kFisherScoring)
+    SwitchToNewton();
+  if (fStatus.IsError()) return false;
+  if (fState == TerminationState::kNone) fHessian.LTSubstitute(fAccumulator.Scores(), fStep);
+  if (--fReportCountdown <= 0) {
+    Report();
+    fReportCountdown = fReportPeriod;
+  }
+  return true;
+}
+
+// Goes along the direction, halving the step until the likelihood is not worse. On an interruption and
+// without an increase the estimates stand where they were.
+TavoOptimizer::StepResult TavoOptimizer::TakeStep() {
+  fPrevious = fvBeta;
+  fNStepHalvings = 0;
+  for (double length = 1; !MustStop(); length /= 2 * fAccumulator.StepHalvingFactor(), ++fNStepHalvings) {
+    MCMathFun::Daxpy(fNParameters, length, fStep, 0, 1, fvBeta, 0, 1);
+    fTabulator.SetMode(static_cast<int>(EstimationMethod::kFisherScoring), false);
+    fStatus = fTabulator.EvaluateRows(true);
+    if (fStatus.IsError()) return StepResult::kInterrupted;
+    if (IsAcceptable(fLogLikelihood, CurrentLogLikelihood())) return StepResult::kTaken;
+    fvBeta = fPrevious;
+    if (fNStepHalvings >= fSettings.MaxStepHalving()) {
+      fSummary.logLikelihoodChange = fSummary.parameterChange = 0;
+      return StepResult::kNoIncrease;
+    }
+  }
+  return StepResult::kInterrupted;
+}
+
+void TavoOptimizer::EvaluateAll(EstimationMethod method, bool separationCheck) {
+  fTabulator.SetMode(static_cast<int>(method), separationCheck);
+  fStatus = fTabulator.EvaluateRows(false);
+}
+
+void TavoOptimizer::FactorInformation() {
+  if (fStatus.IsError() || fNParameters == 0) return;
+  if (fAccumulator.GetHessian(fHessian) == fNParameters) {
+    fNSingularPivots = fHessian.LTChol(fSettings.Tolerance(), fMeasure, false);
+    if (fHessian.IsValidMatrix()) return;
+  }
+  fStatus = OrvStatus::Error(StatusCode::kTooManyParameters);
+  fStatus.SetInteger(0, fNParameters);
+}
+
+// A positive sum is rounding: no likelihood is above 1. Written so that NaN stays NaN.
+double TavoOptimizer::CurrentLogLikelihood() const {
+  const double sum = fAccumulator.LogLikelihood();
+  return sum > 0 ? 0.0 : sum;
+}
+
+bool TavoOptimizer::MustStop() const {
+  return fbStopRequested.load(std::memory_order_relaxed) || fCancel.IsCancelled();
+}
+
+bool TavoOptimizer::ChecksSeparation() const {
+  return fSettings.StartingIteration() > 0 && fSummary.iterations >= fSettings.StartingIteration();
+}
+
+TerminationState TavoOptimizer::CheckConvergence(double logLikelihoodBefore, bool separationCheck) {
+  TerminationState state = TerminationState::kNone;
+  if (!(separationCheck && FindSeparation(state)) && fNSingularPivots > 0)
+    state = TerminationState::kSingularHessian;
+
+  fSummary.logLikelihoodChange = LogLikelihoodChange(logLikelihoodBefore, fLogLikelihood);
+  if (state == TerminationState::kNone && fSettings.LogLikCriterion() > fSummary.logLikelihoodChange) {
+    state = TerminationState::kLogLikelihoodConverged;
+  }
+  fSummary.parameterChange = ParameterChange();
+  if (fSettings.ParamCriterion() > fSummary.parameterChange) {
+    if (state == TerminationState::kNone) {
+      state = TerminationState::kParametersConverged;
+    } else if (state == TerminationState::kLogLikelihoodConverged) {
+      state = TerminationState::kBothConverged;
+    }
+  }
+  if (state == TerminationState::kNone && fSummary.iterations >= fSettings.MaxIterations()) {
+    state = TerminationState::kMaxIterations;
+  }
+  return state;
+}
+
+// True when the probabilities or the information decide the state.
+bool TavoOptimizer::FindSeparation(TerminationState& state) const {
+  double minObserved = 0;
+  double maxObserved = 0;
+  double minComputed = 0;
+  fAccumulator.GetObservedProbabilities(minObserved, maxObserved, minComputed);
+  if (kNearOne >= 1 - minObserved && kNearOne >= 1 - maxObserved) {
+    state = TerminationState::kCompleteSeparation;
+    return true;
+  }
+  if (!(kNearSingular >= fMeasure)) return false;
+  const bool isNearBound = maxObserved > 1 - kNearOne || kNearZero > minComputed;
+  state = isNearBound ? TerminationState::kQuasiCompleteSeparation : TerminationState::kSingularHessian;
+  return true;
+}
+
+// Relative to a log-likelihood of 0 the change is infinite or no number: neither is below a criterion.
+double TavoOptimizer::LogLikelihoodChange(double before, double after) const {
+  if (IsMissing(before) || IsMissing(after)) return std::numeric_limits<double>::infinity();
+  const double change = std::abs(before - after);
+  return fSettings.IsLogLikAbsolute() ? change : change / std::abs(before);
+}
+
+// On the scale of the data.
+double TavoOptimizer::ParameterChange() const {
+  const std::vector<double> now = OnDataScale(fvBeta);
+  const std::vector<double> before = OnDataScale(fPrevious);
+  return fSettings.IsParamAbsolute() ? MCMathFun::VNrm1Diff(now, before)
+                                     : MCMathFun::VMaxRelDiff(now, before, kSmallestDenominator);
+}
+
+void TavoOptimizer::SwitchToNewton() {
+  const bool isSpent = fSummary.iterations >= fNFisherIterations && fState == TerminationState::kNone;
+  if (!IsSettled(fState) && !isSpent) return;
+  fCurrentMethod = EstimationMethod::kNewtonRaphson;
+  fState = TerminationState::kNone;
+  fNFisherIterations = fSummary.iterations;
+  EvaluateAll(fCurrentMethod, false);
+  FactorInformation();
+  if (!fStatus.IsError() && fNSingularPivots > 0) fState = TerminationState::kSingularHessian;
+}
+
+// Only a fit that ended by its own rules has an information matrix to give.
+void TavoOptimizer::InvertInformation() {
+  const bool isDecided = !fStatus.IsError() && fState != TerminationState::kNone;
+  if (!fStatus.IsError() && !isDecided && fCancel.IsCancelled())
+    fStatus = OrvStatus::Error(StatusCode::kCancelled);
+  if (!isDecided) {
+    fHessian.Resize(0);
+    return;
+  }
+  if (fNParameters == 0) return;
+  if (!fHessian.LTInverse()) {
+    fStatus = OrvStatus::Error(StatusCode::kTooManyParameters);
+    fStatus.SetInteger(0, fNParameters);
+    return;
+  }
+  int valid = 0;
+  int invalid = 0;
+  fAccumulator.GetCounts(valid, invalid, fWeight);
+}
+
+void TavoOptimizer::Report() {
+  if (fpListener == nullptr) return;
+  const std::vector<double> estimates = OnDataScale(fvBeta);
+  const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - fStart;
+  OrvIterationReporter reporter;
+  reporter.Set(&estimates, fSummary.iterations, fNStepHalvings, fLogLikelihood, elapsed.count());
+  fpListener->Update(reporter);
+}
+
+std::vector<double> TavoOptimizer::OnDataScale(const std::vector<double>& estimates) const {
+  std::vector<double> onDataScale = estimates;
+  MCMathFun::TransformParameters(onDataScale, fModel.NonRedundantCentres(), fModel.NonRedundantScales(),
+                                 fModel.EquationCount(), fModel.InterceptCount());
+  return onDataScale;
+}
+
+int TavoOptimizer::FisherIterationsUsed() const {
+  if (fMethod != EstimationMethod::kHybrid || fSummary.iterations < 1) return 0;
+  return std::min(fSummary.iterations, fNFisherIterations);
+}
+
+bool TavoOptimizer::ComputeRSquares(double& coxSnell, double& nagelkerke, double& mcFadden) const {
+  const double initial = fSummary.initialLogLikelihood;
+  const double final = fSummary.finalLogLikelihood;
+  coxSnell = nagelkerke = mcFadden = 0;
+  if (fSummary.iterations <= 0 || !(fWeight > 0) || IsMissing(initial) || IsMissing(final)) return true;
+
+  coxSnell = nagelkerke = mcFadden = MCMV::gMissingValue;
+  const double perWeight = (2 * initial - 2 * final) / fWeight;
+  if (perWeight <= MCPower::gMachineMaxExp) coxSnell = -std::expm1(perWeight);
+  const double largest = 2 * initial / fWeight;
+  if (largest <= MCPower::gMachineMaxExp && std::expm1(largest) != 0 && !IsMissing(coxSnell)) {
+    nagelkerke = coxSnell / -std::expm1(largest);
+  }
+  if (initial != 0) {
+    mcFadden = 1 - final / initial;
+  } else if (final == 0) {
+    mcFadden = 0;
+  }
+  return !IsMissing(coxSnell) && !IsMissing(nagelkerke) && !IsMissing(mcFadden);
+}
+
+}  // namespace tavo
