@@ -29,10 +29,13 @@ class TavoAlgorithm {
 
   /// First pass: fills the factor tables. 95003 when called twice.
   OrvStatus ProcessData(MCCommon::RecordIterator& iterator);
-  /// The whole run, ProcessData included. 95005 when called twice. The result is an error, or the last warning, or OK.
+  /// The whole run, ProcessData included. 95005 when called twice; 91000 for a design with unequal probabilities without
+  /// replacement, which needs joint inclusion probabilities; 95045 when memory runs out. The result is an error, or the last warning, or OK.
   OrvStatus BuildModel(MCCommon::MultiPassRecordIter& iterator);
-  /// Scores one record: categories (reference last), their probabilities, and the predicted category code, 0 for
-  /// none. 95037 outside the subpopulation, 95006 before the model is built.
+  /// Scores one record: categories (reference last), their probabilities, and the predicted category code. Code 0 and
+  /// missing probabilities for a record that lacks a covariate of the model or has a level combination that the
+  /// estimation data didn't have, and with 95037 outside the subpopulation. 95006 before the model is built, 91004 for a
+  /// short record, 1.
   OrvStatus Predict(const MCCommon::Record& record, std::vector<int>& categories, std::vector<double>& probabilities,
                     int& category);
 
@@ -54,15 +57,22 @@ class TavoAlgorithm {
  private:
   bool MayGoOn() const { return !fStatus.IsError() && !fCancel.IsCancelled(); }
   void Merge(const OrvStatus& status);
+  void RunStages(MCCommon::MultiPassRecordIter& iterator);
   void SetUpExtractors();
-  void SetUpEffects();
+  bool SetUpEffects();
   void SetUpModel();
+  void ReduceToPatterns(MCCommon::MultiPassRecordIter& iterator);
   void Estimate();
   void ComputeVariances(MCCommon::MultiPassRecordIter& iterator);
   OrvStatus FeedDesign(MCCommon::MultiPassRecordIter& iterator, SampleDesign& design);
+  void ComputeCovariances(const SampleDesign& design);
   void TakeFindings(const TavoDataTabulator& tabulator);
+  bool ConstantDetail(int constantVariable, int& stage, std::vector<int>& keyValues) const;
+  bool PopulationDetail(int node, int& stage, std::vector<int>& keyValues) const;
+  bool LacksCovariate(const MCCommon::Record& record) const;
 
   const TavoCompSettings& fSettings;
+  std::vector<int> fUsedCovariates;  // columns that any effect uses
   OrvRecordExtractor fPatternExtractor;
   OrvRecordExtractor fDataExtractor;
   OrvFactorTables fFactorTables;
@@ -75,6 +85,7 @@ class TavoAlgorithm {
   std::vector<double> fEstimates;  // of the kept parameters, on the internal scale; shared with the optimizer
   std::unique_ptr<TavoOptimizer> fpOptimizer;
   std::unique_ptr<TavoInference> fpInference;
+  std::vector<double> fScoringRow;  // work
   bool fbFactorTableFilled = false;
   bool fbModelBuilt = false;
   OrvStatus fStatus;

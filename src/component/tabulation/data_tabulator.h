@@ -1,6 +1,7 @@
 // The third pass: the sample sorted into design units, and each unit's score handed to the design tree.
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "frame/orv_cancel_info.h"
@@ -37,7 +38,10 @@ class TavoDataTabulator {
   TavoDataTabulator(const TavoCompSettings& settings, const OrvRecordExtractor& extractor,
                     const OrvCancelInfo& cancel);
 
+  /// The pass itself, once. 91000 for a second call, 91001 to 91006, 1; warning 91005.
   OrvStatus TabulateDesign(MCCommon::RecordIterator& iterator);
+  /// The feeds answer 91000 before TabulateDesign, 91008 and 91009 for a fault of the design, 1; warning 91005.
+  ///
   /// For designs whose last stage has clusters: one unit per key, the sum of its rows' scores.
   OrvStatus FeedDesignByUnit(TavoModel& model, SampleDesign& design);
   /// For designs in which each record is a unit; records outside the subpopulation are units with zero scores.
@@ -53,23 +57,32 @@ class TavoDataTabulator {
 
  private:
   using DataTable = OrvKeyTable<OrvRClusterData>;
+  using Unit = DataTable::Node;
 
   OrvStatus ProcessCase(const double* record);
+  void FillKey(const double* record);
+  Unit& UnitOfKey(bool& isNew);
   int EnterConstants(const double* record, OrvRClusterData& data) const;
   int CompareConstants(const double* record, OrvRClusterData& data) const;
-  void ReportInconsistent(int index, const OrvKey& key);
-  OrvStatus CheckStageValues(SampleDesign& design, const DataTable::Node& node);
-  OrvStatus CloseDesignLevels(SampleDesign& design, int prefix, const DataTable::Node& node);
-  int PrefixAfter(std::size_t node) const;
+  OrvStatus ReportInconsistent(int index, const OrvKey& key);
+  void NoteFinding(int index, const OrvKey& key);
+  /// Walks the units in key order: `addUnit` hands one over, then its values are checked and the levels that end with
+  /// it are closed.
+  template <class AddUnit>
+  OrvStatus FeedDesign(SampleDesign& design, AddUnit&& addUnit);
+  OrvStatus CheckStageValues(SampleDesign& design, const Unit& unit);
+  OrvStatus CloseDesignLevels(SampleDesign& design, int prefix, const Unit& unit);
+  int PrefixAfter(std::size_t position) const;
 
   const TavoCompSettings& fSettings;
   const OrvRecordExtractor& fExtractor;
   const OrvCancelInfo& fCancel;
   OrvRecordValidator fValidator;
+  std::size_t fRowLength;
   DataTable fTable;
-  std::vector<DataTable::Node*> fTablePairs;  // by appearance, later sorted by key
-  OrvKey fKey;                                // working key
-  int fNValid = 0;
+  std::vector<Unit*> fTablePairs;  // by appearance, later sorted by key
+  Unit* fpLastUnit = nullptr;      // of the previous record
+  OrvKey fKey;                     // working key
   bool fbSourceProcessed = false;
   std::vector<DesignFinding> fConstFindings;
   std::vector<OrvKey> fPopulationKeys;

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "tabulation/orv_key.h"
+#include "tabulation/effect_combinations.h"
 
 namespace tavo {
 
@@ -37,6 +37,9 @@ class OrvFactorCounts {
   int fDependentColumn = -1;
   std::vector<std::vector<double>> fFactorCounts;
   std::vector<CountPair> fDependentCounts;
+  // What rounding took from the weighted counts.
+  std::vector<std::vector<double>> fFactorRests;
+  std::vector<double> fDependentRests;
 };
 
 class OrvFactorTables : public OrvFactorCounts {
@@ -44,8 +47,9 @@ class OrvFactorTables : public OrvFactorCounts {
   using OrvFactorCounts::OrvFactorCounts;
 
   /// `effectFactors`: for each model effect (the intercept first when there is one) the record columns of its factors.
-  /// `extractPositions`: for each factor its position in an extracted row. Rebuilds all tables.
-  void SetEffects(const std::vector<std::vector<int>>& effectFactors, const std::vector<int>& extractPositions);
+  /// `extractPositions`: for each factor its position in an extracted row. Rebuilds all tables. False, with nothing
+  /// changed, when an effect names a column that is no factor or a position is missing.
+  bool SetEffects(const std::vector<std::vector<int>>& effectFactors, const std::vector<int>& extractPositions);
   /// For each model effect the record columns of its covariates and their powers.
   void SetEffectCovariates(std::vector<std::vector<int>> covariates, std::vector<std::vector<int>> exponents);
   /// Record columns of the covariates whose means are wanted.
@@ -89,27 +93,37 @@ class OrvFactorTables : public OrvFactorCounts {
   double SampleSize() const { return fSampleSize; }  // all valid records
 
  private:
-  using EffectTable = OrvKeyTable<int>;
+  /// One covariate of an effect.
+  struct Term {
+    int column;
+    int power;
+  };
+  /// The product of an effect's covariates: its running weighted mean and sum of squares are that effect's centre and
+  /// scale until the transformation is computed.
+  struct Product {
+    std::size_t effect;
+    std::vector<Term> terms;
+  };
 
   bool CountCategories(const double* record, double weight);
-  void EnterCombinations();
-  void UpdateCovariateMeans(const double* record, double weight);
-  void UpdateEffectSpreads(const double* record, double weight, double weightBefore);
+  bool CountDependent(const double* record, double weight);
+  void UpdateCovariateMeans(const double* record, double share);
+  void UpdateEffectSpreads(const double* record, double share, double weightBefore);
+  void ReadLevels(const double* row);
   void ComputeTransformation(bool hasIntercept);
   bool IsLoneCovariateEffect(std::size_t effect) const;
+  int LocalFactor(int column) const;
 
-  std::vector<std::vector<int>> fEffectFactors;   // by model effect: local factor indices
-  std::vector<int> fEffectNumbers;                // by effect with factors: model effect
-  std::vector<OrvKey> fEffectKeys;                // working keys, by effect with factors
-  std::vector<EffectTable> fEffectTables;         // parameter numbers, by effect with factors
-  std::vector<std::vector<EffectTable::Node*>> fEffectNodes;  // sorted by AssignParameters
-  std::vector<int> fFactorValues;                 // 0-based levels of the current record
-  std::vector<int> fParameterNumbers;             // of effects without factors, by model effect
-  std::vector<int> fParameterCounts;              // by effect with factors
-  std::vector<int> fParameterOffsets;             // by model effect
-  std::vector<int> fExtractPositions;
+  std::vector<std::vector<int>> fEffectFactors;      // by model effect: local factor indices
+  std::vector<int> fEffectNumbers;                   // by effect with factors: model effect
+  std::vector<int> fLocalEffects;                    // by model effect: effect with factors, or -1
+  std::vector<OrvEffectCombinations> fCombinations;  // by effect with factors
+  std::vector<int> fFactorValues;                    // 0-based levels of the current record
+  std::vector<int> fParameterOffsets;                // by model effect
+  std::vector<int> fExtractPositions;                // by factor
   std::vector<std::vector<int>> fEffectCovariates;
   std::vector<std::vector<int>> fEffectExponents;
+  std::vector<Product> fProducts;
   std::vector<double> fCentres;
   std::vector<double> fScales;
   bool fbTransformationDone = false;
@@ -117,7 +131,9 @@ class OrvFactorTables : public OrvFactorCounts {
   std::vector<double> fCovariateMeans;
   bool fbMeansDone = false;
   double fTotalWeight = 0;
+  double fTotalWeightRest = 0;
   double fComplementWeight = 0;
+  double fComplementWeightRest = 0;
   double fSampleSize = 0;
 };
 

@@ -1,8 +1,9 @@
 // Integer keys and the hash table that they open.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <deque>
 #include <utility>
 #include <vector>
 
@@ -50,8 +51,11 @@ class OrvKeyTable {
   OrvKeyTable() : fBuckets(kInitialBuckets, nullptr) {}
   OrvKeyTable(OrvKeyTable&&) noexcept = default;
   OrvKeyTable& operator=(OrvKeyTable&&) noexcept = default;
+  OrvKeyTable(const OrvKeyTable&) = delete;
+  OrvKeyTable& operator=(const OrvKeyTable&) = delete;
 
   int Size() const { return static_cast<int>(fNodes.size()); }
+  int BucketCount() const { return static_cast<int>(fBuckets.size()); }
   /// The node of a key whose hash is up to date, or null.
   Node* Find(const OrvKey& key) const {
     for (Node* node = fBuckets[BucketOf(key)]; node != nullptr; node = node->next) {
@@ -63,30 +67,32 @@ class OrvKeyTable {
   Node* Insert(const OrvKey& key) {
     if (Find(key) != nullptr) return nullptr;
     if (Size() + 1 > fThreshold) Grow();
-    fNodes.push_back(std::make_unique<Node>(Node{key, Payload{}, nullptr}));
-    Link(fNodes.back().get());
-    return fNodes.back().get();
+    Node& node = fNodes.emplace_back(Node{key, Payload{}, nullptr});
+    Link(node);
+    return &node;
   }
   /// All nodes in order of insertion.
-  const std::vector<std::unique_ptr<Node>>& Nodes() const { return fNodes; }
+  std::deque<Node>& Nodes() { return fNodes; }
+  const std::deque<Node>& Nodes() const { return fNodes; }
 
  private:
   static constexpr std::size_t kInitialBuckets = 89;
 
+  // The hash is unsigned, so one that wrapped around is as good as any.
   std::size_t BucketOf(const OrvKey& key) const { return key.Hash() % fBuckets.size(); }
-  void Link(Node* node) {
-    Node*& head = fBuckets[BucketOf(node->key)];
-    node->next = head;
-    head = node;
+  void Link(Node& node) {
+    Node*& head = fBuckets[BucketOf(node.key)];
+    node.next = head;
+    head = &node;
   }
   void Grow() {
     fBuckets.assign(2 * fBuckets.size() + 1, nullptr);
     fThreshold = static_cast<int>(static_cast<double>(fBuckets.size()) * 0.75);
-    for (const auto& node : fNodes) Link(node.get());
+    for (Node& node : fNodes) Link(node);
   }
 
   std::vector<Node*> fBuckets;
-  std::vector<std::unique_ptr<Node>> fNodes;
+  std::deque<Node> fNodes;  // growing it moves no node
   int fThreshold = 66;
 };
 

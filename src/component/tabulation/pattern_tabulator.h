@@ -1,6 +1,7 @@
 // The first two passes over the records, and the evaluation of the likelihood over what the second one leaves.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -40,7 +41,8 @@ class TavoPatternTabulator {
   /// Hands every row to the model's AddPatternToXPrimeX.
   OrvStatus ReplayPatterns(TavoModel& model);
 
-  /// Cuts the rows into min(rows, count) slices, at least one, and prepares as many workers.
+  /// Cuts the rows into min(rows, count) slices, at least one, and prepares as many workers. One slice without a thread
+  /// service, or when it has no threads to give.
   void SetThreads(int count);
   int SliceCount() const { return fNSlices; }
   /// Rows of each slice, for tests: the first rows % slices take one row more.
@@ -55,56 +57,77 @@ class TavoPatternTabulator {
   /// One evaluation over all rows into the attached accumulator. Sums are merged in slice order, so they are the same
   /// in each run with the same number of slices.
   OrvStatus EvaluateRows(bool likelihoodOnly);
-  /// The part of one slice; called by the workers.
+  /// The part of one slice; called by the workers. Doesn't throw.
   OrvStatus EvaluateSlice(int slice) const;
 
-  int PatternCount() const { return static_cast<int>(fPatternTable.Nodes().size()); }
-  int RowCount() const { return fNRows; }
-  int RowLength() const { return fRowLength; }
+  int PatternCount() const { return fPatternTable.Size(); }
+  int RowCount() const { return static_cast<int>(fNRows); }
+  int RowLength() const { return static_cast<int>(fRowLength); }
   /// The rows of a vector of positions (one per effect with factors), or null.
   const TavoRowPatterns* RowsOfPattern(const std::vector<int>& positions) const;
 
  private:
   using PatternTable = OrvKeyTable<TavoRowPatterns>;
-  struct SliceEnd {
-    int pattern = 0;  // index of the slice's last pattern
-    int row = 0;      // rows of that pattern that lie before the slice's end
+  using Pattern = PatternTable::Node;
+  /// A place between two rows.
+  struct RowPlace {
+    std::size_t pattern = 0;
+    std::size_t row = 0;  // rows of that pattern that lie before the place
+  };
+  /// Work vectors of a walk over patterns; one set per walk, reused for all patterns and rows.
+  struct PatternWalk {
+    std::vector<int> positions;
+    std::vector<int> parameters;  // by model effect
+    std::vector<int> indices;     // of the sparse design row
+    std::vector<double> values;
   };
 
-  OrvStatus ForEachValidRecord(MCCommon::RecordIterator& iterator, auto&& visit);
+  bool TakeLayout(OrvFactorTables& tables, const TavoModel& model);
   OrvStatus ExtractRecord(const double* record, OrvFactorTables& tables);
   bool IsInSubpopulation(const double* record) const;
-  void ParametersOfPattern(const OrvKey& key, std::vector<int>& units, std::vector<int>& positions,
-                           std::vector<int>& parameters) const;
+  Pattern& PatternAt(const std::vector<int>& positions);
+  Pattern& EnterPattern();
+  std::size_t RowsOf(const Pattern& pattern) const;
+  void ParametersOfPattern(const Pattern& pattern, PatternWalk& walk) const;
+  RowPlace PlaceOfRow(std::size_t row) const;
+  bool PrepareWorkers();
+  void RunWorkers();
+  OrvStatus MergeSlices();
+  OrvStatus EvaluateRange(int slice, TavoAccumStats& accumulator) const;
+  OrvStatus EvaluatePattern(const Pattern& pattern, std::size_t first, std::size_t last, PatternWalk& walk,
+                            TavoAccumStats& accumulator) const;
 
   const TavoCompSettings& fSettings;
   const OrvRecordExtractor& fRowExtractor;
   const OrvRecordExtractor& fDataExtractor;
   const OrvCancelInfo& fCancel;
   OrvRecordValidator fValidator;
-  int fRowLength;
+  std::size_t fRowLength;
   OrvPackedInt fPacker;
-  std::vector<int> fFactorEffects;      // model effect numbers of the effects with factors
-  std::vector<int> fParameterOffsets;   // by model effect
-  std::vector<int> fLocalDependent;     // by category code - 1
+  std::vector<int> fFactorEffects;     // model effect numbers of the effects with factors
+  std::vector<int> fParameterOffsets;  // by model effect
+  std::vector<int> fLocalDependent;    // by category code - 1
   PatternTable fPatternTable;
-  OrvKey fKey;                          // working key
-  std::vector<int> fPositions;          // working positions
-  std::vector<int> fUnits;              // working packed units
-  std::vector<double> fDataRow;         // working extracted row
-  int fNRows = 0;
-  int fNValid = 0;
+  std::vector<Pattern*> fPatterns;        // in order of first appearance
+  std::vector<Pattern*> fDirectPatterns;  // by packed key, when that is one small number
+  OrvKey fKey;                            // working key
+  Pattern* fpLastPattern = nullptr;       // of the previous record
+  std::vector<int> fPositions;            // working positions
+  std::vector<int> fUnits;                // working packed units
+  std::vector<double> fDataRow;           // working extracted row
+  std::size_t fNRows = 0;
   bool fbPatternsCreated = false;
   int fNSlices = 1;
-  std::vector<SliceEnd> fSliceEnds;
+  std::vector<RowPlace> fSliceEnds;
   TavoAccumStats* fpAccumulator = nullptr;
   const TavoModel* fpModel = nullptr;
   std::vector<std::unique_ptr<TavoAccumStats>> fClones;
   bool fbLikelihoodOnly = false;
-  std::unique_ptr<host::TaskCompletion> fpCompletion;
-  std::unique_ptr<host::TaskThreadPool> fpPool;
-  std::vector<std::unique_ptr<TavoCallBackCompStats>> fCallBacks;
+  // The pool comes last, so that it is destroyed first: no task of it outlives what the task refers to.
   std::vector<OrvStatus> fSliceStatuses;
+  std::unique_ptr<host::TaskCompletion> fpCompletion;
+  std::vector<std::unique_ptr<TavoCallBackCompStats>> fCallBacks;
+  std::unique_ptr<host::TaskThreadPool> fpPool;
 };
 
 }  // namespace tavo

@@ -1,0 +1,293 @@
+#include "tabulation/factor_tables.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include "estimation/numerics/machine_constants.h"
+#include "estimation/numerics/missing_value.h"
+#include "tabulation/compensated_sum.h"
+
+namespace tavo {
+
+using MCCommonMath::MCMV;
+using MCCommonMath::MCPower;
+
+namespace {
+
+/// The 0-based level of a category code, -1 when it isn't one of `count` codes. Compared as doubles, since a
+/// missing value has no integer.
+int LevelOf(double value, int count) {
+  return value >= 0.5 && value < static_cast<double>(count) + 0.5 ? static_cast<int>(value + 0.5) - 1 : -1;
+}
+
+/// The running mean after a value with `share` of the weight so far. A mean that cancelled to rounding noise
+/// becomes exactly 0.
+double UpdatedMean(double mean, double deviation, double share) {
+  const double updated = mean + deviation * share;
+  return 2.0 * std::abs(mean) * MCPower::gMachineEpsilon > std::abs(updated) ? 0.0 : updated;
+}
+
+}  // namespace
+
+// ---- counts ----
+
+OrvFactorCounts::OrvFactorCounts(std::vector<int> factorColumns, std::vector<int> categoryCounts,
+                                 int weightColumn, int dependentColumn, int dependentCategories)
+    : fFactorColumns(std::move(factorColumns)),
+      fCategoryCounts(std::move(categoryCounts)),
+      fWeightColumn(weightColumn),
+      fDependentColumn(dependentColumn) {
+  fCategoryCounts.resize(fFactorColumns.size(), 0);
+  for (const int count : fCategoryCounts)
+    fFactorCounts.emplace_back(static_cast<std::size_t>(std::max(count, 0)), 0.0);
+  fFactorRests = fFactorCounts;
+  if (fDependentColumn < 0) return;
+  fDependentCounts.resize(static_cast<std::size_t>(std::max(dependentCategories, 0)));
+  fDependentRests.resize(fDependentCounts.size(), 0.0);
+}
+
+int OrvFactorCounts::CategoriesInUse(int factor) const {
+  if (factor < 0 || factor >= FactorCount()) return -1;
+  const std::vector<double>& counts = FactorCounts(factor);
+  return static_cast<int>(
+      std::count_if(counts.begin(), counts.end(), [](double count) { return count > 0; }));
+}
+
+bool OrvFactorTables::CountCategories(const double* record, double weight) {
+  bool allInRange = true;
+  for (std::size_t f = 0; f < fFactorColumns.size(); ++f) {
+    const int level = LevelOf(record[fFactorColumns[f]], fCategoryCounts[f]);
+    if (level < 0) {
+      allInRange = false;
+      continue;
+    }
+    const auto cell = static_cast<std::size_t>(level);
+    AddCompensated(fFactorCounts[f][cell], fFactorRests[f][cell], weight);
+    fFactorValues[f] = level;
+  }
+  return allInRange;
+}
+
+bool OrvFactorTables::CountDependent(const double* record, double weight) {
+  if (fDependentColumn < 0) return true;
+  const int level = LevelOf(record[fDependentColumn], static_cast<int>(fDependentCounts.size()));
+  if (level < 0) return false;
+  const auto cell = static_cast<std::size_t>(level);
+  AddCompensated(fDependentCounts[cell].first, fDependentRests[cell], weight);
+  fDependentCounts[cell].second += 1;
+  return true;
+}
+
+// ---- set-up ----
+
+int OrvFactorTables::LocalFactor(int column) const {
+  const auto found = std::find(fFactorColumns.begin(), fFactorColumns.end(), column);
+  return found == fFactorColumns.end() ? -1 : static_cast<int>(found - fFactorColumns.begin());
+}
+
+bool OrvFactorTables::SetEffects(const std::vector<std::vector<int>>& effectFactors,
+                                 const std::vector<int>& extractPositions) {
+  if (extractPositions.size() < fFactorColumns.size()) return false;
+  std::vector<std::vector<int>> local(effectFactors.size());
+  for (std::size_t e = 0; e < effectFactors.size(); ++e) {
+    for (const int column : effectFactors[e])
+      local[e].push_back(LocalFactor(column));
+    if (std::find(local[e].begin(), local[e].end(), -1) != local[e].end()) return false;
+  }
+  fEffectFactors = std::move(local);
+  fExtractPositions = extractPositions;
+  fFactorValues.assign(fFactorColumns.size(), -1);
+  fParameterOffsets.assign(fEffectFactors.size(), 0);
+  fLocalEffects.assign(fEffectFactors.size(), -1);
+  fEffectNumbers.clear();
+  fCombinations.clear();
+  for (std::size_t e = 0; e < fEffectFactors.size(); ++e) {
+    if (fEffectFactors[e].empty()) continue;
+    fLocalEffects[e] = static_cast<int>(fCombinations.size());
+    fEffectNumbers.push_back(static_cast<int>(e));
+    fCombinations.emplace_back(fEffectFactors[e], fCategoryCounts);
+  }
+  return true;
+}
+
+void OrvFactorTables::SetEffectCovariates(std::vector<std::vector<int>> covariates,
+                                          std::vector<std::vector<int>> exponents) {
+  fEffectCovariates = std::move(covariates);
+  fEffectExponents = std::move(exponents);
+  fEffectExponents.resize(fEffectCovariates.size());
+  fCentres.assign(fEffectCovariates.size(), 0.0);
+  fScales.assign(fEffectCovariates.size(), 0.0);
+  fbTransformationDone = false;
+  fProducts.clear();
+  for (std::size_t e = 0; e < fEffectCovariates.size(); ++e) {
+    if (fEffectCovariates[e].empty()) continue;
+    Product& product = fProducts.emplace_back(Product{e, {}});
+    fEffectExponents[e].resize(fEffectCovariates[e].size(), 1);
+    for (std::size_t c = 0; c < fEffectCovariates[e].size(); ++c) {
+      product.terms.push_back({fEffectCovariates[e][c], fEffectExponents[e][c]});
+    }
+  }
+}
+
+void OrvFactorTables::SetCovariates(std::vector<int> columns) {
+  fCovariates = std::move(columns);
+  fCovariateMeans.assign(fCovariates.size(), 0.0);
+  fbMeansDone = false;
+}
+
+// ---- the first pass ----
+
+bool OrvFactorTables::Update(const double* record) {
+  const double weight = record[fWeightColumn];
+  if (!CountCategories(record, weight) || !CountDependent(record, weight)) return false;
+  for (OrvEffectCombinations& combinations : fCombinations)
+    combinations.Enter(fFactorValues);
+
+  const double weightBefore = fTotalWeight;
+  AddCompensated(fTotalWeight, fTotalWeightRest, weight);
+  fSampleSize += 1;
+  if (!(fTotalWeight > 0)) return true;
+  const double share = weight / fTotalWeight;
+  UpdateCovariateMeans(record, share);
+  UpdateEffectSpreads(record, share, weightBefore);
+  return true;
+}
+
+void OrvFactorTables::AddComplement(double weight) {
+  AddCompensated(fComplementWeight, fComplementWeightRest, weight);
+  fSampleSize += 1;
+}
+
+void OrvFactorTables::UpdateCovariateMeans(const double* record, double share) {
+  for (std::size_t c = 0; c < fCovariates.size(); ++c) {
+    const double mean = fCovariateMeans[c];
+    fCovariateMeans[c] = UpdatedMean(mean, record[fCovariates[c]] - mean, share);
+  }
+}
+
+void OrvFactorTables::UpdateEffectSpreads(const double* record, double share, double weightBefore) {
+  for (const Product& product : fProducts) {
+    double value = 1.0;
+    for (const Term& term : product.terms) {
+      for (int power = 0; power < term.power; ++power)
+        value *= record[term.column];
+    }
+    const double deviation = value - fCentres[product.effect];
+    fCentres[product.effect] = UpdatedMean(fCentres[product.effect], deviation, share);
+    fScales[product.effect] += deviation * deviation * share * weightBefore;
+  }
+}
+
+// ---- parameters ----
+
+int OrvFactorTables::AssignParameters() {
+  int next = 0;
+  for (std::size_t e = 0; e < fEffectFactors.size(); ++e) {
+    fParameterOffsets[e] = next;
+    const int local = fLocalEffects[e];
+    next += local < 0 ? 1 : fCombinations[static_cast<std::size_t>(local)].AssignNumbers();
+  }
+  return next;
+}
+
+int OrvFactorTables::ParameterCount(int effect) const {
+  if (effect < 0 || effect >= EffectCount()) return 0;
+  const int local = fLocalEffects[static_cast<std::size_t>(effect)];
+  return local < 0 ? 1 : fCombinations[static_cast<std::size_t>(local)].Count();
+}
+
+void OrvFactorTables::ReadLevels(const double* row) {
+  for (std::size_t f = 0; f < fFactorValues.size(); ++f) {
+    fFactorValues[f] = LevelOf(row[fExtractPositions[f]], fCategoryCounts[f]);
+  }
+}
+
+bool OrvFactorTables::ParameterIndices(const double* row, std::vector<int>& indices) {
+  indices.resize(fEffectFactors.size());
+  ReadLevels(row);
+  bool allKnown = true;
+  for (std::size_t e = 0; e < fEffectFactors.size(); ++e) {
+    const int local = fLocalEffects[e];
+    const int position =
+        local < 0 ? 0 : fCombinations[static_cast<std::size_t>(local)].NumberOf(fFactorValues);
+    allKnown = allKnown && position >= 0;
+    indices[e] = position < 0 ? -1 : fParameterOffsets[e] + position;
+  }
+  return allKnown;
+}
+
+bool OrvFactorTables::LocalParameterIndices(const double* row, std::vector<int>& positions) {
+  positions.resize(fCombinations.size());
+  ReadLevels(row);
+  bool allKnown = true;
+  for (std::size_t local = 0; local < fCombinations.size(); ++local) {
+    positions[local] = fCombinations[local].NumberOf(fFactorValues);
+    allKnown = allKnown && positions[local] >= 0;
+  }
+  return allKnown;
+}
+
+bool OrvFactorTables::EffectLevels(std::vector<int>& levels, int effect, int parameter) const {
+  levels.clear();
+  if (parameter < 0 || parameter >= ParameterCount(effect)) return false;
+  const int local = fLocalEffects[static_cast<std::size_t>(effect)];
+  if (local >= 0) fCombinations[static_cast<std::size_t>(local)].LevelsOf(parameter, levels);
+  return true;
+}
+
+// ---- the transformation ----
+
+bool OrvFactorTables::IsLoneCovariateEffect(std::size_t effect) const {
+  const bool hasFactors = effect < fEffectFactors.size() && !fEffectFactors[effect].empty();
+  if (hasFactors || fEffectCovariates[effect].empty()) return false;
+  for (std::size_t other = 0; other < fEffectCovariates.size(); ++other) {
+    if (other != effect && fEffectCovariates[other] == fEffectCovariates[effect] &&
+        fEffectExponents[other] == fEffectExponents[effect]) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// Centring is undone by the intercept, so a column may be centred only where an intercept stands beside it
+// and no other column would have to move with it. What isn't centred is scaled by its root mean square about
+// 0.
+void OrvFactorTables::ComputeTransformation(bool hasIntercept) {
+  if (fbTransformationDone) return;
+  fbTransformationDone = true;
+  if (!(fTotalWeight > 0)) {
+    std::fill(fCentres.begin(), fCentres.end(), 0.0);
+    std::fill(fScales.begin(), fScales.end(), 1.0);
+    return;
+  }
+  for (std::size_t e = 0; e < fCentres.size(); ++e) {
+    if (fEffectCovariates[e].empty()) fScales[e] = 1.0;
+    if (fEffectCovariates[e].empty() && hasIntercept) continue;
+    if (hasIntercept && IsLoneCovariateEffect(e)) {
+      fScales[e] = std::sqrt(fScales[e] / fTotalWeight);
+    } else {
+      fScales[e] = std::sqrt(fCentres[e] * fCentres[e] + fScales[e] / fTotalWeight);
+      fCentres[e] = 0.0;
+    }
+  }
+}
+
+const std::vector<double>& OrvFactorTables::Centres(bool hasIntercept) {
+  ComputeTransformation(hasIntercept);
+  return fCentres;
+}
+
+const std::vector<double>& OrvFactorTables::Scales(bool hasIntercept) {
+  ComputeTransformation(hasIntercept);
+  return fScales;
+}
+
+const std::vector<double>& OrvFactorTables::CovariateMeans() {
+  if (!fbMeansDone && !(fTotalWeight > 0))
+    std::fill(fCovariateMeans.begin(), fCovariateMeans.end(), MCMV::gMissingValue);
+  fbMeansDone = true;
+  return fCovariateMeans;
+}
+
+}  // namespace tavo
