@@ -84,6 +84,7 @@ void TavoOptimizer::BeginFit() {
   fReportCountdown = fReportPeriod;
   fStep.assign(fvBeta.size(), 0.0);
   fPrevious = fvBeta;
+  SetPivotUnits();
   const bool startsWithFisher = fMethod == EstimationMethod::kHybrid && fNFisherIterations > 0;
   fCurrentMethod = startsWithFisher ? EstimationMethod::kFisherScoring : fMethod;
 }
@@ -168,11 +169,47 @@ void TavoOptimizer::EvaluateAll(EstimationMethod method, bool separationCheck) {
 void TavoOptimizer::FactorInformation() {
   if (fStatus.IsError() || fNParameters == 0) return;
   if (fAccumulator.GetHessian(fHessian) == fNParameters) {
+    std::vector<double> diagonal;
+    if (!fPivotUnits.empty()) fHessian.GetDiagonal(diagonal);
     fNSingularPivots = fHessian.LTChol(fSettings.Tolerance(), fMeasure, false);
-    if (fHessian.IsValidMatrix()) return;
+    if (fHessian.IsValidMatrix()) {
+      if (!fPivotUnits.empty()) fMeasure = MeasureInUnits(diagonal);
+      return;
+    }
   }
   fStatus = OrvStatus::Error(StatusCode::kTooManyParameters);
   fStatus.SetInteger(0, fNParameters);
+}
+
+// Without an intercept a column without covariates holds the root of the total weight where it would hold 1,
+// and its information is larger by the total weight. The distance from singularity compares pivots of such
+// columns with those of covariates, so it needs them in the units of a column of 1.
+void TavoOptimizer::SetPivotUnits() {
+  fPivotUnits.clear();
+  if (fModel.HasIntercept()) return;
+  for (int logit = 0; logit < fModel.EquationCount(); ++logit) {
+    std::size_t kept = 0;
+    for (int k = 0; k < fModel.BasicParameterCount(); ++k) {
+      if (!fModel.BasicBits().IsIn(k)) continue;
+      const double scale = fModel.NonRedundantScales()[kept++];
+      const bool isIndicator = fModel.BasicParameters()[static_cast<std::size_t>(k)].covariates.empty();
+      fPivotUnits.push_back(isIndicator ? 1 / (scale * scale) : 1.0);
+    }
+  }
+}
+
+// What the factorisation's own measure would be with the columns in their units: the root of the smallest
+// reduced pivot over the largest element of the information's diagonal.
+double TavoOptimizer::MeasureInUnits(const std::vector<double>& diagonal) const {
+  if (fNSingularPivots > 0) return 0;
+  double smallest = std::numeric_limits<double>::max();
+  double largest = 0;
+  for (std::size_t i = 0; i < fPivotUnits.size(); ++i) {
+    const double root = fHessian.GetElem(static_cast<int>(i), static_cast<int>(i));
+    smallest = std::min(smallest, root * root / fPivotUnits[i]);
+    largest = std::max(largest, diagonal[i] / fPivotUnits[i]);
+  }
+  return std::sqrt(smallest / largest);
 }
 
 // A positive sum is rounding: no likelihood is above 1. Written so that NaN stays NaN.

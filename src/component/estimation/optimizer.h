@@ -87,6 +87,8 @@ class TavoOptimizer {
   void EvaluateAll(EstimationMethod method, bool separationCheck);
   StepResult TakeStep();
   void FactorInformation();
+  void SetPivotUnits();
+  double MeasureInUnits(const std::vector<double>& diagonal) const;
   bool HasNothingToIterate() const;
   bool ChecksSeparation() const;
   TerminationState CheckConvergence(double logLikelihoodBefore, bool separationCheck);
@@ -111,6 +113,7 @@ class TavoOptimizer {
   MCCommonMath::MCSymMatrix fHessian;  // the information, then its factor, at last its inverse
   int fNSingularPivots = 0;            // of the last factorisation
   double fMeasure = 0;                 // its distance from singularity
+  std::vector<double> fPivotUnits;     // by parameter, see SetPivotUnits; empty in a model with an intercept
   TerminationState fState = TerminationState::kNoIterations;
   EstimationMethod fCurrentMethod = EstimationMethod::kFisherScoring;
   std::vector<double> fStep;      // direction: inverse information times score
