@@ -69,8 +69,8 @@ TEST_P(Reference, TwoThreadsPrintWhatOnePrints) {
   EXPECT_EQ(one, tables("2"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, Reference, testing::ValuesIn(Cases()), [](const auto& info) {
-  return "Case" + info.param;
+INSTANTIATE_TEST_SUITE_P(Cases, Reference, testing::ValuesIn(Cases()), [](const auto& each) {
+  return "Case" + each.param;
 });
 
 }  // namespace
