@@ -2,7 +2,10 @@
 
 #include <CLI/CLI.hpp>
 
-#include <map>
+#include <iostream>
+#include <vector>
+
+#include "command/suggestion.h"
 
 namespace standalone {
 
@@ -67,6 +70,20 @@ int CheckRun(RunArguments& run, const std::string& format) {
                 " names no format (.txt, .md, .html, .json): give it one, or use --format");
 }
 
+/// The first word of the line when it names no subcommand of the program.
+std::optional<std::string> UnknownSubcommand(const CLI::App& app, int argc, char** argv) {
+  if (argc < 2 || argv[1][0] == '-') return std::nullopt;
+  const std::string word = argv[1];
+  std::vector<std::string> names;
+  for (const CLI::App* subcommand : app.get_subcommands([](const CLI::App*) { return true; })) {
+    if (subcommand->get_name() == word) return std::nullopt;
+    names.push_back(subcommand->get_name());
+  }
+  const std::string nearest = NearestWord(word, names);
+  return "there is no subcommand " + word + (nearest.empty() ? "" : "; did you mean " + nearest + "?") +
+         "\nRun with --help for more information.";
+}
+
 }  // namespace
 
 Arguments ReadArguments(int argc, char** argv) {
@@ -82,6 +99,10 @@ Arguments ReadArguments(int argc, char** argv) {
   app.require_subcommand(1);
   const CLI::App* runCommand = AddRun(app, run, runFormat, isQuiet);
   const CLI::App* describeCommand = AddDescribe(app, describe, describeFormat);
+  if (const auto mistake = UnknownSubcommand(app, argc, argv)) {
+    arguments.status = Refuse(*mistake);
+    return arguments;
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& mistake) {

@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <ostream>
 
 #include "output/plain_text.h"
@@ -27,11 +28,11 @@ section + section { border-top: 1px solid var(--line); margin-top: 3rem; padding
 dl.notes { display: grid; grid-template-columns: max-content auto; gap: .1rem 1rem; margin: 1rem 0; }
 dl.notes dt { color: var(--soft); } dl.notes dd { margin: 0; }
 figure { margin: 2rem 0; overflow-x: auto; }
-table { border-collapse: collapse; font-variant-numeric: tabular-nums; }
-table caption { text-align: left; padding-bottom: .5rem; }
-table caption strong { display: block; font-size: 1.05rem; }
-table caption span { color: var(--soft); white-space: pre-line; }
-thead { border-top: 2px solid var(--strong); border-bottom: 1px solid var(--strong); }
+table { border-top: 2px solid var(--strong); border-collapse: collapse; font-variant-numeric: tabular-nums; }
+figcaption { padding-bottom: .5rem; }
+figcaption strong { display: block; font-size: 1.05rem; }
+figcaption span { color: var(--soft); white-space: pre-line; }
+thead { border-bottom: 1px solid var(--strong); }
 tbody { border-bottom: 2px solid var(--strong); }
 th { font-weight: 600; text-align: left; vertical-align: top; padding: .3rem .7rem; }
 thead th { vertical-align: bottom; text-align: right; max-width: 9rem; }
@@ -39,8 +40,10 @@ thead th.group { text-align: center; max-width: none; border-bottom: 1px solid v
 thead th.stub { text-align: left; max-width: none; }
 tbody th { font-weight: 400; border-right: 1px solid var(--line); }
 tbody th[scope=rowgroup] { font-weight: 600; }
-td { text-align: right; padding: .3rem .7rem; white-space: nowrap; }
+td { position: relative; text-align: right; padding: .3rem .7rem; white-space: nowrap; }
 td.text { white-space: normal; }
+td[data-pad]::after { content: attr(data-pad); visibility: hidden; }
+td sup { position: absolute; margin-top: .6em; }
 tbody tr:nth-child(even) td { background: var(--band); }
 tbody tr + tr th[scope=rowgroup]:first-child, tbody tr.outer td, tbody tr.outer th { border-top: 1px solid var(--line); }
 sup { font-size: .7em; line-height: 0; margin-left: .15em; color: var(--soft); }
@@ -87,6 +90,10 @@ std::string Span(const char* name, std::size_t span) {
 void WriteHead(std::ostream& out, const TableLayout& layout) {
   const AxisLayout& columns = layout.Columns();
   const std::size_t height = std::max<std::size_t>(columns.levels, 1);
+  const bool hasLabels =
+      columns.levels > 0 || std::any_of(layout.Stub().begin(), layout.Stub().end(),
+                                        [](const HeaderCell& cell) { return !cell.text.empty(); });
+  if (!hasLabels) return;
   out << "<thead>\n";
   for (std::size_t level = 0; level < height; ++level) {
     out << "<tr>";
@@ -109,8 +116,41 @@ void WriteHead(std::ostream& out, const TableLayout& layout) {
   out << "</thead>\n";
 }
 
+/// What stands from the decimal point on, by which a column is aligned.
+std::string_view Fraction(std::string_view number) {
+  return number.substr(std::min(number.find_first_of(".%e"), number.size()));
+}
+
+/// The longest fraction of each column. Numbers with a shorter one are padded by the rest of it, which
+/// doesn't show.
+std::vector<std::string> LongestFractions(const TableLayout& layout) {
+  std::vector<std::string> longest(layout.Columns().lines.size());
+  for (std::size_t c = 0; c < longest.size(); ++c) {
+    for (std::size_t r = 0; r < layout.Rows().lines.size(); ++r) {
+      const LayoutCell cell = layout.At(r, c);
+      if (!cell.isNumber) continue;
+      if (const std::string_view part = Fraction(cell.text); part.size() > longest[c].size())
+        longest[c] = part;
+    }
+  }
+  return longest;
+}
+
+void WriteCell(std::ostream& out, const LayoutCell& cell, const std::string& longest) {
+  const std::string text = WithMarks(cell.text, cell.marks);
+  const std::size_t fraction = Fraction(cell.text).size();
+  if (!cell.isNumber && !cell.text.empty()) {
+    out << "<td class=\"text\">" << text << "</td>";
+  } else if (cell.isNumber && !cell.text.empty() && fraction < longest.size()) {
+    out << "<td data-pad=\"" << longest.substr(fraction) << "\">" << text << "</td>";
+  } else {
+    out << "<td>" << text << "</td>";
+  }
+}
+
 void WriteBody(std::ostream& out, const TableLayout& layout) {
   const AxisLayout& rows = layout.Rows();
+  const std::vector<std::string> longest = LongestFractions(layout);
   out << "<tbody>\n";
   std::size_t next = 0;
   for (std::size_t r = 0; r < rows.lines.size(); ++r) {
@@ -122,22 +162,21 @@ void WriteBody(std::ostream& out, const TableLayout& layout) {
       out << (cell.isLeaf ? "<th scope=\"row\"" : "<th scope=\"rowgroup\"") << Span("rowspan", cell.span)
           << Span("colspan", cell.levelSpan) << '>' << WithMarks(cell.text, cell.marks) << "</th>";
     }
-    for (std::size_t c = 0; c < layout.Columns().lines.size(); ++c) {
-      const LayoutCell cell = layout.At(r, c);
-      out << (cell.isNumber || cell.text.empty() ? "<td>" : "<td class=\"text\">")
-          << WithMarks(cell.text, cell.marks) << "</td>";
-    }
+    for (std::size_t c = 0; c < longest.size(); ++c)
+      WriteCell(out, layout.At(r, c), longest[c]);
     out << "</tr>\n";
   }
   out << "</tbody>\n";
 }
 
-void WriteTable(std::ostream& out, const PivotTable& table) {
+/// `number` counts the tables of the page.
+void WriteTable(std::ostream& out, const PivotTable& table, std::size_t number) {
   const TableLayout layout(table);
-  out << "<figure id=\"" << Escaped(table.id) << "\">\n<table>\n<caption><strong>"
+  out << "<figure id=\"table-" << number << "\" data-table=\"" << Escaped(table.id)
+      << "\">\n<figcaption id=\"title-" << number << "\"><strong>"
       << WithMarks(table.title, layout.TitleMarks()) << "</strong>";
   if (!table.caption.empty()) out << "<span>" << Escaped(table.caption) << "</span>";
-  out << "</caption>\n";
+  out << "</figcaption>\n<table aria-labelledby=\"title-" << number << "\">\n";
   if (!layout.Empty()) {
     WriteHead(out, layout);
     WriteBody(out, layout);
@@ -173,7 +212,7 @@ void WriteNotes(std::ostream& out, const std::vector<CommandNote>& notes) {
   out << "</dl>\n";
 }
 
-void WriteCommand(std::ostream& out, const CommandOutput& command) {
+void WriteCommand(std::ostream& out, const CommandOutput& command, std::size_t& tableNumber) {
   out << "<section>\n<header><h1>" << Escaped(command.name) << "</h1><p>"
       << fmt::format("{:.2f} s", command.seconds) << (command.failed ? ", ended with an error" : "")
       << "</p></header>\n";
@@ -185,7 +224,7 @@ void WriteCommand(std::ostream& out, const CommandOutput& command) {
       out << "<h2>" << Escaped(table->heading.back()) << "</h2>\n";
     }
     last = table->heading;
-    WriteTable(out, *table);
+    WriteTable(out, *table, ++tableNumber);
   }
   out << "</section>\n";
 }
@@ -199,8 +238,9 @@ void RenderHtml(std::ostream& out, const Document& document) {
       << "\">\n<title>tavoreg</title>\n"
       << "<style>" << kStyle << "</style>\n</head>\n<body>\n";
   WriteMessages(out, document.messages);
+  std::size_t tableNumber = 0;
   for (const CommandOutput& command : document.commands)
-    WriteCommand(out, command);
+    WriteCommand(out, command, tableNumber);
   out << "</body>\n</html>\n";
 }
 

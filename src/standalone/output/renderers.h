@@ -19,9 +19,9 @@ std::optional<OutputFormat> FormatOfFile(std::string_view path);
 
 /// Tables with aligned columns. One that is wider than `width` columns is split into blocks of columns that
 /// repeat the row labels.
-void RenderText(std::ostream& out, const Document& document, std::size_t width = 110);
+void RenderText(std::ostream& out, const Document& document, std::size_t width = 120);
 /// One table, as RenderText prints it.
-void RenderTextTable(std::ostream& out, const PivotTable& table, std::size_t width = 110);
+void RenderTextTable(std::ostream& out, const PivotTable& table, std::size_t width = 120);
 void RenderMarkdown(std::ostream& out, const Document& document);
 /// One page that needs no other file.
 void RenderHtml(std::ostream& out, const Document& document);

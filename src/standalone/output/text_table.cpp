@@ -214,14 +214,14 @@ class TextTable {
     const std::size_t stubGap = fStubWidth > 0 ? kGap : 0;
     const std::string rule = Rule(fStubWidth + stubGap + SpanWidth(first, count));
     fOut << rule << '\n';
-    WriteHeader(first, count);
-    fOut << rule << '\n';
+    if (WriteHeader(first, count)) fOut << rule << '\n';
     for (std::size_t r = 0; r < fLayout.Rows().lines.size(); ++r)
       WriteRow(r, first, count);
     fOut << rule << '\n';
   }
 
-  void WriteHeader(std::size_t first, std::size_t count) {
+  /// False when there is nothing above the cells.
+  bool WriteHeader(std::size_t first, std::size_t count) {
     const AxisLayout block = fLayout.ColumnBlock(first, count);
     std::vector<std::string> lines;
     for (std::size_t level = 0; level < block.levels; ++level) {
@@ -232,6 +232,7 @@ class TextTable {
       if (!groups.empty()) AppendGroupLines(lines, groups, first);
     }
     AppendLeafLines(lines, block, first);
+    if (lines.empty() && fStubHead.size() == 1 && fStubHead.front().empty()) return false;
     while (lines.size() < fStubHead.size())
       lines.insert(lines.begin(), std::string());
     const std::size_t before = lines.size() - fStubHead.size();
@@ -239,6 +240,7 @@ class TextTable {
       const std::string stub = i >= before ? fStubHead[i - before] : std::string();
       WriteLine(PadRight(stub, fStubWidth), lines[i]);
     }
+    return true;
   }
 
   /// Where column `c` of the block that starts at `first` begins, counted from the end of the row labels.
