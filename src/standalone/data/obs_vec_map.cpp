@@ -104,9 +104,10 @@ ObsVecMap::Impl::Impl(KeySpec spec, int valueCellCount) : fKeySpec(std::move(spe
 std::uint64_t ObsVecMap::Impl::Tag(const OBS* key) const {
   if (fNKeyCells == 1) return CellBits(key, 0);
   std::uint64_t hash = fNKeyCells;
-  for (std::size_t i = 0; i < fNKeyCells; ++i)
-    hash = std::rotl(Mix(hash), 23) ^ CellBits(key, i);
-  return Mix(hash);
+  for (std::size_t i = 0; i < fNKeyCells; ++i) {
+    hash = (std::rotl(hash, 29) ^ CellBits(key, i)) * kOddFactor;
+  }
+  return hash;  // HomeSlot mixes it
 }
 
 bool ObsVecMap::Impl::KeyEquals(const OBS* key, const OBS* value) const {

@@ -158,7 +158,8 @@ bool SchemaParser::ReadName(const json& entry) {
   const auto name = entry.find("name");
   if (name == entry.end()) return Fail("an entry of \"fields\" has no \"name\"");
   if (!name->is_string()) return FailKind("name", "a string", *name);
-  if (*name == "") return Fail("the \"name\" of an entry of \"fields\" is empty");
+  if (name->get_ref<const std::string&>().empty())
+    return Fail("the \"name\" of an entry of \"fields\" is empty");
   fField.name = name->get<std::string>();
   return fNames.insert(fField.name).second ||
          Fail("the field stands in the schema twice; remove one of them");
