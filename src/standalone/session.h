@@ -21,6 +21,7 @@
 #include "data/table.h"
 #include "host/session.h"
 #include "output/document.h"
+#include "output/message_limit.h"
 #include "output/messages.h"
 
 namespace standalone {
@@ -59,7 +60,9 @@ class Session final : public host::HostSession {
   Document& Output() { return fDocument; }
   const Document& Output() const { return fDocument; }
 
-  /// Puts a message into the document and onto the message stream. An error sets the error flag.
+  /// Puts a message into the document and onto the message stream. An error sets the error flag. What a
+  /// command has said already is not said again, and of very many messages with one key the last are only
+  /// counted.
   void AddMessage(Message message);
   /// A message that doesn't belong to a place in a command and whose text is final.
   void AddTextMessage(bool isError, std::string key, std::string text);
@@ -90,6 +93,7 @@ class Session final : public host::HostSession {
   const CommandTokens* fpCommand = nullptr;
   const SourceText* fpSource = nullptr;
   CommandOutput* fpOutput = nullptr;
+  MessageLimit fLimit;
   std::chrono::steady_clock::time_point fStart;
   std::unique_ptr<host::TaskThreadService> fpThreads;
   std::unique_ptr<host::ProgressDisplay> fpProgress;

@@ -40,6 +40,10 @@ bool UsesUnequalProbabilities(const tavo::TavoValidSpecs& specs) {
 /// A status that has no message of its own must not end a run in silence.
 void ReportSilentEnd(const tavo::OrvStatus& status) {
   if (!status.IsError() || HostHasError() || status.Code() == tavo::StatusCode::kCancelled) return;
+  if (status.Code() == tavo::StatusCode::kNoRecords) {  // the component left out every case that was valid
+    BpError(Key("No case has a positive weight ..."), BpErrorLevel::kError);
+    return;
+  }
   host::BpComposite message("The analysis ended with status ^1: ^2");
   message.Add(host::BpNumber{static_cast<double>(status.Code()), host::BpProcedure::Count()});
   message.Add(host::Plain(std::string(tavo::StatusCodeText(status.Code()))));

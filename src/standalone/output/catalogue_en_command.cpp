@@ -101,16 +101,18 @@ constexpr std::array kEntries = {
     // Values of keywords.
     CatalogueEntry{
         "Parameter ^1 of subcommand ^2 cannot take value ^3...",
-        "^1 of subcommand ^2 cannot be ^3. See the help of the command for the words that it takes."},
+        "^1 of subcommand ^2 cannot be ^3. INCLUDE takes YES, NO or ONLY; SHOW takes YES or NO; CLASSMISSING "
+        "takes EXCLUDE or INCLUDE; TYPE takes F, ADJF, CHISQUARE or ADJCHISQUARE; PADJUST takes LSD, "
+        "BONFERRONI, SEQBONFERRONI, SIDAK or SEQSIDAK."},
     CatalogueEntry{
         "Parameter ^1 of subcommand ^2 does not have a valid integer value...",
-        "The value of ^1 in subcommand ^2 must be a whole number in its range. Iteration counts, the count "
-        "of "
-        "probabilities and the steps between printed iterations are at least 1; MXITER and CHKSEP may be 0."},
+        "The value of ^1 in subcommand ^2 must be a whole number: 0 or above for MXITER and CHKSEP, 1 or "
+        "above for the others. Correct the value."},
     CatalogueEntry{
         "Parameter ^1 of subcommand ^2 does not have a valid numerical value...",
         "The value of ^1 in subcommand ^2 is out of its range. CILEVEL is from 0 to below 100; DF and "
-        "SINGULAR are above 0; LCONVERGE and PCONVERGE are 0 or above."},
+        "SINGULAR are above 0; LCONVERGE and PCONVERGE are 0 or above. Correct "
+        "the value."},
     CatalogueEntry{"Square brackets required for parameter ^1 in subcommand ^2...",
                    "The value of ^1 in subcommand ^2 must stand in square brackets. Put it between them."},
     CatalogueEntry{"Invalid syntax in parameter ^2, symbol ^1, subcommand ^3 ...",

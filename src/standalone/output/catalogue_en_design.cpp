@@ -103,7 +103,8 @@ constexpr std::array kEntries = {
     CatalogueEntry{
         "Default joint probability file ^1 cannot be accessed...",
         "The plan samples with unequal probabilities without replacement, which needs joint inclusion "
-        "probabilities, but the file ^1 cannot be read. Name the file with subcommand JOINTPROB."},
+        "probabilities, but the file ^1 cannot be read. This version cannot analyse such a plan yet: treat "
+        "the first stage as sampled with replacement (estimationMethod=\"wr\") instead."},
     CatalogueEntry{"Plan variable name ^1 for parameter ^2 cannot be used for variable list ^3...",
                    "Variable ^1 serves the plan (^2), so it cannot stand in the variable list of ^3 as well. "
                    "Take it out "

@@ -27,9 +27,12 @@ constexpr std::array kEntries = {
         "There are no valid cases for selection ...",
         "The data have no variables, so there is nothing to analyse. Name a data file with --data."},
     CatalogueEntry{"There are no valid cases ...",
-                   "No case can be used: in each, a variable of the command or of the plan is missing. Check "
-                   "the missing "
-                   "values, or include user-missing categories with MISSING CLASSMISSING=INCLUDE."},
+                   "No case can be used: the data have no case in which all variables of the command and of "
+                   "the plan have a valid value. Check the missing values, or include user-missing "
+                   "categories with MISSING CLASSMISSING=INCLUDE."},
+    CatalogueEntry{"No case has a positive weight ...",
+                   "No case can be used: the weight that the plan names is zero or negative in all valid "
+                   "cases. Check the weight variable, and the Weight element of the plan."},
     CatalogueEntry{
         "There are no valid cases in the subpopulation",
         "The subpopulation holds no case with a positive weight. Check subcommand DOMAIN and the weight."},
@@ -81,9 +84,9 @@ constexpr std::array kEntries = {
         "The variance under simple random sampling is zero for every parameter, so there are no design "
         "effects."},
     CatalogueEntry{"Design based covariance matrix is singular",
-                   "The covariance matrix of the parameters is singular: the design has fewer degrees of "
-                   "freedom than the "
-                   "model has parameters. Tests of many parameters at once may be missing."},
+                   "The design-based covariance matrix of the parameters is singular, mostly because the "
+                   "design has fewer degrees of freedom than the model has parameters. Remove predictors, or "
+                   "take tests of many parameters at once with care."},
     CatalogueEntry{
         "Number of parameters ^1 exceeds limit ^2",
         "The model has ^1 parameters, more than the limit of ^2. Remove interactions, or merge categories."},
@@ -113,6 +116,8 @@ constexpr std::array kEntries = {
     CatalogueEntry{"Did you mean ^1?", "Did you mean ^1?"},
     CatalogueEntry{"Run was interrupted...",
                    "The run was interrupted. What was not finished is not in the output."},
+    CatalogueEntry{"Messages of the same kind were left out ^1...",
+                   "^1 more messages like those above were left out."},
     CatalogueEntry{
         "Not enough memory...",
         "The memory does not suffice for this command. Try a smaller model, or a machine with more memory."},

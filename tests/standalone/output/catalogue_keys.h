@@ -123,6 +123,7 @@ inline constexpr const char* kRunKeys[] = {
     "No VORN weight ...",
     "There are no valid cases for selection ...",
     "There are no valid cases ...",
+    "No case has a positive weight ...",
     "There are no valid cases in the subpopulation",
     "Invalid domain variable value",
     "Dependant variable has only one value",
@@ -176,6 +177,7 @@ inline constexpr const char* kRunKeys[] = {
     "Command ^1 is not recognized...",
     "Did you mean ^1?",
     "Run was interrupted...",
+    "Messages of the same kind were left out ^1...",
     "Not enough memory...",
     "Fault of the program ^1...",
 };

@@ -1,0 +1,27 @@
+#include "output/message_limit.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace standalone {
+
+bool MessageLimit::Admits(const Message& message, const std::vector<Message>& earlier) {
+  const auto isSame = [&](const Message& m) {
+    return m.key == message.key && m.text == message.text && m.location == message.location;
+  };
+  if (std::any_of(earlier.begin(), earlier.end(), isSame)) return false;
+  int& count = fCounts[message.key];
+  if (count == kMostOfOneKey) {
+    ++fNLeftOut;
+    return false;
+  }
+  ++count;
+  return true;
+}
+
+long MessageLimit::TakeLeftOut() {
+  fCounts.clear();
+  return std::exchange(fNLeftOut, 0);
+}
+
+}  // namespace standalone

@@ -1,0 +1,42 @@
+#include "output/message_limit.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using standalone::Message;
+using standalone::MessageLimit;
+
+TEST(MessageLimit, SaysTheSameThingOnce) {
+  MessageLimit limit;
+  const Message message{true, "key", "text", "a:1:1", {}};
+  EXPECT_TRUE(limit.Admits(message, {}));
+  EXPECT_FALSE(limit.Admits(message, {message}));
+  EXPECT_TRUE(limit.Admits({true, "key", "text", "a:2:1", {}}, {message}));
+  EXPECT_TRUE(limit.Admits({true, "key", "other text", "a:1:1", {}}, {message}));
+  EXPECT_EQ(limit.TakeLeftOut(), 0);
+}
+
+TEST(MessageLimit, CountsWhatIsOneTooManyOfAKey) {
+  MessageLimit limit;
+  std::vector<Message> shown;
+  for (int i = 0; i < MessageLimit::kMostOfOneKey + 7; ++i) {
+    const Message message{true, "key", "case " + std::to_string(i), {}, {}};
+    if (limit.Admits(message, shown)) shown.push_back(message);
+  }
+  EXPECT_EQ(shown.size(), static_cast<std::size_t>(MessageLimit::kMostOfOneKey));
+  EXPECT_TRUE(limit.Admits({true, "another key", "case", {}, {}}, shown));
+  EXPECT_EQ(limit.TakeLeftOut(), 7);
+}
+
+TEST(MessageLimit, StartsAfreshWhenTheCountIsTaken) {
+  MessageLimit limit;
+  for (int i = 0; i < MessageLimit::kMostOfOneKey + 1; ++i) {
+    limit.Admits({true, "key", "case " + std::to_string(i), {}, {}}, {});
+  }
+  EXPECT_EQ(limit.TakeLeftOut(), 1);
+  EXPECT_EQ(limit.TakeLeftOut(), 0);
+  EXPECT_TRUE(limit.Admits({true, "key", "case", {}, {}}, {}));
+}
+
+}  // namespace
