@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "design/effect_contrasts.h"
 #include "design/sample_design.h"
 #include "estimation/model.h"
 #include "estimation/numerics/distributions.h"
@@ -40,10 +41,12 @@ void SetStatisticsMissing(OrvParamStats& row) {
 
 TavoInference::TavoInference(const TavoCompSettings& settings, const TavoModel& model,
                              const SampleDesign& design, const OrvCancelInfo& cancel)
-    : fModel(model), fCancel(cancel), fNDegFreedom(settings.DegreesOfFreedom()) {
+    : fSettings(settings), fModel(model), fCancel(cancel), fNDegFreedom(settings.DegreesOfFreedom()) {
   if (!(fNDegFreedom > 0.0)) fNDegFreedom = design.UnitCount(0) - design.StrataCount(0);
   fTPercentile = MCDistFun::IdfT(0.5 * settings.Confidence() + 0.5, fNDegFreedom);
 }
+
+TavoInference::~TavoInference() = default;
 
 OrvStatus TavoInference::OutOfMemory() const {
   return OrvStatus::Error(StatusCode::kTooManyParameters).SetInteger(0, fModel.ParameterCount());

@@ -14,6 +14,7 @@
 #include "frame/orv_cancel_info.h"
 #include "frame/orv_status.h"
 #include "input/comp_settings.h"
+#include "input/custom_test.h"
 #include "input/record_extractor.h"
 
 namespace tavo {
@@ -86,6 +87,14 @@ class TavoModel {
   /// on a cancel. Not standardised, a column holds its covariate product; standardised, its value on the
   /// internal scale.
   bool FillDesignRow(std::vector<double>& row, const double* dataRow, bool standardise);
+  /// The rows of a custom hypothesis as numbers: one row each, with the columns of one logit, or of all
+  /// logits
+  /// (`isFull`) when the first row is kAll. Rows count from 0 in the arguments of errors: 95009 wrong number
+  /// of values in a kAll row, 95019 a row without type, 95020 wrong number of values for an effect, 95021 an
+  /// intercept where the model has none, 95022 unknown effect, 95039 kAll mixed with other rows, 95045, 1 (L
+  /// is zero then). The model's own status isn't touched.
+  OrvStatus BuildHypothesisMatrix(const std::vector<TavoMatrixRow>& rows, MCRectMatrix& L,
+                                  bool& isFull) const;
 
   bool HasIntercept() const { return fNIntercepts > 0; }
   int InterceptCount() const { return fNIntercepts; }
@@ -120,7 +129,10 @@ class TavoModel {
   const MCSymMatrix* HessianGI() const { return fpHessianGI.get(); }
   /// Null when the settings don't ask for it.
   const MCSymMatrix* SRSCentre() const;
+  /// Swept on BasicBits by FindRedundancies.
   const MCSymMatrix* XPrimeX() const { return fpXPrimeX.get(); }
+  /// Its diagonal before the first sweep.
+  const std::vector<double>& XPrimeXDiagonal() const { return fXPrimeXDiagonal; }
   void ReleaseHessianGI() { fpHessianGI.reset(); }
   void ReleaseSRSCentre();
   void ReleaseXPrimeX() { fpXPrimeX.reset(); }
@@ -162,6 +174,7 @@ class TavoModel {
   int BreakTie();
   bool ScoreRow(std::vector<double>& sums, const double* dataRow);
   void AddToSRSCentre(double weight);
+  OrvStatus FillHypothesisRow(const TavoMatrixRow& row, int number, MCRectMatrix& L) const;
 
   const TavoCompSettings& fSettings;
   const OrvCancelInfo& fCancel;
@@ -182,6 +195,7 @@ class TavoModel {
   std::vector<double> fNonRedundantCentres;
   std::vector<double> fNonRedundantScales;
   std::unique_ptr<MCSymMatrix> fpXPrimeX;
+  std::vector<double> fXPrimeXDiagonal;
   std::unique_ptr<MCSymMatrix> fpSRSCentre;
   mutable OrvRankUpdate fSRSRows;  // rows still to be added to the SRS centre; flushed before anyone reads it
   bool fbSRSBySparseRows = false;  // rows with few entries go to the SRS centre one by one

@@ -69,11 +69,10 @@ OrvStatus TavoModel::FindRedundancies() {
   if (fbBuilt) return Fail(StatusCode::kModelBuiltTwice);
   if (fNRecordsAdded == 0 || fpXPrimeX == nullptr) return Fail(StatusCode::kDataNotProcessed);
   const int basic = BasicParameterCount();
-  std::vector<double> diagonal;
-  fpXPrimeX->GetDiagonal(diagonal);
+  fpXPrimeX->GetDiagonal(fXPrimeXDiagonal);
   fBasicBits.Resize(basic, false);
   for (int k = 0; k < basic && !fCancel.IsCancelled(); ++k) {
-    fpXPrimeX->Sweep(k, fSettings.Tolerance(), diagonal, fBasicBits, true);
+    fpXPrimeX->Sweep(k, fSettings.Tolerance(), fXPrimeXDiagonal, fBasicBits, true);
   }
   CompressBasicParameters();
   fAllBits.Resize(ParameterCount(), false);

@@ -7,15 +7,18 @@
 #include "estimation/numerics/sym_matrix.h"
 #include "estimation/optimizer.h"
 #include "estimation/regr_parameter.h"
+#include "frame/orv_status.h"
 #include "inference/param_stats.h"
+#include "inference/test_stats.h"
+#include "input/custom_test.h"
 #include "tabulation/factor_tables.h"
 
 namespace tavo {
 
 class TavoAlgorithm;
 
-/// A read-only facade. Lends from the algorithm, which must outlive it, what is large; copies the rest. A run without
-/// fit or covariance leaves missing values.
+/// A read-only facade. Lends from the algorithm, which must outlive it, what is large; copies the rest. A run
+/// without fit or covariance leaves missing values.
 class TavoOutputStats {
  public:
   explicit TavoOutputStats(const TavoAlgorithm& algorithm);
@@ -49,6 +52,14 @@ class TavoOutputStats {
   double SubpopulationSize() const { return fSubpopulationSize; }
   /// A set entry marks a redundant parameter.
   const std::vector<bool>& RedundancyBits() const { return fRedundancyBits; }
+
+  /// The tests of TavoInference, which tells the arguments; 91000 without one.
+  OrvStatus TestEffect(int effect, MCCommonMath::MCRectMatrix& L, std::vector<int>& columns,
+                       OrvTestStats& overall) const;
+  OrvStatus GeneralEstimableFunction(MCCommonMath::MCRectMatrix& L, std::vector<int>& columns) const;
+  OrvStatus TestCustom(const OrvCustomTest& test, TestType type, PAdjustMethod method,
+                       MCCommonMath::MCRectMatrix& L, std::vector<OrvTestStats>& rows,
+                       OrvTestStats& overall) const;
 
  private:
   void FillParamStats();

@@ -1,0 +1,87 @@
+// From a contrast matrix to a test: Wald statistics, their reference distributions, and adjusted
+// significances.
+#pragma once
+
+#include <vector>
+
+#include "estimation/numerics/bit_set.h"
+#include "estimation/numerics/rect_matrix.h"
+#include "estimation/numerics/sym_matrix.h"
+#include "frame/orv_status.h"
+#include "inference/test_stats.h"
+
+namespace tavo {
+
+/// Tests of L b = K for estimates b with a design-based covariance V and d design degrees of freedom. Knows
+/// nothing of effects, variables or categories. L has one column per parameter of all logits. Everything is
+/// lent and only read; a result lives in the caller's records.
+///
+/// The plain tests are Wald tests (Korn and Graubard 1990 for the F form). The adjusted ones refer the
+/// statistic under simple random sampling to its distribution under the design, with the second-order
+/// correction of its degrees of freedom (Satterthwaite 1946; Rao and Scott 1984; Thomas and Rao 1987).
+///
+/// The scale of a row never matters: before its covariance is formed each row of L, with its K, is divided by
+/// the square root of the sum over j of L_ij^2 V_jj, so that the fixed limit 1e-12 of the rank compares like
+/// with like. Estimates and standard errors of rows are those of L as given.
+class OrvModelTests {
+ public:
+  /// `covarianceSRS` may be null; the adjusted tests need it. All arguments are lent.
+  OrvModelTests(const std::vector<double>& estimates, const MCCommonMath::MCSymMatrix& covariance,
+                const MCCommonMath::MCSymMatrix* covarianceSRS, double degreesOfFreedom);
+
+  void SetTestType(TestType type) { fTestType = type; }
+  void SetPAdjustMethod(PAdjustMethod method) { fAdjustment = method; }
+
+  /// L b = 0: the overall test, with the smallest adjusted significance of its distinct rows. 95008 an
+  /// adjusted test without SRS covariance (integer 0: test type), 95009 L has not one column per parameter
+  /// (integers: columns, parameters).
+  OrvStatus TestHypothesis(const MCCommonMath::MCRectMatrix& L, OrvTestStats& overall) const;
+  /// L b = K, with a test of every row; `rows` gets one record per row of L. Further error: 95024 K has not
+  /// one value per row.
+  OrvStatus TestCustomHypothesis(const MCCommonMath::MCRectMatrix& L, const std::vector<double>& K,
+                                 std::vector<OrvTestStats>& rows, OrvTestStats& overall) const;
+
+  /// The Wald chi-square (L b - K)' (L V L')^- (L b - K). `K` null is 0. `used` gets one bit per row, set for
+  /// the `rank` rows that the inverse kept: the first independent ones.
+  double ComputeChiSquare(const MCCommonMath::MCRectMatrix& L, const std::vector<double>* K, int& rank,
+                          MCCommonMath::MCBitSet& used) const;
+  /// The same with the SRS covariance, scaled by its expectation under the design over `df`. Missing, as `df`
+  /// may be, when the design effects say nothing.
+  double ComputeAdjChiSquare(const MCCommonMath::MCRectMatrix& L, const std::vector<double>* K, double& df,
+                             MCCommonMath::MCBitSet& used) const;
+  /// The inverse of a contrast covariance on the rows that don't depend on earlier ones; returns their
+  /// number.
+  static int InvertContrastCovariance(const MCCommonMath::MCSymMatrix& A, MCCommonMath::MCSymMatrix& inverse,
+                                      MCCommonMath::MCBitSet& used);
+  /// One row against `hypothesized`, with `contrastCount` rows to adjust for. Whether its standard error is
+  /// above 0.
+  bool TestRow(const MCCommonMath::MCRectMatrix& L, int row, double hypothesized, int contrastCount,
+               OrvTestStats& stats) const;
+  /// One mark per row: -1 stands for itself, -2 is zero, otherwise the earlier row of which it is a multiple.
+  /// `K` null is 0. Returns the number of rows that stand for themselves.
+  static int FindDistinctRows(const MCCommonMath::MCRectMatrix& L, const std::vector<double>* K,
+                              std::vector<int>& marks);
+
+ private:
+  bool IsAdjusted() const;
+  bool IsF() const;
+  OrvStatus Check(const MCCommonMath::MCRectMatrix& L) const;
+  MCCommonMath::MCRectMatrix ScaleRows(const MCCommonMath::MCRectMatrix& L, const std::vector<double>* K,
+                                       std::vector<double>& difference) const;
+  void TestOverall(const MCCommonMath::MCRectMatrix& L, const std::vector<double>* K,
+                   MCCommonMath::MCBitSet& used, OrvTestStats& overall) const;
+  void FillWald(double chiSquare, int rank, OrvTestStats& overall) const;
+  void FillAdjusted(double chiSquare, double df, OrvTestStats& overall) const;
+  double Adjusted(double significance, int contrastCount) const;
+  void AdjustInSequence(const std::vector<int>& marks, int contrastCount,
+                        std::vector<OrvTestStats>& rows) const;
+
+  const std::vector<double>& fEstimates;
+  const MCCommonMath::MCSymMatrix& fCovariance;
+  const MCCommonMath::MCSymMatrix* fpCovarianceSRS;
+  double fNDegFreedom;
+  TestType fTestType = TestType::WaldF;
+  PAdjustMethod fAdjustment = PAdjustMethod::LeastSignificanceDifference;
+};
+
+}  // namespace tavo
