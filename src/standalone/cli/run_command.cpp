@@ -69,16 +69,13 @@ bool ReadData(const RunArguments& arguments, Session& session, Table& table) {
 }
 
 /// The exit status that the commands themselves give.
-int RunAll(const RunArguments& arguments, Session& session, Table& table) {
-  const std::optional<SourceText> source = ReadSource(arguments, session);
-  if (!source || !ReadData(arguments, session, table)) return kBadCall;
-  session.SetTable(&table);
-  const RunResult result = RunCommands(session, *source, {{"TAVOREG", TAVOMAIN}});
+int RunAll(Session& session, const SourceText& source) {
+  const RunResult result = RunCommands(session, source, {{"TAVOREG", TAVOMAIN}});
   if (result.interrupted) return kInterrupted;
   if (result.commands == 0) {
     session.AddTextMessage(
         true, "No command in file...",
-        source->Name() + " holds no command. Write a command such as TAVOREG, ended by a period.");
+        source.Name() + " holds no command. Write a command such as TAVOREG, ended by a period.");
     return kCommandFailed;
   }
   return result.failed > 0 ? kCommandFailed : kRan;
@@ -101,9 +98,13 @@ bool WriteOutput(const RunArguments& arguments, const Document& document) {
 
 int RunCommandFile(const RunArguments& arguments) {
   Session session(OptionsFor(arguments));
-  const InterruptHandler handler(session);
   Table table;
-  const int status = RunAll(arguments, session, table);
+  const std::optional<SourceText> source = ReadSource(arguments, session);
+  const bool isReady = source && ReadData(arguments, session, table);
+  // Until here an interrupt ends the program at once: there is nothing yet that could be left half done.
+  const InterruptHandler handler(session);
+  session.SetTable(&table);
+  const int status = isReady ? RunAll(session, *source) : static_cast<int>(kBadCall);
   return WriteOutput(arguments, session.Output()) ? status : static_cast<int>(kOutputFailed);
 }
 

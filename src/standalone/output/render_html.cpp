@@ -44,6 +44,7 @@ td { position: relative; text-align: right; padding: .3rem .7rem; white-space: n
 td.text { white-space: normal; }
 td[data-pad]::after { content: attr(data-pad); visibility: hidden; }
 td sup { position: absolute; margin-top: .6em; }
+td.mark sup { position: static; }
 tbody tr:nth-child(even) td { background: var(--band); }
 tbody tr + tr th[scope=rowgroup]:first-child, tbody tr.outer td, tbody tr.outer th { border-top: 1px solid var(--line); }
 sup { font-size: .7em; line-height: 0; margin-left: .15em; color: var(--soft); }
@@ -144,7 +145,7 @@ void WriteCell(std::ostream& out, const LayoutCell& cell, const std::string& lon
   } else if (cell.isNumber && !cell.text.empty() && fraction < longest.size()) {
     out << "<td data-pad=\"" << longest.substr(fraction) << "\">" << text << "</td>";
   } else {
-    out << "<td>" << text << "</td>";
+    out << (cell.text.empty() && !cell.marks.empty() ? "<td class=\"mark\">" : "<td>") << text << "</td>";
   }
 }
 
