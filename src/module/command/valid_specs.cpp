@@ -23,6 +23,23 @@ bool IsAdjusted(TestType type) {
   return type == TestType::AdjustedWaldF || type == TestType::AdjustedWaldChiSquare;
 }
 
+/// -1 for a variable that has no column.
+int ColumnOf(const std::map<int, int>& columns, int variable) {
+  const auto found = columns.find(variable);
+  return found == columns.end() ? -1 : found->second;
+}
+
+/// The element at an index that may lie outside; null then.
+template <class Element>
+const Element* ElementAt(const std::vector<Element>& list, int i) {
+  return i >= 0 && i < static_cast<int>(list.size()) ? &list[static_cast<std::size_t>(i)] : nullptr;
+}
+
+std::string ItemText(const FactorSpec* item) {
+  if (item == nullptr || item->variable < 0) return {};
+  return TavoValidSpecs::ValueText(item->value, true);
+}
+
 std::string Trimmed(const std::string& text) {
   const std::size_t last = text.find_last_not_of(' ');
   return last == std::string::npos ? std::string() : text.substr(0, last + 1);
@@ -48,6 +65,65 @@ void TavoValidSpecs::SetFactorLevels(std::vector<int> levels) {
 void TavoValidSpecs::SetDomain(int variable, CategoryValue value) {
   fDomain = variable;
   fDomainValue = std::move(value);
+}
+
+void TavoValidSpecs::SetCustomTests(std::vector<OrvCustomTest> tests, std::vector<std::string> labels) {
+  if (tests.size() != labels.size()) return;
+  fCustomTests = std::move(tests);
+  fCustomTestLabels = std::move(labels);
+}
+
+void TavoValidSpecs::SetOddsRatios(std::vector<OrvOddsRatioSpec> requests,
+                                   std::vector<OddsRatioItems> items) {
+  if (requests.size() != items.size()) return;
+  fOddsRatios = std::move(requests);
+  fOddsRatioItems = std::move(items);
+}
+
+void TavoValidSpecs::AddRecordOddsRatio(const std::vector<int>& factorCodes,
+                                        const std::vector<int>& controlCodes) {
+  const OrvOddsRatioSpec& request = fOddsRatios[fRecordOddsRatios.size()];
+  OrvOddsRatioSpec record;
+  for (std::size_t i = 0; i < request.Factors().size(); ++i) {
+    record.AddFactor(ColumnOf(CategoricalRecordMap(), request.Factors()[i].variable), factorCodes[i]);
+  }
+  for (std::size_t i = 0; i < request.Covariates().size(); ++i) {
+    record.AddCovariate(ColumnOf(ContinuousRecordMap(), request.Covariates()[i]), request.Changes()[i]);
+  }
+  for (std::size_t i = 0; i < request.Controls().size(); ++i) {
+    const auto& [variable, value] = request.Controls()[i];
+    if (controlCodes[i] < OrvOddsRatioSpec::kLowest) {
+      record.AddControl(ColumnOf(ContinuousRecordMap(), variable), value);
+    } else {
+      record.AddControl(ColumnOf(CategoricalRecordMap(), variable), controlCodes[i]);
+    }
+  }
+  fRecordOddsRatios.push_back(std::move(record));
+}
+
+std::string TavoValidSpecs::FactorItemText(int item, int request) const {
+  const OddsRatioItems* items = ElementAt(fOddsRatioItems, request);
+  return items == nullptr ? std::string() : ItemText(ElementAt(items->factors, item));
+}
+
+std::string TavoValidSpecs::ControlItemText(int item, int request) const {
+  const OddsRatioItems* items = ElementAt(fOddsRatioItems, request);
+  return items == nullptr ? std::string() : ItemText(ElementAt(items->controls, item));
+}
+
+void TavoValidSpecs::SetPredictedProbabilities(std::string root, int maximum) {
+  fPredictedProbabilityRoot = std::move(root);
+  fMaximumPredictedProbabilities = maximum;
+}
+
+void TavoValidSpecs::SetPredictedValue(std::string name, int variable) {
+  fPredictedValueName = std::move(name);
+  fPredictedValueVariable = variable;
+}
+
+int TavoValidSpecs::NewVariableCount() const {
+  const int probabilities = fPredictedProbabilityRoot.empty() ? 0 : fMaximumPredictedProbabilities;
+  return probabilities + (fPredictedValueName.empty() ? 0 : 1);
 }
 
 void TavoValidSpecs::SetConfidenceLevel(double percent) {

@@ -9,7 +9,9 @@
 #include "host/data.h"
 #include "host/files.h"
 #include "input/comp_settings.h"
+#include "input/custom_test.h"
 #include "input/model_effect.h"
+#include "input/odds_ratio_spec.h"
 
 namespace tavo {
 
@@ -39,6 +41,21 @@ struct CategoryValue {
   std::vector<host::OBS> cells;
   host::VORN_Format format;
   bool Empty() const { return cells.empty(); }
+};
+
+/// One item of a FACTOR list: a category that can be coded only after the first pass.
+struct FactorSpec {
+  int variable = -1;    // dictionary index; -1 for a covariate
+  bool high = true;     // the highest category in use
+  CategoryValue value;  // empty and not high: the lowest
+};
+/// The same of a CONTROL list.
+using ControlSpec = FactorSpec;
+
+/// The items of one ODDSRATIOS subcommand, in the order of its specification's factors and controls.
+struct OddsRatioItems {
+  std::vector<FactorSpec> factors;
+  std::vector<ControlSpec> controls;
 };
 
 /// Filled by the command parser, read by driver and output; builds the component's settings and completes
@@ -93,6 +110,26 @@ class TavoValidSpecs final : public OrvPlanValidSpecs {
   const CategoryValue& DomainValue() const { return fDomainValue; }
   void SetDomainCode(int code) { fDomainCode = code; }
 
+  // Custom tests, one per CUSTOM subcommand, in the order of the command.
+  /// Ignored unless there is one label per test; a label may be empty.
+  void SetCustomTests(std::vector<OrvCustomTest> tests, std::vector<std::string> labels);
+  const std::vector<OrvCustomTest>& CustomTests() const { return fCustomTests; }
+  const std::vector<std::string>& CustomTestLabels() const { return fCustomTestLabels; }
+
+  // Odds ratios, one request per ODDSRATIOS subcommand, in the order of the command.
+  /// Over dictionary indices. Ignored unless there is one entry of items per request.
+  void SetOddsRatios(std::vector<OrvOddsRatioSpec> requests, std::vector<OddsRatioItems> items);
+  const std::vector<OrvOddsRatioSpec>& OddsRatios() const { return fOddsRatios; }
+  const std::vector<OddsRatioItems>& OddsRatioItemLists() const { return fOddsRatioItems; }
+  /// Appends the record form of the next request, over record columns: `factorCodes` and `controlCodes` hold
+  /// one code per item, below -1 for a covariate's control. Call it once per request, in order, after the
+  /// first pass.
+  void AddRecordOddsRatio(const std::vector<int>& factorCodes, const std::vector<int>& controlCodes);
+  const std::vector<OrvOddsRatioSpec>& RecordOddsRatios() const { return fRecordOddsRatios; }
+  /// The value of an item as text, trimmed; empty when the item has none or isn't there.
+  std::string FactorItemText(int item, int request) const;
+  std::string ControlItemText(int item, int request) const;
+
   // Criteria. Values out of range are ignored.
   void SetCheckSeparation(int value) { fCheckSeparation = value; }
   void SetConfidenceLevel(double percent);
@@ -132,6 +169,28 @@ class TavoValidSpecs final : public OrvPlanValidSpecs {
   void SetExcludeMissing(bool exclude) { fbExcludeMissing = exclude; }
   bool ExcludesMissing() const { return fbExcludeMissing; }
   host::UserCaseFileSpec& JointProbFile() { return fJointProbFile; }
+  const host::UserCaseFileSpec& JointProbFile() const { return fJointProbFile; }
+
+  // New variables of the active data. An empty name or root: not asked for.
+  void SetPredictedProbabilities(std::string root, int maximum);
+  const std::string& PredictedProbabilityRoot() const { return fPredictedProbabilityRoot; }
+  int MaximumPredictedProbabilities() const { return fMaximumPredictedProbabilities; }
+  /// `variable`: the existing variable that it replaces, -1 for a new one.
+  void SetPredictedValue(std::string name, int variable);
+  const std::string& PredictedValueName() const { return fPredictedValueName; }
+  int PredictedValueVariable() const { return fPredictedValueVariable; }
+  /// The most variables that saving adds to the active data.
+  int NewVariableCount() const;
+
+  // Output files; not set or empty: not asked for.
+  host::UserCaseFileSpec& CovarianceFile() { return fCovarianceFile; }
+  const host::UserCaseFileSpec& CovarianceFile() const { return fCovarianceFile; }
+  host::UserCaseFileSpec& CorrelationFile() { return fCorrelationFile; }
+  const host::UserCaseFileSpec& CorrelationFile() const { return fCorrelationFile; }
+  void SetModelFileName(std::string name) { fModelFileName = std::move(name); }
+  const std::string& ModelFileName() const { return fModelFileName; }
+  void SetParameterFileName(std::string name) { fParameterFileName = std::move(name); }
+  const std::string& ParameterFileName() const { return fParameterFileName; }
 
   /// A value as text by its format, trimmed when `trim` (numbers always are); empty for no value.
   static std::string ValueText(const CategoryValue& value, bool trim);
@@ -155,6 +214,10 @@ class TavoValidSpecs final : public OrvPlanValidSpecs {
   std::vector<int>
       fRecordPredictors;  // record columns: factors, then covariates; effects of the settings refer to it
   std::vector<OrvModelEffect> fEffects, fRecordEffects;
+  std::vector<OrvCustomTest> fCustomTests;
+  std::vector<std::string> fCustomTestLabels;
+  std::vector<OrvOddsRatioSpec> fOddsRatios, fRecordOddsRatios;
+  std::vector<OddsRatioItems> fOddsRatioItems;
   bool fbUseIntercept = true;
   bool fbShowIntercept = true;
   int fCheckSeparation = 20;
@@ -174,7 +237,12 @@ class TavoValidSpecs final : public OrvPlanValidSpecs {
   std::vector<PrintOption> fPrintOptions;
   int fHistoryStep = 0;
   bool fbExcludeMissing = true;
-  host::UserCaseFileSpec fJointProbFile;
+  host::UserCaseFileSpec fJointProbFile, fCovarianceFile, fCorrelationFile;
+  std::string fPredictedProbabilityRoot;
+  int fMaximumPredictedProbabilities = 25;
+  std::string fPredictedValueName;
+  int fPredictedValueVariable = -1;
+  std::string fModelFileName, fParameterFileName;
   std::unique_ptr<TavoCompSettings> fpSettings;
 };
 
