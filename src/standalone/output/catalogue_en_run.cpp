@@ -95,11 +95,13 @@ constexpr std::array kEntries = {
         "The memory does not suffice for a model with ^1 parameters. Remove interactions, or merge "
         "categories."},
 
-    CatalogueEntry{"Unequal probabilities without replacement are not available yet...",
-                   "The plan samples with unequal probabilities without replacement, which this version cannot "
-                   "analyse yet. Treat the first stage as sampled with replacement instead."},
-    CatalogueEntry{"The analysis ended with status ^1: ^2",
-                   "The analysis ended with status ^1: ^2 Please report the command and the data that lead here."},
+    CatalogueEntry{
+        "Unequal probabilities without replacement are not available yet...",
+        "The plan samples with unequal probabilities without replacement, which this version cannot "
+        "analyse yet. Treat the first stage as sampled with replacement instead."},
+    CatalogueEntry{
+        "The analysis ended with status ^1: ^2",
+        "The analysis ended with status ^1: ^2 Please report the command and the data that lead here."},
 
     // Saved results.
     CatalogueEntry{
