@@ -118,7 +118,7 @@ class OrvFactorTables : public OrvFactorCounts {
   std::vector<int> fEffectNumbers;                   // by effect with factors: model effect
   std::vector<int> fLocalEffects;                    // by model effect: effect with factors, or -1
   std::vector<OrvEffectCombinations> fCombinations;  // by effect with factors
-  std::vector<int> fFactorValues;                    // 0-based levels of the current record
+  std::vector<int> fFactorValues = std::vector<int>(fFactorColumns.size(), -1);  // 0-based levels of the record
   std::vector<int> fParameterOffsets;                // by model effect
   std::vector<int> fExtractPositions;                // by factor
   std::vector<std::vector<int>> fEffectCovariates;
