@@ -10,12 +10,16 @@ namespace tavo {
 
 namespace {
 
-constexpr int kLowestCategory = -1;   // reference codes with a meaning of their own
+constexpr int kLowestCategory = -1;  // reference codes with a meaning of their own
 constexpr int kHighestCategory = 0;
 constexpr long kRecordsPerStopCheck = 4096;
 
-void SendError(const char* key) { host::BpError(host::Key(key), host::BpErrorLevel::kError); }
-void SendWarning(const char* key) { host::BpError(host::Key(key), host::BpErrorLevel::kWarning); }
+void SendError(const char* key) {
+  host::BpError(host::Key(key), host::BpErrorLevel::kError);
+}
+void SendWarning(const char* key) {
+  host::BpError(host::Key(key), host::BpErrorLevel::kWarning);
+}
 
 /// Shows each iteration while the fit runs, and keeps it for the iteration history.
 class ShownIterations final : public ProgressListener {
@@ -41,7 +45,8 @@ TavoProcedureDriver::TavoProcedureDriver(TavoValidSpecs& specs, host::ProcedureD
     fStatus = OrvStatus::Error(StatusCode::kUserError);
     return;
   }
-  fpAdapter = std::make_unique<OrvRegInputAdapter>(specs, source, *cases, *fpReporter, !specs.ExcludesMissing());
+  fpAdapter =
+      std::make_unique<OrvRegInputAdapter>(specs, source, *cases, *fpReporter, !specs.ExcludesMissing());
   fpIterator = std::make_unique<OrvProcDSMultiIter>(source, std::move(cases), *fpAdapter);
   if (fpIterator->IteratorStatus() == MCCommon::kExhausted) {
     fStatus = OrvStatus::Error(StatusCode::kNoRecords);
@@ -105,8 +110,8 @@ int TavoProcedureDriver::ReferenceCode() {
   if (fSpecs.IsHighReference()) return kHighestCategory;
   if (fSpecs.ReferenceValue().Empty()) return kLowestCategory;
   bool notFound = false;
-  const int code =
-      fpAdapter->CodeForValue(fSpecs.DependentVariable(), fSpecs.ReferenceValue().cells.data(), notFound, false);
+  const int code = fpAdapter->CodeForValue(fSpecs.DependentVariable(), fSpecs.ReferenceValue().cells.data(),
+                                           notFound, false);
   if (!notFound) return code;
   SendWarning("Highest factor level is used");
   return kHighestCategory;
@@ -150,12 +155,15 @@ bool TavoProcedureDriver::RunModel() {
 
 void TavoProcedureDriver::ReportWarnings() {
   if (fStatus.IsWarning() && fpComponent != nullptr) {
-    for (const OrvStatus& status : fpComponent->WarningList()) ReportStatus(status);
+    for (const OrvStatus& status : fpComponent->WarningList())
+      ReportStatus(status);
   } else if (fStatus.IsError()) {
     ReportStatus(fStatus);
   }
 }
 
-void TavoProcedureDriver::ReportStatus(const OrvStatus& status) { ReportStatusMessage(status, fpComponent.get()); }
+void TavoProcedureDriver::ReportStatus(const OrvStatus& status) {
+  ReportStatusMessage(status, fpComponent.get());
+}
 
 }  // namespace tavo

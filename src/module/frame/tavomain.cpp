@@ -14,11 +14,13 @@ using host::BpError;
 using host::BpErrorLevel;
 using host::Key;
 
-/// The procedure runs with the host's split files and case weight off, whatever the host's setting: the design's own
-/// weight takes their place. The parser clears both fields; this puts them back, also after an exception.
+/// The procedure runs with the host's split files and case weight off, whatever the host's setting: the
+/// design's own weight takes their place. The parser clears both fields; this puts them back, also after an
+/// exception.
 class HostFields {
  public:
-  HostFields() : fSplitFileCount(host::pvGetCmnGlb().splitFileCount), fWeight(host::pvGetCmnGlb().weightVariable) {}
+  HostFields()
+      : fSplitFileCount(host::pvGetCmnGlb().splitFileCount), fWeight(host::pvGetCmnGlb().weightVariable) {}
   ~HostFields() {
     host::pvGetCmnGlb().splitFileCount = fSplitFileCount;
     host::pvGetCmnGlb().weightVariable = fWeight;
@@ -31,10 +33,13 @@ class HostFields {
   std::int64_t fWeight;
 };
 
-bool HostHasError() { return host::pvGetCmnGlb().errorFlag != 0; }
+bool HostHasError() {
+  return host::pvGetCmnGlb().errorFlag != 0;
+}
 
 bool UsesUnequalProbabilities(const tavo::TavoValidSpecs& specs) {
-  return !specs.Stages().empty() && specs.Stages().front().stage.estimator == tavo::StageEstimator::kUnequalWor;
+  return !specs.Stages().empty() &&
+         specs.Stages().front().stage.estimator == tavo::StageEstimator::kUnequalWor;
 }
 
 /// A status that has no message of its own must not end a run in silence.

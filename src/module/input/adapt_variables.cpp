@@ -22,8 +22,9 @@ bool IsPopulationSize(double& value) {
 
 }  // namespace
 
-OrvAdaptCatVar::OrvAdaptCatVar(const host::VORN_DataSource& source, const host::VORN_InputCaseIterator& iterator,
-                               int variable, bool includeUserMissing)
+OrvAdaptCatVar::OrvAdaptCatVar(const host::VORN_DataSource& source,
+                               const host::VORN_InputCaseIterator& iterator, int variable,
+                               bool includeUserMissing)
     : fVariable(variable),
       fbIncludeUserMissing(includeUserMissing),
       fMap(KeySpecOf(source, variable), 1),
@@ -53,7 +54,8 @@ void OrvAdaptCatVar::Sort(bool ascending) {
   host::ObsVecMap old = std::move(fMap);  // holds the keys that are copied below
   fMap = host::ObsVecMap(old.GetKeySpec(), 1);
   fKeys.clear();
-  for (const host::OBS* key : keys) CodeOf(key, true);
+  for (const host::OBS* key : keys)
+    CodeOf(key, true);
 }
 
 double OrvAdaptContVar::GetValue(bool& invalid, bool& missingAllowed) const {
@@ -80,16 +82,19 @@ double OrvAdaptContVar::GetValue(bool& invalid, bool& missingAllowed) const {
 OrvAdaptMatrixVar::OrvAdaptMatrixVar(const host::VORN_InputCaseIterator& iterator, const StageMatrix& matrix,
                                      int stageNumber, bool isSize, bool includeUserMissing)
     : fpMatrix(&matrix), fStageNumber(stageNumber), fbSize(isSize), fbIncludeUserMissing(includeUserMissing) {
-  for (const std::uint16_t width : matrix.values->GetKeySpec()) fKeyCells.push_back(host::CellCount(width));
+  for (const std::uint16_t width : matrix.values->GetKeySpec())
+    fKeyCells.push_back(host::CellCount(width));
   int cells = 0;
-  for (const int count : fKeyCells) cells += count;
+  for (const int count : fKeyCells)
+    cells += count;
   fKey.resize(static_cast<std::size_t>(cells));
   Rebind(iterator);
 }
 
 void OrvAdaptMatrixVar::Rebind(const host::VORN_InputCaseIterator& iterator) {
   fKeyValues.clear();
-  for (const int variable : fpMatrix->variables) fKeyValues.emplace_back(iterator, variable, fbIncludeUserMissing);
+  for (const int variable : fpMatrix->variables)
+    fKeyValues.emplace_back(iterator, variable, fbIncludeUserMissing);
 }
 
 double OrvAdaptMatrixVar::GetValue(bool& notFound) {

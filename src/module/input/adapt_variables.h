@@ -9,8 +9,9 @@
 
 namespace tavo {
 
-/// One column of the current case, with the rule of what counts as missing: with `includeUserMissing` every string and
-/// every number but system-missing is valid; without it values that the dictionary declares missing are not.
+/// One column of the current case, with the rule of what counts as missing: with `includeUserMissing` every
+/// string and every number but system-missing is valid; without it values that the dictionary declares
+/// missing are not.
 class OrvCaseValue : public host::CaseValue {
  public:
   OrvCaseValue(const host::VORN_InputCaseIterator& iterator, int column, bool includeUserMissing)
@@ -28,8 +29,8 @@ class OrvCaseValue : public host::CaseValue {
 /// A categorical variable and its table of codes 1, 2, 3, …, in order of first appearance until it is sorted.
 class OrvAdaptCatVar {
  public:
-  OrvAdaptCatVar(const host::VORN_DataSource& source, const host::VORN_InputCaseIterator& iterator, int variable,
-                 bool includeUserMissing);
+  OrvAdaptCatVar(const host::VORN_DataSource& source, const host::VORN_InputCaseIterator& iterator,
+                 int variable, bool includeUserMissing);
 
   /// Binds to another pass.
   void Rebind(const host::VORN_InputCaseIterator& iterator);
@@ -68,9 +69,11 @@ class OrvAdaptContVar {
   OrvAdaptContVar(const host::VORN_InputCaseIterator& iterator, int variable, Kind kind)
       : fVariable(variable), fKind(kind), fValue(iterator, variable, false) {}
 
-  void Rebind(const host::VORN_InputCaseIterator& iterator) { fValue = OrvCaseValue(iterator, fVariable, false); }
-  /// The value, or the missing marker. `invalid`: a design value that can't be. `missingAllowed`: a design value that
-  /// is missing, which the design tree deals with.
+  void Rebind(const host::VORN_InputCaseIterator& iterator) {
+    fValue = OrvCaseValue(iterator, fVariable, false);
+  }
+  /// The value, or the missing marker. `invalid`: a design value that can't be. `missingAllowed`: a design
+  /// value that is missing, which the design tree deals with.
   double GetValue(bool& invalid, bool& missingAllowed) const;
 
   int Variable() const { return fVariable; }
@@ -89,7 +92,8 @@ class OrvAdaptMatrixVar {
                     bool isSize, bool includeUserMissing);
 
   void Rebind(const host::VORN_InputCaseIterator& iterator);
-  /// The value, or the missing marker. `notFound`: the key has no row; a missing key value is not reported so.
+  /// The value, or the missing marker. `notFound`: the key has no row; a missing key value is not reported
+  /// so.
   double GetValue(bool& notFound);
 
   int StageNumber() const { return fStageNumber; }

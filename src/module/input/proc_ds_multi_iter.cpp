@@ -4,14 +4,15 @@
 
 namespace tavo {
 
-std::unique_ptr<host::ProcDSIterator> AsProcDSIterator(std::unique_ptr<host::VORN_InputCaseIterator> iterator) {
+std::unique_ptr<host::ProcDSIterator> AsProcDSIterator(
+    std::unique_ptr<host::VORN_InputCaseIterator> iterator) {
   auto* cases = dynamic_cast<host::ProcDSIterator*>(iterator.get());
   if (cases != nullptr) (void)iterator.release();
   return std::unique_ptr<host::ProcDSIterator>(cases);
 }
 
-OrvProcDSMultiIter::OrvProcDSMultiIter(host::ProcedureDataSource& source, std::unique_ptr<host::ProcDSIterator> cases,
-                                       OrvInputAdapter& adapter)
+OrvProcDSMultiIter::OrvProcDSMultiIter(host::ProcedureDataSource& source,
+                                       std::unique_ptr<host::ProcDSIterator> cases, OrvInputAdapter& adapter)
     : fSource(source),
       fpCases(std::move(cases)),
       fAdapter(adapter),

@@ -9,8 +9,8 @@
 
 namespace tavo {
 
-/// Walks a host's passes through the adapter. One accepted case is read ahead of what is handed out, so that HasNext
-/// answers truthfully; hence two record buffers, used in turn. Nothing is allocated per case.
+/// Walks a host's passes through the adapter. One accepted case is read ahead of what is handed out, so that
+/// HasNext answers truthfully; hence two record buffers, used in turn. Nothing is allocated per case.
 class OrvProcDSMultiIter final : public MCCommon::MultiPassRecordIter {
  public:
   /// Source and adapter are lent; `cases` is the first pass. Fetches the first accepted case.
@@ -40,6 +40,7 @@ class OrvProcDSMultiIter final : public MCCommon::MultiPassRecordIter {
 };
 
 /// Takes a host's pass as one over a procedure's active data; null when it isn't one.
-std::unique_ptr<host::ProcDSIterator> AsProcDSIterator(std::unique_ptr<host::VORN_InputCaseIterator> iterator);
+std::unique_ptr<host::ProcDSIterator> AsProcDSIterator(
+    std::unique_ptr<host::VORN_InputCaseIterator> iterator);
 
 }  // namespace tavo

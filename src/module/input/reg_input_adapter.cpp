@@ -19,8 +19,8 @@ OrvAdaptContVar::Kind KindOf(const OrvPlanValidSpecs& specs, int column) {
 }  // namespace
 
 OrvInputAdapter::OrvInputAdapter(const OrvPlanValidSpecs& specs, const host::VORN_DataSource& source,
-                                 const host::VORN_InputCaseIterator& iterator, const OrvVariableReporter& reporter,
-                                 bool listwise, bool includeUserMissing)
+                                 const host::VORN_InputCaseIterator& iterator,
+                                 const OrvVariableReporter& reporter, bool listwise, bool includeUserMissing)
     : fSpecs(specs), fReporter(reporter), fbListwise(listwise) {
   for (const auto& [variable, column] : specs.CategoricalRecordMap()) {
     fVariablePosition[variable] = fCategorical.size();
@@ -48,9 +48,11 @@ bool OrvInputAdapter::FillCategorical(double* record) {
     complete = complete && code > 0;
   };
   if (fNPass == 0) {
-    for (auto& [variable, column] : fCategorical) store(column, variable.InsertCode());
+    for (auto& [variable, column] : fCategorical)
+      store(column, variable.InsertCode());
   } else {
-    for (const auto& [variable, column] : fCategorical) store(column, variable.LookUpCode());
+    for (const auto& [variable, column] : fCategorical)
+      store(column, variable.LookUpCode());
   }
   return complete;
 }
@@ -105,9 +107,12 @@ void OrvInputAdapter::ReportNotInMatrix(const OrvAdaptMatrixVar& variable) const
 void OrvInputAdapter::BeginPass(const host::VORN_InputCaseIterator& iterator) {
   ++fNPass;
   fCounts = Counters();
-  for (auto& filled : fCategorical) filled.variable.Rebind(iterator);
-  for (auto& filled : fContinuous) filled.variable.Rebind(iterator);
-  for (auto& filled : fMatrices) filled.variable.Rebind(iterator);
+  for (auto& filled : fCategorical)
+    filled.variable.Rebind(iterator);
+  for (auto& filled : fContinuous)
+    filled.variable.Rebind(iterator);
+  for (auto& filled : fMatrices)
+    filled.variable.Rebind(iterator);
 }
 
 const OrvAdaptCatVar* OrvInputAdapter::CategoricalOf(int variable) const {

@@ -12,12 +12,12 @@
 namespace tavo {
 
 /// Turns the current case into a record: an array of doubles in which a category is a positive whole code and
-/// everything missing is the missing marker. Keeps the code table of each categorical variable, decides which cases are
-/// dropped, and counts.
+/// everything missing is the missing marker. Keeps the code table of each categorical variable, decides which
+/// cases are dropped, and counts.
 class OrvInputAdapter {
  public:
-  /// Everything is lent; `iterator` until the next BeginPass. `includeUserMissing`: declared missing values of
-  /// categorical variables are categories like any other.
+  /// Everything is lent; `iterator` until the next BeginPass. `includeUserMissing`: declared missing values
+  /// of categorical variables are categories like any other.
   OrvInputAdapter(const OrvPlanValidSpecs& specs, const host::VORN_DataSource& source,
                   const host::VORN_InputCaseIterator& iterator, const OrvVariableReporter& reporter,
                   bool listwise, bool includeUserMissing);
@@ -31,7 +31,8 @@ class OrvInputAdapter {
 
   /// Starts the next pass: zeroes the counters and binds the variables to the new iterator.
   void BeginPass(const host::VORN_InputCaseIterator& iterator);
-  /// Cells of a categorical variable's code, null for a code out of range; lent until the next SortCategories.
+  /// Cells of a categorical variable's code, null for a code out of range; lent until the next
+  /// SortCategories.
   const host::OBS* ValueForCode(int variable, int code) const;
   const host::OBS* ValueForColumnCode(int column, int code, int& variable) const;
   /// The code of a value; 0 when it isn't known and not to be inserted.

@@ -6,12 +6,7 @@ namespace tavo {
 
 using host::BpProcedure;
 
-bool OrvVariableReporter::MaySend(const std::string& key, int subject) const {
-  return ++fNSent[{key, subject}] <= kLimit;
-}
-
 void OrvVariableReporter::InvalidValue(const char* key, int variable, long caseNumber) const {
-  if (!MaySend(key, variable)) return;
   host::BpComposite message(key);
   message.Add(host::BpVariable{fSource.GetVariable(static_cast<unsigned>(variable)), host::BpShow::kValue});
   message.Add(host::BpNumber{static_cast<double>(caseNumber), BpProcedure::Count()});
@@ -30,7 +25,6 @@ void OrvVariableReporter::NotInMatrix(
     bool isSize, int stage, const std::vector<std::pair<int, const host::OBS*>>& variablesAndValues) const {
   const char* key = isSize ? "No population size ^1 [%1 = %2:, ^1 = ^2:]2 ..."
                            : "No inclusion prob ^1 [%1 = %2:, ^1 = ^2:]2 ...";
-  if (!MaySend(key, stage)) return;
   host::BpComposite message(key);
   message.Add(host::BpNumber{static_cast<double>(stage), BpProcedure::Count()});
   message.Sublist();

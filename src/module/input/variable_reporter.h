@@ -1,8 +1,6 @@
 // Messages about bad design values in the data.
 #pragma once
 
-#include <map>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -10,12 +8,10 @@
 
 namespace tavo {
 
-/// Sends, at error level, the messages that name a variable and where its value stands. After kLimit messages of one
-/// kind about one variable or stage it keeps silent, so that a file of bad values doesn't bury the first ones.
+/// Sends, at error level and for each case, the messages that name a variable and where its value stands. How
+/// many of a kind are shown is the host's affair.
 class OrvVariableReporter {
  public:
-  static constexpr int kLimit = 20;
-
   explicit OrvVariableReporter(const host::VORN_DataSource& source) : fSource(source) {}
   /// A value that is no population size: above 0 and whole. `caseNumber` counts from 1.
   void InvalidPopulationSize(int variable, long caseNumber) const;
@@ -27,10 +23,8 @@ class OrvVariableReporter {
 
  private:
   void InvalidValue(const char* key, int variable, long caseNumber) const;
-  bool MaySend(const std::string& key, int subject) const;
 
   const host::VORN_DataSource& fSource;
-  mutable std::map<std::pair<std::string, int>, int> fNSent;
 };
 
 }  // namespace tavo

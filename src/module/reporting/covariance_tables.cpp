@@ -54,7 +54,8 @@ class ParameterAxis {
   host::BpDimension& fLogits;
 };
 
-using ElementRule = double (*)(const MCCommonMath::MCSymMatrix& covariance, const Place& row, const Place& column);
+using ElementRule = double (*)(const MCCommonMath::MCSymMatrix& covariance, const Place& row,
+                               const Place& column);
 
 double Element(const MCCommonMath::MCSymMatrix& covariance, const Place& row, const Place& column) {
   return covariance.GetElem(row.equation, column.equation, row.parameter, column.parameter);
@@ -99,7 +100,8 @@ void FillCell(const TavoOutputFrame& frame, const Place& row, const Place& colum
 }
 
 void OutputMatrix(const TavoOutputFrame& frame, const char* title, const char* identifier, ElementRule rule) {
-  if (frame.Stats() == nullptr || frame.Stats()->Covariance() == nullptr || frame.ParameterNames().empty()) return;
+  if (frame.Stats() == nullptr || frame.Stats()->Covariance() == nullptr || frame.ParameterNames().empty())
+    return;
   const auto table = frame.Heading().PivotTable(Key(title), identifier);
   frame.ModelCaption(*table);
   ParameterAxis rows(frame, *table, BpPlace::kRow);
@@ -107,7 +109,8 @@ void OutputMatrix(const TavoOutputFrame& frame, const char* title, const char* i
   const std::vector<Place> places = ShownParameters(frame);
   for (const Place& row : places) {
     rows.Select(row);
-    for (const Place& column : places) FillCell(frame, row, column, columns.Select(column), rule);
+    for (const Place& column : places)
+      FillCell(frame, row, column, columns.Select(column), rule);
   }
 }
 
@@ -118,7 +121,8 @@ void OutputCovariances(const TavoOutputFrame& frame) {
 }
 
 void OutputCorrelations(const TavoOutputFrame& frame) {
-  OutputMatrix(frame, "Correlations of Parameter Estimates", "CorrelationsOfParameterEstimates", &Correlation);
+  OutputMatrix(frame, "Correlations of Parameter Estimates", "CorrelationsOfParameterEstimates",
+               &Correlation);
 }
 
 }  // namespace tavo

@@ -38,7 +38,9 @@ void AddDegreesOfFreedom(host::BpDimension& content, const TavoOutputFrame& fram
 class CountColumns {
  public:
   CountColumns(host::BpPivotTable& table, double total)
-      : fRows(table.Dimension(Key("Variables"))), fStatistics(table.Dimension(Key("Statistics"))), fTotal(total) {
+      : fRows(table.Dimension(Key("Variables"))),
+        fStatistics(table.Dimension(Key("Statistics"))),
+        fTotal(total) {
     fRows.Position(BpPlace::kRow, 1, true, false);
     fStatistics.Position(BpPlace::kColumn, 1, true, false);
   }
@@ -46,7 +48,8 @@ class CountColumns {
   /// Fills the row that became the current one last.
   void Fill(double count) {
     fStatistics.Category(Key("Weighted Count")).Cell(BpNumber{count, BpProcedure::GeneralStat()});
-    fStatistics.Category(Key("Weighted Percent")).Cell(BpNumber{count / fTotal * 100, BpProcedure::Percent()});
+    fStatistics.Category(Key("Weighted Percent"))
+        .Cell(BpNumber{count / fTotal * 100, BpProcedure::Percent()});
   }
 
  private:
@@ -90,7 +93,8 @@ void OutputSampleDesign(const TavoOutputFrame& frame) {
   AddUnweightedCases(content, frame.Driver().Adapter().Counts());
   const TavoOutputStats* stats = frame.Stats();
   if (stats == nullptr) return;
-  content.Category(Key("Population Size")).Cell(BpNumber{stats->PopulationSize(), BpProcedure::GeneralStat()});
+  content.Category(Key("Population Size"))
+      .Cell(BpNumber{stats->PopulationSize(), BpProcedure::GeneralStat()});
   if (frame.HasSubpopulation()) {
     host::BpCategory& row = content.Category(Key("Subpopulation Size"));
     row.Cell(BpNumber{stats->SubpopulationSize(), BpProcedure::GeneralStat()});
@@ -131,7 +135,8 @@ void OutputCovariates(const TavoOutputFrame& frame) {
   statistics.Category(Key("Mean"));
   for (std::size_t i = 0; i < covariates.size(); ++i) {
     const host::BpVariable variable = frame.Variable(covariates[i]);
-    rows.Category(variable).Cell(BpNumber{frame.Stats()->MeanValues()[i], BpProcedure::Mean(*variable.variable)});
+    rows.Category(variable).Cell(
+        BpNumber{frame.Stats()->MeanValues()[i], BpProcedure::Mean(*variable.variable)});
   }
 }
 

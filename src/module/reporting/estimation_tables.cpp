@@ -43,7 +43,8 @@ struct ClassificationSums {
   double total = 0;
 
   explicit ClassificationSums(const MCCommonMath::MCRectMatrix& counts)
-      : rows(static_cast<std::size_t>(counts.GetNRows())), columns(static_cast<std::size_t>(counts.GetNCols())) {
+      : rows(static_cast<std::size_t>(counts.GetNRows())),
+        columns(static_cast<std::size_t>(counts.GetNCols())) {
     for (int r = 0; r < counts.GetNRows(); ++r) {
       for (int c = 0; c < counts.GetNCols(); ++c) {
         const double count = counts.GetElem(r, c);
@@ -75,7 +76,8 @@ void OutputClassification(const TavoOutputFrame& frame) {
   for (int r = 0; r < counts.GetNRows(); ++r) {
     observedValues.Category(frame.DependentValue(r));
     for (int c = 0; c < counts.GetNCols(); ++c) {
-      predictedValues.Category(frame.DependentValue(c)).Cell(BpNumber{counts.GetElem(r, c), BpProcedure::GeneralStat()});
+      predictedValues.Category(frame.DependentValue(c))
+          .Cell(BpNumber{counts.GetElem(r, c), BpProcedure::GeneralStat()});
     }
     predicted.Category(Key("Percent Correct"))
         .Cell(PercentOf(counts.GetElem(r, r), sums.rows[static_cast<std::size_t>(r)]));

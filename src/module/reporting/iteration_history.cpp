@@ -1,6 +1,7 @@
 #include <array>
 
 #include "reporting/estimation_tables.h"
+#include "reporting/termination_texts.h"
 
 namespace tavo {
 
@@ -10,13 +11,6 @@ using host::BpNumber;
 using host::BpPlace;
 using host::BpProcedure;
 using host::Key;
-
-/// What is said about how a fit ended: in a note of the table, and in a warning.
-struct TerminationTexts {
-  const char* note;     // null: none
-  bool hasChanges;      // the note shows the last changes
-  const char* warning;  // null: the end is as it should be
-};
 
 constexpr std::array<TerminationTexts, 10> kTerminationTexts = {{
     {nullptr, false, nullptr},
@@ -32,9 +26,14 @@ constexpr std::array<TerminationTexts, 10> kTerminationTexts = {{
     {"No iterations are necessary", false, nullptr},
 }};
 
+}  // namespace
+
 const TerminationTexts& TextsOf(TerminationState state) {
-  return kTerminationTexts[static_cast<std::size_t>(state)];
+  const auto index = static_cast<std::size_t>(state);
+  return kTerminationTexts[index < kTerminationTexts.size() ? index : 0];
 }
+
+namespace {
 
 void WarnAboutTermination(TerminationState state) {
   const char* warning = TextsOf(state).warning;
@@ -69,7 +68,8 @@ void NoteConvergence(const TavoOutputFrame& frame, host::BpCategory& lastIterati
 }
 
 /// The estimates of one iteration: kept parameters, logit by logit.
-void FillEstimates(const TavoOutputFrame& frame, host::BpDimension& statistics, const std::vector<double>& estimates) {
+void FillEstimates(const TavoOutputFrame& frame, host::BpDimension& statistics,
+                   const std::vector<double>& estimates) {
   host::BpGroup& dependent = statistics.Group(frame.Dependent());
   const std::size_t perEquation = frame.ParameterNames().size();
   std::size_t kept = 0;

@@ -18,14 +18,16 @@ struct FactorTerm {
 
 std::string Join(const std::vector<std::string>& texts) {
   std::string joined;
-  for (const std::string& text : texts) joined += (joined.empty() ? "" : kCross) + text;
+  for (const std::string& text : texts)
+    joined += (joined.empty() ? "" : kCross) + text;
   return joined;
 }
 
 /// Factors from the outermost level inwards, each deeper level in parentheses: A(B(C)).
 std::string FactorText(const std::vector<FactorTerm>& terms) {
   int top = -1;
-  for (const FactorTerm& term : terms) top = std::max(top, term.level);
+  for (const FactorTerm& term : terms)
+    top = std::max(top, term.level);
   std::string text;
   for (int level = top; level >= 0; --level) {
     if (level < top) text += "(";
@@ -70,7 +72,8 @@ std::string EffectName(const OrvModelEffect& effect, const host::VORN_DataSource
   }
   effect.Covariates(variables, numbers);
   std::vector<std::string> covariates;
-  for (const int variable : variables) covariates.push_back(VariableName(source, variable));
+  for (const int variable : variables)
+    covariates.push_back(VariableName(source, variable));
   return NameOf(factors, Repeated(covariates, numbers), effect.IsFactorAfterCovariates());
 }
 
@@ -113,7 +116,8 @@ std::string ParameterName(const OrvRegrParameter& parameter, const TavoValidSpec
 TavoParamNames::TavoParamNames(const TavoValidSpecs& specs, const host::VORN_DataSource& source,
                                const OrvRegInputAdapter& adapter,
                                const std::vector<OrvRegrParameter>& parameters) {
-  for (const OrvModelEffect& effect : specs.Effects()) fEffects.push_back(EffectName(effect, source));
+  for (const OrvModelEffect& effect : specs.Effects())
+    fEffects.push_back(EffectName(effect, source));
   for (const OrvRegrParameter& parameter : parameters) {
     fParameters.push_back(ParameterName(parameter, specs, source, adapter));
   }

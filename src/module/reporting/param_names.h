@@ -11,14 +11,14 @@
 
 namespace tavo {
 
-/// Effect names such as "A", "A * B", "A(B)", "A * x"; parameter names such as "[A=1] * x". Variables go by their
-/// short names, values by the variable's print format.
+/// Effect names such as "A", "A * B", "A(B)", "A * x"; parameter names such as "[A=1] * x". Variables go by
+/// their short names, values by the variable's print format.
 class TavoParamNames {
  public:
-  /// Everything is lent during construction. `parameters` are those of one equation, in order; the effect names exclude
-  /// the intercept.
-  TavoParamNames(const TavoValidSpecs& specs, const host::VORN_DataSource& source, const OrvRegInputAdapter& adapter,
-                 const std::vector<OrvRegrParameter>& parameters);
+  /// Everything is lent during construction. `parameters` are those of one equation, in order; the effect
+  /// names exclude the intercept.
+  TavoParamNames(const TavoValidSpecs& specs, const host::VORN_DataSource& source,
+                 const OrvRegInputAdapter& adapter, const std::vector<OrvRegrParameter>& parameters);
 
   const std::vector<std::string>& Effects() const { return fEffects; }
   const std::vector<std::string>& Parameters() const { return fParameters; }

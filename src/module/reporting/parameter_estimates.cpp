@@ -33,7 +33,8 @@ class EstimateColumns {
     if (Wants(Statistic::SE)) FillStandardError(row);
     if (Wants(Statistic::CINTERVAL)) FillInterval(row);
     if (Wants(Statistic::TTEST)) FillTest(row);
-    if (Wants(Statistic::DEFF)) Put(fStatistics, "Design Effect", row.designEffect, BpProcedure::Coefficient());
+    if (Wants(Statistic::DEFF))
+      Put(fStatistics, "Design Effect", row.designEffect, BpProcedure::Coefficient());
     if (Wants(Statistic::DEFFSQRT)) {
       Put(fStatistics, "Square Root Design Effect", row.SquareRootDesignEffect(), BpProcedure::Coefficient());
     }
@@ -61,7 +62,8 @@ class EstimateColumns {
   }
 
   void FillInterval(const OrvParamStats& row) {
-    host::BpGroup& interval = fStatistics.Group(LevelLabel("^1 Confidence Interval", fSpecs.ConfidenceLevel()));
+    host::BpGroup& interval =
+        fStatistics.Group(LevelLabel("^1 Confidence Interval", fSpecs.ConfidenceLevel()));
     Put(interval, "Lower", row.confidenceLower, BpProcedure::Coefficient());
     Put(interval, "Upper", row.confidenceUpper, BpProcedure::Coefficient());
   }
@@ -69,7 +71,8 @@ class EstimateColumns {
   void FillTest(const OrvParamStats& row) {
     host::BpGroup& test = fStatistics.Group(Key("Hypothesis Test"));
     Put(test, "t", row.t, BpProcedure::GeneralStat());
-    Put(test, "degrees of freedom", row.df, row.redundant ? BpProcedure::Count() : BpProcedure::GeneralStat());
+    Put(test, "degrees of freedom", row.df,
+        row.redundant ? BpProcedure::Count() : BpProcedure::GeneralStat());
     Put(test, "Significance", row.significance, BpProcedure::Significance());
   }
 

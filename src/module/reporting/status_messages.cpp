@@ -49,7 +49,9 @@ std::string PlainStatusKey(const OrvStatus& status, const TavoComponent* compone
     case StatusCode::kReferenceNotInUse:
       return "Highest factor level is used";
     case StatusCode::kSRSVarianceZero:
-      return component != nullptr && component->Settings().NeedsSRS() ? "Parameter variance for SRS design is zero" : "";
+      return component != nullptr && component->Settings().NeedsSRS()
+                 ? "Parameter variance for SRS design is zero"
+                 : "";
     case StatusCode::kTooManyParameters:
       return status.Integer(1) >= 1 ? "Number of parameters ^1 exceeds limit ^2"
                                     : "Number params ^1 too large for available memory";
@@ -63,7 +65,8 @@ std::string PlainStatusKey(const OrvStatus& status, const TavoComponent* compone
 void SendParameterLimit(const OrvStatus& status, const std::string& key, host::BpErrorLevel level) {
   host::BpComposite message(key);
   message.Add(BpNumber{static_cast<double>(status.Integer(0)), BpProcedure::Count()});
-  if (status.Integer(1) > 0) message.Add(BpNumber{static_cast<double>(status.Integer(1)), BpProcedure::Count()});
+  if (status.Integer(1) > 0)
+    message.Add(BpNumber{static_cast<double>(status.Integer(1)), BpProcedure::Count()});
   host::BpError(message, level);
 }
 
@@ -83,7 +86,8 @@ void ReportStatusMessage(const OrvStatus& status, const TavoComponent* component
   if (status.IsOK()) return;
   const StatusMessage message = MessageOfStatus(status, component);
   if (message.key.empty()) return;
-  const host::BpErrorLevel level = status.IsError() ? host::BpErrorLevel::kError : host::BpErrorLevel::kWarning;
+  const host::BpErrorLevel level =
+      status.IsError() ? host::BpErrorLevel::kError : host::BpErrorLevel::kWarning;
   if (status.Code() == StatusCode::kTooManyParameters) {
     SendParameterLimit(status, message.key, level);
   } else if (message.stage > 0) {

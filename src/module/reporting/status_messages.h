@@ -14,12 +14,12 @@ struct StatusMessage {
   int stage = 0;    // 0: no stage argument
 };
 
-/// The key of a status. `component` may be null; it tells the stage and the stratum behind a design status, and the key
-/// that speaks of a stratum is chosen when there is one.
+/// The key of a status. `component` may be null; it tells the stage and the stratum behind a design status,
+/// and the key that speaks of a stratum is chosen when there is one.
 StatusMessage MessageOfStatus(const OrvStatus& status, const TavoComponent* component);
 
-/// Sends the message of a status: an error for an error, a warning for a warning, nothing for OK and for statuses that
-/// were reported where they arose.
+/// Sends the message of a status: an error for an error, a warning for a warning, nothing for OK and for
+/// statuses that were reported where they arose.
 void ReportStatusMessage(const OrvStatus& status, const TavoComponent* component);
 
 }  // namespace tavo

@@ -18,19 +18,21 @@ const TavoOutputStats* StatsOf(TavoProcedureDriver& driver) {
 std::vector<OrvRegrParameter> FirstEquation(const TavoOutputStats* stats) {
   if (stats == nullptr || stats->DependentCategories().size() < 2) return {};
   const std::size_t perEquation = stats->Parameters().size() / (stats->DependentCategories().size() - 1);
-  return {stats->Parameters().begin(), stats->Parameters().begin() + static_cast<std::ptrdiff_t>(perEquation)};
+  return {stats->Parameters().begin(),
+          stats->Parameters().begin() + static_cast<std::ptrdiff_t>(perEquation)};
 }
 
 /// A cut at most at `end` that doesn't split a UTF-8 character.
 std::size_t CharacterEnd(const std::string& text, std::size_t end) {
-  while (end > 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) --end;
+  while (end > 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+    --end;
   return end;
 }
 
 }  // namespace
 
-TavoOutputFrame::TavoOutputFrame(host::BpHeading& heading, TavoProcedureDriver& driver, const TavoValidSpecs& specs,
-                                 const host::ProcedureDataSource& source)
+TavoOutputFrame::TavoOutputFrame(host::BpHeading& heading, TavoProcedureDriver& driver,
+                                 const TavoValidSpecs& specs, const host::ProcedureDataSource& source)
     : fHeading(heading), fDriver(driver), fSpecs(specs), fSource(source), fpStats(StatsOf(driver)) {
   fpNames = std::make_unique<TavoParamNames>(specs, source, driver.Adapter(), FirstEquation(fpStats));
 }
@@ -44,11 +46,13 @@ host::BpVariable TavoOutputFrame::Variable(int variable) const {
 }
 
 host::BpDataValue TavoOutputFrame::Value(int variable, int code) const {
-  return {fSource.GetVariable(static_cast<unsigned>(variable)), fDriver.Adapter().ValueForCode(variable, code)};
+  return {fSource.GetVariable(static_cast<unsigned>(variable)),
+          fDriver.Adapter().ValueForCode(variable, code)};
 }
 
 host::BpDataValue TavoOutputFrame::DependentValue(int localIndex) const {
-  return Value(fSpecs.DependentVariable(), fpStats->DependentCategories()[static_cast<std::size_t>(localIndex)]);
+  return Value(fSpecs.DependentVariable(),
+               fpStats->DependentCategories()[static_cast<std::size_t>(localIndex)]);
 }
 
 host::BpComposite TavoOutputFrame::SubpopComposite() const {
@@ -73,7 +77,8 @@ void TavoOutputFrame::AddCaptionArguments(host::BpComposite& caption, bool lineF
   caption.Add(line);
   caption.Sublist();
   if (fSpecs.UsesIntercept()) caption.Add(host::Key("(Intercept)"));
-  for (const std::string& effect : EffectNames()) caption.Add(host::Plain(effect));
+  for (const std::string& effect : EffectNames())
+    caption.Add(host::Plain(effect));
   caption.EndSublist();
 }
 

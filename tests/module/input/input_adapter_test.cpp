@@ -131,17 +131,6 @@ TEST_F(InputAdapter, APopulationSizeThatIsNoPositiveWholeNumberIsReported) {
   EXPECT_TRUE(Messages()[0].isError);
 }
 
-TEST_F(InputAdapter, AFileOfBadValuesIsReportedTwentyTimesAVariable) {
-  const int n = Add("n");
-  AddStage(true, n);
-  fSpecs.BuildSettings();
-  for (int i = 0; i < 100; ++i)
-    fSource.AddCase({0.5});
-  Start();
-  EXPECT_EQ(Messages().size(), 20U);
-  EXPECT_EQ(fAdapter->Counts().invalid, 100);
-}
-
 TEST_F(InputAdapter, AMissingDesignValueDoesNotFailTheCase) {
   const int n = Add("n");
   const int p = Add("p");
