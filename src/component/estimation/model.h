@@ -86,7 +86,14 @@ class TavoModel {
   /// Fills a dense design row of p values. False for an unknown level combination, whose columns stay 0, or
   /// on a cancel. Not standardised, a column holds its covariate product; standardised, its value on the
   /// internal scale.
-  bool FillDesignRow(std::vector<double>& row, const double* dataRow, bool standardise);
+  bool FillDesignRow(std::vector<double>& row, const double* dataRow, bool standardise) const;
+  /// The categories of a factor (position from 0) that have weight, ascending, with the chosen reference
+  /// moved to the end; `counts` in parallel. `reference`: 0 highest in use, -1 lowest, otherwise that
+  /// category. Warnings: 95041 fewer than two categories where a comparison is wanted (`isControl` false; no
+  /// reference is chosen then), 95042 and, for a control, 95043 the requested category is not in use and the
+  /// highest was taken (integers: record column, request).
+  OrvStatus FactorLevels(int factor, int reference, bool isControl, std::vector<int>& levels,
+                         std::vector<double>& counts) const;
   /// The rows of a custom hypothesis as numbers: one row each, with the columns of one logit, or of all
   /// logits
   /// (`isFull`) when the first row is kAll. Rows count from 0 in the arguments of errors: 95009 wrong number
@@ -168,13 +175,15 @@ class TavoModel {
   void RepeatForOtherLogits();
   void AllocateMatrices();
   double DesignValue(const double* row, std::size_t effect, bool usePatternOffsets) const;
-  bool FindParameters(const double* dataRow);
+  bool FindParameters(const double* dataRow) const;
   bool FillScoringRow(const double* dataRow);
   void EvaluateScoringRow(std::vector<double>& probabilities, int& local);
   int BreakTie();
   bool ScoreRow(std::vector<double>& sums, const double* dataRow);
   void AddToSRSCentre(double weight);
-  OrvStatus FillHypothesisRow(const TavoMatrixRow& row, int number, MCRectMatrix& L) const;
+  OrvStatus FillHypothesisRow(const TavoMatrixRow& row, int number, bool isFull, MCRectMatrix& L) const;
+  OrvStatus FillEffectTerms(const TavoMatrixRow& row, int number, MCRectMatrix& L) const;
+  OrvStatus FillAllValues(const TavoMatrixRow& row, int number, MCRectMatrix& L) const;
 
   const TavoCompSettings& fSettings;
   const OrvCancelInfo& fCancel;
@@ -216,7 +225,7 @@ class TavoModel {
   std::vector<CovariateTerm> fCovariateTerms;
   std::vector<double> fConstantValues;  // by model effect: the design value of an effect without covariates
   // Work of the evaluation of one data row: its design row, sparse, with basic parameter indices.
-  std::vector<int> fWorkParameters;  // by model effect
+  mutable std::vector<int> fWorkParameters;  // by model effect
   std::vector<int> fWorkIndices;
   std::vector<double> fWorkValues;
   std::vector<double> fWorkProbabilities;  // K

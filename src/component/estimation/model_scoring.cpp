@@ -30,11 +30,11 @@ void KeepLargest(std::vector<int>& tied, const std::vector<double>& counts) {
 }  // namespace
 
 // False for a level combination that the estimation data didn't have.
-bool TavoModel::FindParameters(const double* dataRow) {
+bool TavoModel::FindParameters(const double* dataRow) const {
   return fpTables->ParameterIndices(dataRow, fWorkParameters);
 }
 
-bool TavoModel::FillDesignRow(std::vector<double>& row, const double* dataRow, bool standardise) {
+bool TavoModel::FillDesignRow(std::vector<double>& row, const double* dataRow, bool standardise) const {
   if (!fbStructureReady || fCancel.IsCancelled()) return false;
   row.assign(fBasicParameters.size(), 0.0);
   const bool isKnown = FindParameters(dataRow);

@@ -1,0 +1,149 @@
+#include "inference/odds_ratios.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "design/inference.h"
+#include "estimation/numerics/machine_constants.h"
+
+namespace tavo {
+
+namespace {
+
+using MCCommonMath::IsMissing;
+using MCCommonMath::MCMV;
+using MCCommonMath::MCPower;
+
+double ExpOrMissing(double exponent) {
+  return exponent > MCPower::gMachineMaxExp ? MCMV::gMissingValue : std::exp(exponent);
+}
+
+int RequestOf(double control) { return control >= 0 ? static_cast<int>(control + 0.5) : OrvOddsRatioSpec::kLowest; }
+
+}  // namespace
+
+TavoOddsRatioEstimator::TavoOddsRatioEstimator(const TavoModel& model, const OrvOddsRatioSpec& request,
+                                               const std::vector<double>& means, const TavoInference& inference)
+    : fModel(model), fRequest(request), fInference(inference) {
+  const TavoCompSettings& settings = model.Settings();
+  fLayout.Set(settings.Dependent(), settings.Factors(), settings.Covariates(), settings.WeightVar());
+  for (const OrvOddsRatioSpec::Control& control : request.Controls()) fControls[control.variable] = control.value;
+  fBase.assign(static_cast<std::size_t>(fLayout.Size()), 0.0);
+  fBase[static_cast<std::size_t>(fLayout.WeightOffset())] = 1.0;
+  HoldFactors();
+  HoldCovariates(means);
+  fFixed = fBase;
+  fChanged = fBase;
+}
+
+void TavoOddsRatioEstimator::HoldFactors() {
+  const std::vector<int>& factors = fModel.Settings().Factors();
+  std::vector<int> levels;
+  std::vector<double> counts;
+  for (std::size_t i = 0; i < factors.size(); ++i) {
+    const auto control = fControls.find(factors[i]);
+    const int request = control == fControls.end() ? OrvOddsRatioSpec::kHighest : RequestOf(control->second);
+    Warn(fModel.FactorLevels(static_cast<int>(i), request, true, levels, counts));
+    const int level = levels.empty() ? 0 : levels.back();
+    fBase[static_cast<std::size_t>(fLayout.FactorOffsets()[i])] = level;
+    if (level > 0) fFixedPairs.push_back({factors[i], static_cast<double>(level)});
+  }
+}
+
+void TavoOddsRatioEstimator::HoldCovariates(const std::vector<double>& means) {
+  const std::vector<int>& covariates = fModel.Settings().Covariates();
+  for (std::size_t i = 0; i < covariates.size(); ++i) {
+    const auto control = fControls.find(covariates[i]);
+    const bool isControlled = control != fControls.end() && !IsMissing(control->second);
+    const double value = isControlled ? control->second : means[i];
+    fBase[static_cast<std::size_t>(fLayout.CovariateOffsets()[i])] = value;
+    if (!IsMissing(value)) fFixedPairs.push_back({covariates[i], value});
+  }
+}
+
+OrvStatus TavoOddsRatioEstimator::Estimate() {
+  for (int logit = 0; logit < fModel.EquationCount(); ++logit) {
+    for (const OrvOddsRatioSpec::Factor& factor : fRequest.Factors()) FactorOddsRatios(factor, logit);
+    for (std::size_t i = 0; i < fRequest.Covariates().size(); ++i) CovariateOddsRatios(i, logit);
+  }
+  const bool nothing = fRequest.FactorCount() > 0 && fResults.empty();
+  return nothing ? OrvStatus::Error(StatusCode::kOddsFactorOneLevel) : OrvStatus();
+}
+
+std::size_t TavoOddsRatioEstimator::PositionOf(int column) const {
+  const std::vector<int>& columns = fLayout.Columns();
+  return static_cast<std::size_t>(std::find(columns.begin(), columns.end(), column) - columns.begin());
+}
+
+void TavoOddsRatioEstimator::FactorOddsRatios(const OrvOddsRatioSpec::Factor& wanted, int logit) {
+  const std::size_t position = PositionOf(wanted.variable);
+  const int factor = static_cast<int>(position) - fLayout.FactorOffsets().front();
+  std::vector<int> levels;
+  std::vector<double> counts;
+  const OrvStatus status = fModel.FactorLevels(factor, wanted.reference, false, levels, counts);
+  Warn(status);
+  if (status.Code() == StatusCode::kOddsFactorOneLevel) return;
+  const int reference = levels.back();
+  levels.pop_back();
+  for (const int level : levels) {
+    fFixed[position] = reference;
+    fChanged[position] = level;
+    TavoOddsRatioStats stats;
+    stats.variable = wanted.variable;
+    stats.category = level;
+    stats.reference = reference;
+    ComputeOneRatio(stats, logit);
+  }
+  fFixed[position] = fBase[position];
+  fChanged[position] = fBase[position];
+}
+
+void TavoOddsRatioEstimator::CovariateOddsRatios(std::size_t covariate, int logit) {
+  const int column = fRequest.Covariates()[covariate];
+  const std::size_t position = PositionOf(column);
+  for (const double change : fRequest.Changes()[covariate]) {
+    TavoOddsRatioStats stats;
+    stats.variable = column;
+    stats.change = change;
+    if (IsMissing(fBase[position]) || IsMissing(change)) {  // nothing can be said about this change
+      stats.dependentCategory = fModel.Categories()[static_cast<std::size_t>(logit)];
+      fResults.push_back(stats);
+      continue;
+    }
+    fChanged[position] = fBase[position] + change;
+    ComputeOneRatio(stats, logit);
+  }
+  fChanged[position] = fBase[position];
+}
+
+void TavoOddsRatioEstimator::ComputeOneRatio(TavoOddsRatioStats stats, int logit) {
+  fModel.FillDesignRow(fFixedRow, fFixed.data(), false);
+  fModel.FillDesignRow(fChangedRow, fChanged.data(), false);
+  fDifference.resize(fFixedRow.size());
+  const double* block =
+      fModel.Estimates().data() + static_cast<std::size_t>(logit) * static_cast<std::size_t>(fDifference.size());
+  double logOdds = 0;
+  for (std::size_t i = 0; i < fDifference.size(); ++i) {
+    fDifference[i] = fChangedRow[i] - fFixedRow[i];
+    logOdds += fDifference[i] * block[i];
+  }
+  stats.dependentCategory = fModel.Categories()[static_cast<std::size_t>(logit)];
+  stats.oddsRatio = ExpOrMissing(logOdds);
+  const MCCommonMath::MCSymMatrix* covariance = fInference.PECovar();
+  const double variance =
+      covariance == nullptr ? MCMV::gMissingValue : covariance->ComputeBlockVSV(logit, logit, fDifference);
+  const double percentile = fInference.TPercentile();
+  if (!IsMissing(variance) && !IsMissing(percentile)) {
+    const double margin = percentile * (variance > 0 ? std::sqrt(variance) : 0.0);
+    stats.confidenceLower = ExpOrMissing(logOdds - margin);
+    stats.confidenceUpper = ExpOrMissing(logOdds + margin);
+  }
+  fResults.push_back(stats);
+}
+
+void TavoOddsRatioEstimator::Warn(const OrvStatus& status) {
+  if (status.IsOK() || std::find(fWarnings.begin(), fWarnings.end(), status) != fWarnings.end()) return;
+  fWarnings.push_back(status);
+}
+
+}  // namespace tavo

@@ -1,0 +1,76 @@
+// Odds ratios between two points of the predictors.
+#pragma once
+
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "estimation/model.h"
+#include "estimation/numerics/missing_value.h"
+#include "frame/orv_status.h"
+#include "input/odds_ratio_spec.h"
+
+namespace tavo {
+
+class TavoInference;
+
+/// One odds ratio with its confidence limits. A factor's has both categories, a covariate's the change.
+struct TavoOddsRatioStats {
+  int variable = -1;   // record column
+  int category = -1;   // code compared
+  int reference = -1;  // code of the reference
+  double change = MCCommonMath::MCMV::gMissingValue;
+  int dependentCategory = -1;  // code of the logit
+  double oddsRatio = MCCommonMath::MCMV::gMissingValue;
+  double confidenceLower = MCCommonMath::MCMV::gMissingValue;
+  double confidenceUpper = MCCommonMath::MCMV::gMissingValue;
+};
+
+/// Made for one request and run once. The ratios come from the difference of two whole design rows, so interactions and
+/// nesting need no special cases: exp(x'b) for each logit, with limits formed on the log scale, each exponentiated for
+/// itself. A number that overflows is missing while the others stand.
+class TavoOddsRatioEstimator {
+ public:
+  struct FixedPair {
+    int variable;  // record column
+    double value;  // a factor's code, a covariate's value
+  };
+
+  /// Everything is lent; the request is over record columns. `means` are the covariate means in settings' order.
+  TavoOddsRatioEstimator(const TavoModel& model, const OrvOddsRatioSpec& request, const std::vector<double>& means,
+                         const TavoInference& inference);
+
+  /// Results logit by logit, in the order of the request. Error 95041 when no factor gave a ratio.
+  OrvStatus Estimate();
+  const std::vector<TavoOddsRatioStats>& Results() const { return fResults; }
+  /// The values at which the predictors are held.
+  const std::vector<FixedPair>& FixedPairs() const { return fFixedPairs; }
+  /// 95041, 95042, 95043; each once.
+  const std::vector<OrvStatus>& Warnings() const { return fWarnings; }
+
+ private:
+  void HoldFactors();
+  void HoldCovariates(const std::vector<double>& means);
+  void FactorOddsRatios(const OrvOddsRatioSpec::Factor& wanted, int logit);
+  void CovariateOddsRatios(std::size_t covariate, int logit);
+  void ComputeOneRatio(TavoOddsRatioStats stats, int logit);
+  void Warn(const OrvStatus& status);
+  std::size_t PositionOf(int column) const;
+
+  const TavoModel& fModel;
+  const OrvOddsRatioSpec& fRequest;
+  const TavoInference& fInference;
+  OrvRecordExtractor fLayout;
+  std::map<int, double> fControls;  // by record column
+  std::vector<double> fBase;        // data rows in the layout of the extractor
+  std::vector<double> fFixed;
+  std::vector<double> fChanged;
+  std::vector<double> fFixedRow;  // design rows
+  std::vector<double> fChangedRow;
+  std::vector<double> fDifference;
+  std::vector<FixedPair> fFixedPairs;
+  std::vector<TavoOddsRatioStats> fResults;
+  std::vector<OrvStatus> fWarnings;
+};
+
+}  // namespace tavo
