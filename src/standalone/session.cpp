@@ -11,14 +11,13 @@
 #include "output/message_text.h"
 #include "output/pivot_builder.h"
 #include "output/progress.h"
-#include "output/template.h"
 #include "threads/task_threads.h"
 
 namespace standalone {
 
 namespace {
 
-constexpr const char* kLeftOut = "Messages of the same kind were left out ^1...";
+constexpr const char* kLeftOut = "Messages of the same kind were left out...";
 
 // The module's entry takes no arguments, so one pointer must say whose command runs. It is set and read by
 // the thread that runs commands only.
@@ -59,9 +58,7 @@ void Session::BeginCommand(const CommandTokens& command, const SourceText& sourc
 void Session::EndCommand() {
   if (fpOutput == nullptr) return;
   static_cast<ProgressLine&>(*fpProgress).Clear();
-  if (const long leftOut = fLimit.TakeLeftOut(); leftOut > 0) {
-    AddTextMessage(false, kLeftOut, FillTemplate(CatalogueText(kLeftOut), {std::to_string(leftOut)}));
-  }
+  if (fLimit.TakeLeftOut()) AddTextMessage(false, kLeftOut, CatalogueText(kLeftOut));
   const auto& messages = fpOutput->messages;
   fpOutput->failed = fCommon.errorFlag != 0 || std::any_of(messages.begin(), messages.end(),
                                                            [](const Message& m) { return m.isError; });

@@ -61,8 +61,8 @@ class Session final : public host::HostSession {
   const Document& Output() const { return fDocument; }
 
   /// Puts a message into the document and onto the message stream. An error sets the error flag. What a
-  /// command has said already is not said again, and of very many messages with one key the last are only
-  /// counted.
+  /// command has said already is not said again, and of very many messages with one key the last are left
+  /// out.
   void AddMessage(Message message);
   /// A message that doesn't belong to a place in a command and whose text is final.
   void AddTextMessage(bool isError, std::string key, std::string text);

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <regex>
 
 namespace {
 
@@ -30,7 +31,8 @@ bool SameLabel(const std::string& a, const std::string& b) {
 bool IsSubsequence(const std::vector<std::string>& wanted, const nlohmann::json& path) {
   auto at = path.begin();
   for (const std::string& label : wanted) {
-    while (at != path.end() && !SameLabel(label, at->get<std::string>())) ++at;
+    while (at != path.end() && !SameLabel(label, at->get<std::string>()))
+      ++at;
     if (at == path.end()) return false;
     ++at;
   }
@@ -59,6 +61,12 @@ std::string ReadText(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
+std::string WithoutSeconds(const std::string& text) {
+  static const std::regex seconds("\\([0-9]+\\.[0-9]+ s\\)");
+  static const std::regex rule("(═)+");
+  return std::regex_replace(std::regex_replace(text, seconds, "(… s)"), rule, "═");
+}
+
 ProgramRun RunProgram(const std::vector<std::string>& arguments, const std::filesystem::path& folder) {
   const TemporaryFolder scratch;
   const std::filesystem::path out = scratch.Path() / "out";
@@ -66,7 +74,8 @@ ProgramRun RunProgram(const std::vector<std::string>& arguments, const std::file
   std::vector<std::string> words = {TAVOREG_PROGRAM};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
-  for (std::string& word : words) argv.push_back(word.data());
+  for (std::string& word : words)
+    argv.push_back(word.data());
   argv.push_back(nullptr);
 
   posix_spawn_file_actions_t actions;
@@ -88,8 +97,9 @@ ProgramRun RunProgram(const std::vector<std::string>& arguments, const std::file
   return run;
 }
 
-nlohmann::json FindCell(const nlohmann::json& document, const std::string& table, const std::vector<std::string>& row,
-                        const std::vector<std::string>& column, int command) {
+nlohmann::json FindCell(const nlohmann::json& document, const std::string& table,
+                        const std::vector<std::string>& row, const std::vector<std::string>& column,
+                        int command) {
   nlohmann::json found;
   int hits = 0;
   for (const auto& candidate : document["commands"][static_cast<std::size_t>(command)]["tables"]) {

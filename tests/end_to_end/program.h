@@ -32,8 +32,13 @@ class TemporaryFolder {
   std::filesystem::path fPath;
 };
 
+/// Printed output without what differs from run to run: the seconds that a command took, with their rule.
+std::string WithoutSeconds(const std::string& text);
+
 std::string ReadText(const std::filesystem::path& path);
 
-/// The cells of a table of the first command whose paths hold these labels in order; null when not exactly one fits.
-nlohmann::json FindCell(const nlohmann::json& document, const std::string& table, const std::vector<std::string>& row,
-                        const std::vector<std::string>& column, int command = 0);
+/// The cells of a table of the first command whose paths hold these labels in order; null when not exactly
+/// one fits.
+nlohmann::json FindCell(const nlohmann::json& document, const std::string& table,
+                        const std::vector<std::string>& row, const std::vector<std::string>& column,
+                        int command = 0);

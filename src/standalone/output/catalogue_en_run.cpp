@@ -118,8 +118,8 @@ constexpr std::array kEntries = {
     CatalogueEntry{"Did you mean ^1?", "Did you mean ^1?"},
     CatalogueEntry{"Run was interrupted...",
                    "The run was interrupted. What was not finished is not in the output."},
-    CatalogueEntry{"Messages of the same kind were left out ^1...",
-                   "^1 more messages like those above were left out."},
+    CatalogueEntry{"Messages of the same kind were left out...",
+                   "More messages of a kind that is shown above were left out."},
     CatalogueEntry{
         "Not enough memory...",
         "The memory does not suffice for this command. Try a smaller model, or a machine with more memory."},

@@ -12,16 +12,16 @@ bool MessageLimit::Admits(const Message& message, const std::vector<Message>& ea
   if (std::any_of(earlier.begin(), earlier.end(), isSame)) return false;
   int& count = fCounts[message.key];
   if (count == kMostOfOneKey) {
-    ++fNLeftOut;
+    fbLeftOut = true;
     return false;
   }
   ++count;
   return true;
 }
 
-long MessageLimit::TakeLeftOut() {
+bool MessageLimit::TakeLeftOut() {
   fCounts.clear();
-  return std::exchange(fNLeftOut, 0);
+  return std::exchange(fbLeftOut, false);
 }
 
 }  // namespace standalone

@@ -14,14 +14,14 @@ class MessageLimit {
   static constexpr int kMostOfOneKey = 20;
 
   /// False for a message that `earlier` holds already (same text, same place), and for one more than
-  /// kMostOfOneKey with the same key; the latter are counted.
+  /// kMostOfOneKey with the same key.
   bool Admits(const Message& message, const std::vector<Message>& earlier);
-  /// The messages that were one too many since the last call.
-  long TakeLeftOut();
+  /// Whether a message was one too many; the next command starts afresh.
+  bool TakeLeftOut();
 
  private:
   std::map<std::string, int> fCounts;  // by key
-  long fNLeftOut = 0;
+  bool fbLeftOut = false;
 };
 
 }  // namespace standalone

@@ -177,7 +177,7 @@ inline constexpr const char* kRunKeys[] = {
     "Command ^1 is not recognized...",
     "Did you mean ^1?",
     "Run was interrupted...",
-    "Messages of the same kind were left out ^1...",
+    "Messages of the same kind were left out...",
     "Not enough memory...",
     "Fault of the program ^1...",
 };
