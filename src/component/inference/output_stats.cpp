@@ -72,4 +72,17 @@ TavoOutputStats::Convergence TavoOutputStats::ConvergenceValues() const {
   return {optimizer->GetTerminationState(), summary.logLikelihoodChange, summary.parameterChange};
 }
 
+OrvStatus TavoOutputStats::OddsRatios(const OrvOddsRatioSpec& request, std::vector<TavoOddsRatioStats>& results,
+                                      std::vector<TavoOddsRatioEstimator::FixedPair>& fixedPairs,
+                                      std::vector<OrvStatus>& warnings) const {
+  const TavoInference* inference = fAlgorithm.Inference();
+  if (inference == nullptr) return OrvStatus::Error(StatusCode::kUserError);
+  TavoOddsRatioEstimator estimator(fAlgorithm.Model(), request, fMeanValues, *inference);
+  const OrvStatus status = estimator.Estimate();
+  results = estimator.Results();
+  fixedPairs = estimator.FixedPairs();
+  warnings = estimator.Warnings();
+  return status;
+}
+
 }  // namespace tavo

@@ -8,6 +8,7 @@
 #include "estimation/optimizer.h"
 #include "estimation/regr_parameter.h"
 #include "frame/orv_status.h"
+#include "inference/odds_ratios.h"
 #include "inference/param_stats.h"
 #include "inference/test_stats.h"
 #include "input/custom_test.h"
@@ -60,6 +61,10 @@ class TavoOutputStats {
   OrvStatus TestCustom(const OrvCustomTest& test, TestType type, PAdjustMethod method,
                        MCCommonMath::MCRectMatrix& L, std::vector<OrvTestStats>& rows,
                        OrvTestStats& overall) const;
+  /// The odds ratios of a request over record columns; see TavoOddsRatioEstimator. 91000 without a covariance.
+  OrvStatus OddsRatios(const OrvOddsRatioSpec& request, std::vector<TavoOddsRatioStats>& results,
+                       std::vector<TavoOddsRatioEstimator::FixedPair>& fixedPairs,
+                       std::vector<OrvStatus>& warnings) const;
 
  private:
   void FillParamStats();
