@@ -7,8 +7,8 @@
 
 namespace tavo {
 
-/// The one place where long loops ask whether they should stop. The answer latches: once cancelled, always cancelled,
-/// and the host isn't asked again. Safe from worker threads; a stale answer only delays the stop.
+/// The one place where long loops ask whether they should stop. The answer latches: once cancelled, always
+/// cancelled, and the host isn't asked again. Safe from worker threads; a stale answer only delays the stop.
 class OrvCancelInfo {
  public:
   OrvCancelInfo() = default;

@@ -14,8 +14,8 @@ namespace tavo {
 
 class ProgressListener;
 
-/// What a record column holds. Roles from kWeight up mark analysis columns. Those from kTwoValued on belong to the
-/// record validator's contract and are set by no setter here.
+/// What a record column holds. Roles from kWeight up mark analysis columns. Those from kTwoValued on belong
+/// to the record validator's contract and are set by no setter here.
 enum class VariableRole : int {
   kNone = 0,
   kDesignCategory = 1,  // strata, clusters, subpopulation
@@ -42,8 +42,8 @@ enum class PAdjustMethod : int {
   SequentialSidak = 4
 };
 
-/// The sample design in record columns. A setter that is given something impossible (a column that has another role, a
-/// value out of range) changes nothing and returns false.
+/// The sample design in record columns. A setter that is given something impossible (a column that has
+/// another role, a value out of range) changes nothing and returns false.
 class OrvPlanCompSettings {
  public:
   virtual ~OrvPlanCompSettings() = default;
@@ -63,7 +63,8 @@ class OrvPlanCompSettings {
 
   const std::vector<DesignStage>& Stages() const { return fStages; }  // by stage number
   int StageCount() const { return static_cast<int>(fStages.size()); }
-  const std::vector<int>& CatDesignVars() const { return fCatDesignVars; }    // strata then clusters, stage by stage
+  /// Strata then clusters, stage by stage: the columns of a design key.
+  const std::vector<int>& CatDesignVars() const { return fCatDesignVars; }
   const std::vector<int>& ContDesignVars() const { return fContDesignVars; }  // in stage order
   int WeightVar() const { return fWeightVar; }
   SRSEstimator GetSRSEstimator() const { return fSRSEstimator; }
@@ -76,8 +77,9 @@ class OrvPlanCompSettings {
   bool IsSingleStageOfEqualProbability() const;
   bool IsFirstStageUnequalProbability() const;
   InclProbType InclusionTypeOfStage(int stageNumber) const;  // kNone for an unknown stage
-  /// For each constant design variable (ContDesignVars order): its stage number, and its position in a design key
-  /// extended by the constant values. False when there is none.
+  /// For each constant design variable (ContDesignVars order): its stage number, and how many leading columns
+  /// of the design key tell the stratum in which it is constant: strata and clusters of earlier stages,
+  /// strata of its own. False when there is none.
   bool ConstantVariableMap(std::vector<int>& stages, std::vector<int>& positions) const;
 
  protected:
@@ -102,8 +104,8 @@ class OrvPlanCompSettings {
   host::MCStopProcessor* fpStopProcessor = nullptr;
 };
 
-/// The whole of the settings. Copied by value into the component; pointers stay shared. Effects refer to predictor
-/// lists of their maker, which must outlive the component.
+/// The whole of the settings. Copied by value into the component; pointers stay shared. Effects refer to
+/// predictor lists of their maker, which must outlive the component.
 class TavoCompSettings : public OrvPlanCompSettings {
  public:
   /// The plan check, then 95001 without a dependent variable, 95002 without intercept and effects.

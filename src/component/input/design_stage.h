@@ -22,8 +22,8 @@ enum class InclProbType : int {
   kPopSizeMatrix = 6
 };
 
-/// Variables are dictionary indices while the stage belongs to a validated specification, and record columns while it
-/// belongs to component settings. -1 and -1.0 mean not given.
+/// Variables are dictionary indices while the stage belongs to a validated specification, and record columns
+/// while it belongs to component settings. -1 and -1.0 mean not given.
 class DesignStage {
  public:
   int stageNumber = 0;  // from 1

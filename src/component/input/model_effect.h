@@ -7,8 +7,9 @@
 
 namespace tavo {
 
-/// Refers to a list of predictors, factors first, then covariates, which is lent and must stay unmoved while the effect
-/// lives. A position in that list stands for one predictor. An effect without factors and covariates is the intercept.
+/// Refers to a list of predictors, factors first, then covariates, which is lent and must stay unmoved while
+/// the effect lives. A position in that list stands for one predictor. An effect without factors and
+/// covariates is the intercept.
 class OrvModelEffect {
  public:
   OrvModelEffect() = default;
@@ -17,10 +18,11 @@ class OrvModelEffect {
   void Set(int factorCount, int covariateCount, const std::vector<int>* predictors);
   void Reset();
 
-  /// Raises a covariate's power by 1. Returns its position, or -1 when the variable is no covariate of the list.
+  /// Raises a covariate's power by 1. Returns its position, or -1 when the variable is no covariate of the
+  /// list.
   int AddCovariate(int variable);
-  /// Adds a factor at nesting level 0. `nested`: every factor already there moves one level out. False when the
-  /// variable is no factor of the list or is already in the effect.
+  /// Adds a factor at nesting level 0. `nested`: every factor already there moves one level out. False when
+  /// the variable is no factor of the list or is already in the effect.
   bool AddFactor(int variable, bool nested);
   /// The effect has the form X(A): covariates, then factors in parentheses.
   void MarkFactorAfterCovariates() { fbFactorAfterCovariates = true; }
@@ -41,11 +43,11 @@ class OrvModelEffect {
   int NestingLevels() const { return fNNestingLevels; }
   int TotalPower() const;
   bool IsEmpty() const { return fNFactorsInEffect == 0 && fNCovariatesInEffect == 0; }
-  /// Every factor of this effect is a factor of the other, the covariate part is the same, and the other has more
-  /// factors.
+  /// Every factor of this effect is a factor of the other, the covariate part is the same, and the other has
+  /// more factors.
   bool ContainedIn(const OrvModelEffect& other) const;
-  /// Drops the positions whose bit is off, from the effect and from the counts of the model. False when a dropped
-  /// position was in use. The predictor list itself isn't changed.
+  /// Drops the positions whose bit is off, from the effect and from the counts of the model. False when a
+  /// dropped position was in use. The predictor list itself isn't changed.
   bool KeepOnly(const MCCommonMath::MCBitSet& usedPositions);
   /// The positions that any effect of the list uses.
   static MCCommonMath::MCBitSet UsedPositions(const std::vector<OrvModelEffect>& effects);

@@ -11,8 +11,8 @@ class OrvRecordExtractor {
  public:
   void Set(int dependent, const std::vector<int>& factors, const std::vector<int>& covariates, int weight);
 
-  int Size() const { return fExtractSize; }                        // factors + covariates + 2
-  const std::vector<int>& Columns() const { return fExtract; }     // record column of each row position
+  int Size() const { return fExtractSize; }                     // factors + covariates + 2
+  const std::vector<int>& Columns() const { return fExtract; }  // record column of each row position
   int DependentOffset() const { return 0; }
   const std::vector<int>& FactorOffsets() const { return fFactorOffsets; }
   const std::vector<int>& CovariateOffsets() const { return fCovariateOffsets; }
@@ -20,7 +20,8 @@ class OrvRecordExtractor {
 
   /// Writes the row of a record's data into `row` (Size() cells).
   void Extract(const double* record, double* row) const {
-    for (std::size_t k = 0; k < fExtract.size(); ++k) row[k] = record[fExtract[k]];
+    for (std::size_t k = 0; k < fExtract.size(); ++k)
+      row[k] = record[fExtract[k]];
   }
 
  private:

@@ -8,8 +8,8 @@ namespace MCCommon {
 /// What a stream answers about itself.
 enum IteratorState : int { kAvailable = 0, kExhausted = 1, kFailed = 3 };
 
-/// A stream of records: arrays of doubles, one cell per record column, categories as positive whole codes, missing
-/// values as MCMV::gMissingValue. It knows nothing of cases, variables or passes.
+/// A stream of records: arrays of doubles, one cell per record column, categories as positive whole codes,
+/// missing values as MCMV::gMissingValue. It knows nothing of cases, variables or passes.
 class RecordIterator {
  public:
   virtual ~RecordIterator() = default;

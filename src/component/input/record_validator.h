@@ -10,10 +10,10 @@
 
 namespace tavo {
 
-/// Decides by the role of each column. A value that only leaves the case out (missing, weight not above 0) fails
-/// silently; a value that can't be (a category code that isn't whole) fails hard, with 91006 in the status. The same
-/// rules run in all passes, so that every pass sees the same cases. A weight or covariate that is infinite or NaN fails
-/// hard: it would spoil every sum that it enters.
+/// Decides by the role of each column. A value that only leaves the case out (missing, weight not above 0)
+/// fails silently; a value that can't be (a category code that isn't whole) fails hard, with 91006 in the
+/// status. The same rules run in all passes, so that every pass sees the same cases. A weight or covariate
+/// that is infinite or NaN fails hard: it would spoil every sum that it enters.
 class OrvRecordValidator {
  public:
   OrvRecordValidator(const std::vector<VariableRole>& roles, const std::vector<int>& factorColumns,

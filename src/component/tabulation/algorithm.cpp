@@ -207,10 +207,14 @@ void TavoAlgorithm::ComputeCovariances(const SampleDesign& design) {
   fNClusters = design.UnitCount(0);
   fpInference = std::make_unique<TavoInference>(fSettings, fModel, design, fCancel);
   Merge(fpInference->ComputePECovar(design));
-  if (!MayGoOn() || !fSettings.NeedsSRS()) return;
-  const bool isItselfSRS = fSettings.IsSingleStageOfEqualProbability() && fNStrata == 1 &&
-                           static_cast<double>(fNClusters) == fFactorTables.SampleSize();
-  Merge(fpInference->ComputePECovarSRS(isItselfSRS));
+  if (MayGoOn() && fSettings.NeedsSRS()) {
+    const bool isItselfSRS = fSettings.IsSingleStageOfEqualProbability() && fNStrata == 1 &&
+                             static_cast<double>(fNClusters) == fFactorTables.SampleSize();
+    Merge(fpInference->ComputePECovarSRS(isItselfSRS));
+  }
+  fModel.ReleaseSRSCentre();
+  fModel.ReleaseHessianGI();
+  if (MayGoOn()) Merge(fpInference->PrepareTests(true));
 }
 
 // ---- what warnings are about ----

@@ -19,8 +19,9 @@ namespace tavo {
 
 class TavoPatternTabulator;
 
-/// Owns all working objects of a run. Each stage starts only when the status is no error and nobody cancelled. Pattern
-/// data is released before the design pass starts, so the two large tables never stand in memory together.
+/// Owns all working objects of a run. Each stage starts only when the status is no error and nobody
+/// cancelled. Pattern data is released before the design pass starts, so the two large tables never stand in
+/// memory together.
 class TavoAlgorithm {
  public:
   /// `settings` are lent.
@@ -29,15 +30,16 @@ class TavoAlgorithm {
 
   /// First pass: fills the factor tables. 95003 when called twice.
   OrvStatus ProcessData(MCCommon::RecordIterator& iterator);
-  /// The whole run, ProcessData included. 95005 when called twice; 91000 for a design with unequal probabilities without
-  /// replacement, which needs joint inclusion probabilities; 95045 when memory runs out. The result is an error, or the last warning, or OK.
+  /// The whole run, ProcessData included. 95005 when called twice; 91000 for a design with unequal
+  /// probabilities without replacement, which needs joint inclusion probabilities; 95045 when memory runs
+  /// out. The result is an error, or the last warning, or OK.
   OrvStatus BuildModel(MCCommon::MultiPassRecordIter& iterator);
-  /// Scores one record: categories (reference last), their probabilities, and the predicted category code. Code 0 and
-  /// missing probabilities for a record that lacks a covariate of the model or has a level combination that the
-  /// estimation data didn't have, and with 95037 outside the subpopulation. 95006 before the model is built, 91004 for a
-  /// short record, 1.
-  OrvStatus Predict(const MCCommon::Record& record, std::vector<int>& categories, std::vector<double>& probabilities,
-                    int& category);
+  /// Scores one record: categories (reference last), their probabilities, and the predicted category code.
+  /// Code 0 and missing probabilities for a record that lacks a covariate of the model or has a level
+  /// combination that the estimation data didn't have, and with 95037 outside the subpopulation. 95006 before
+  /// the model is built, 91004 for a short record, 1.
+  OrvStatus Predict(const MCCommon::Record& record, std::vector<int>& categories,
+                    std::vector<double>& probabilities, int& category);
 
   bool IsModelBuilt() const { return fbModelBuilt; }
   const TavoCompSettings& Settings() const { return fSettings; }

@@ -14,8 +14,8 @@ namespace tavo {
 class TavoAlgorithm;
 class TavoOutputStats;
 
-/// Takes settings and a stream of records, and answers with a fitted model and its design-based statistics. Knows
-/// nothing of a host. See examples/component_only.cpp for a whole use.
+/// Takes settings and a stream of records, and answers with a fitted model and its design-based statistics.
+/// Knows nothing of a host. See examples/component_only.cpp for a whole use.
 class TavoComponent {
  public:
   /// Copies and validates the settings; predictor lists to which their effects refer stay lent.
@@ -34,8 +34,8 @@ class TavoComponent {
   /// The results, lent; 95006 and null before the model is built.
   OrvStatus OutputStatistics(const TavoOutputStats*& statistics);
   /// Scores one record; see TavoAlgorithm::Predict.
-  OrvStatus Predict(const MCCommon::Record& record, std::vector<int>& categories, std::vector<double>& probabilities,
-                    int& category);
+  OrvStatus Predict(const MCCommon::Record& record, std::vector<int>& categories,
+                    std::vector<double>& probabilities, int& category);
   const TavoCompSettings& Settings() const { return fCompSettings; }
   /// A one-line diagnostic text of the state.
   std::string StatusText() const;

@@ -82,7 +82,7 @@ void TavoDataTabulator::FillKey(const double* record) {
 
 // Survey files are often sorted by design, so the previous record's unit is tried before the table.
 TavoDataTabulator::Unit& TavoDataTabulator::UnitOfKey(bool& isNew) {
-  if (fpLastUnit != nullptr && fpLastUnit->key.Values() == fKey.Values()) return *fpLastUnit;
+  if (fpLastUnit != nullptr && fpLastUnit->key.HasSameValues(fKey)) return *fpLastUnit;
   fKey.ComputeHash();
   fpLastUnit = fTable.Find(fKey);
   isNew = fpLastUnit == nullptr;

@@ -19,19 +19,20 @@ class TavoModel;
 
 /// What the records of one design key hold.
 struct OrvRClusterData {
-  std::vector<double> recordData;    // rows end to end
-  std::vector<double> constValues;   // by constant design variable; missing until one is met
-  int subpopComplement = 0;          // records outside the subpopulation
+  std::vector<double> recordData;   // rows end to end
+  std::vector<double> constValues;  // by constant design variable; missing until one is met
+  int subpopComplement = 0;         // records outside the subpopulation
 };
 
-/// A design value that wasn't constant, was missing, or a population below its sample: where it was first met.
+/// A design value that wasn't constant, was missing, or a population below its sample: where it was first
+/// met.
 struct DesignFinding {
   bool reported = false;
   OrvKey key;
 };
 
-/// Groups records by the strata and cluster codes of all stages, sorts the groups, and walks them in order: the length
-/// of the key prefix that two neighbours share tells which levels of the design end between them.
+/// Groups records by the strata and cluster codes of all stages, sorts the groups, and walks them in order:
+/// the length of the key prefix that two neighbours share tells which levels of the design end between them.
 class TavoDataTabulator {
  public:
   /// Everything is lent.
@@ -40,11 +41,13 @@ class TavoDataTabulator {
 
   /// The pass itself, once. 91000 for a second call, 91001 to 91006, 1; warning 91005.
   OrvStatus TabulateDesign(MCCommon::RecordIterator& iterator);
-  /// The feeds answer 91000 before TabulateDesign, 91008 and 91009 for a fault of the design, 1; warning 91005.
+  /// The feeds answer 91000 before TabulateDesign, 91008 and 91009 for a fault of the design, 1; warning
+  /// 91005.
   ///
   /// For designs whose last stage has clusters: one unit per key, the sum of its rows' scores.
   OrvStatus FeedDesignByUnit(TavoModel& model, SampleDesign& design);
-  /// For designs in which each record is a unit; records outside the subpopulation are units with zero scores.
+  /// For designs in which each record is a unit; records outside the subpopulation are units with zero
+  /// scores.
   OrvStatus FeedDesignByRecord(TavoModel& model, SampleDesign& design);
 
   /// By constant design variable.
@@ -66,8 +69,8 @@ class TavoDataTabulator {
   int CompareConstants(const double* record, OrvRClusterData& data) const;
   OrvStatus ReportInconsistent(int index, const OrvKey& key);
   void NoteFinding(int index, const OrvKey& key);
-  /// Walks the units in key order: `addUnit` hands one over, then its values are checked and the levels that end with
-  /// it are closed.
+  /// Walks the units in key order: `addUnit` hands one over, then its values are checked and the levels that
+  /// end with it are closed.
   template <class AddUnit>
   OrvStatus FeedDesign(SampleDesign& design, AddUnit&& addUnit);
   OrvStatus CheckStageValues(SampleDesign& design, const Unit& unit);

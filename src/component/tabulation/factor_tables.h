@@ -1,5 +1,5 @@
-// What the first pass learns: categories in use, level combinations of each effect, means and spreads of covariates;
-// and the numbering of the parameters that follows from it.
+// What the first pass learns: categories in use, level combinations of each effect, means and spreads of
+// covariates; and the numbering of the parameters that follows from it.
 #pragma once
 
 #include <utility>
@@ -9,8 +9,8 @@
 
 namespace tavo {
 
-/// Weighted counts of the categories of factors and of the dependent variable. Factor positions and categories are
-/// 0-based here. A plain value: results keep a deep copy.
+/// Weighted counts of the categories of factors and of the dependent variable. Factor positions and
+/// categories are 0-based here. A plain value: results keep a deep copy.
 class OrvFactorCounts {
  public:
   /// First the weighted, then the unweighted count.
@@ -24,9 +24,13 @@ class OrvFactorCounts {
   int FactorCount() const { return static_cast<int>(fFactorColumns.size()); }
   int CategoryCount(int factor) const { return fCategoryCounts[static_cast<std::size_t>(factor)]; }
   /// Weighted count of each category of a factor.
-  const std::vector<double>& FactorCounts(int factor) const { return fFactorCounts[static_cast<std::size_t>(factor)]; }
+  const std::vector<double>& FactorCounts(int factor) const {
+    return fFactorCounts[static_cast<std::size_t>(factor)];
+  }
   /// Counts of each dependent category; null without a dependent.
-  const std::vector<CountPair>* DependentCounts() const { return fDependentColumn < 0 ? nullptr : &fDependentCounts; }
+  const std::vector<CountPair>* DependentCounts() const {
+    return fDependentColumn < 0 ? nullptr : &fDependentCounts;
+  }
   /// How many categories of a factor have a positive count; -1 for a factor out of range.
   int CategoriesInUse(int factor) const;
 
@@ -46,10 +50,11 @@ class OrvFactorTables : public OrvFactorCounts {
  public:
   using OrvFactorCounts::OrvFactorCounts;
 
-  /// `effectFactors`: for each model effect (the intercept first when there is one) the record columns of its factors.
-  /// `extractPositions`: for each factor its position in an extracted row. Rebuilds all tables. False, with nothing
-  /// changed, when an effect names a column that is no factor or a position is missing.
-  bool SetEffects(const std::vector<std::vector<int>>& effectFactors, const std::vector<int>& extractPositions);
+  /// `effectFactors`: for each model effect (the intercept first when there is one) the record columns of its
+  /// factors. `extractPositions`: for each factor its position in an extracted row. Rebuilds all tables.
+  /// False, with nothing changed, when an effect names a column that is no factor or a position is missing.
+  bool SetEffects(const std::vector<std::vector<int>>& effectFactors,
+                  const std::vector<int>& extractPositions);
   /// For each model effect the record columns of its covariates and their powers.
   void SetEffectCovariates(std::vector<std::vector<int>> covariates, std::vector<std::vector<int>> exponents);
   /// Record columns of the covariates whose means are wanted.
@@ -60,8 +65,8 @@ class OrvFactorTables : public OrvFactorCounts {
   /// Counts one record outside the subpopulation.
   void AddComplement(double weight);
 
-  /// Numbers the parameters: an effect with factors gets one for each level combination that occurred, in sorted order,
-  /// an effect without factors one. Returns their total.
+  /// Numbers the parameters: an effect with factors gets one for each level combination that occurred, in
+  /// sorted order, an effect without factors one. Returns their total.
   int AssignParameters();
 
   int EffectCount() const { return static_cast<int>(fEffectFactors.size()); }
@@ -71,20 +76,23 @@ class OrvFactorTables : public OrvFactorCounts {
   const std::vector<int>& ParameterOffsets() const { return fParameterOffsets; }
   /// Parameters of a model effect; 0 for an effect out of range.
   int ParameterCount(int effect) const;
-  /// Parameter index of each model effect for an extracted row, -1 for a level combination that never occurred; the
-  /// result is false then. `indices` is sized once by the caller to EffectCount(). Not safe for two threads at once on
-  /// one object (working keys).
+  /// Parameter index of each model effect for an extracted row, -1 for a level combination that never
+  /// occurred; the result is false then. `indices` is sized once by the caller to EffectCount(). Not safe for
+  /// two threads at once on one object (working keys).
   bool ParameterIndices(const double* row, std::vector<int>& indices);
-  /// The same for the effects with factors only, as positions within the effect, in the order of FactorEffects().
+  /// The same for the effects with factors only, as positions within the effect, in the order of
+  /// FactorEffects().
   bool LocalParameterIndices(const double* row, std::vector<int>& positions);
-  /// 1-based factor levels of a parameter within an effect (parameter counted from 0), in the effect's factor order;
-  /// empty for an effect without factors. False when out of range.
+  /// 1-based factor levels of a parameter within an effect (parameter counted from 0), in the effect's factor
+  /// order; empty for an effect without factors. False when out of range.
   bool EffectLevels(std::vector<int>& levels, int effect, int parameter) const;
 
-  /// Centres and scales by which the columns of each effect are transformed for the fit; computed at first use.
+  /// Centres and scales by which the columns of each effect are transformed for the fit; computed at first
+  /// use.
   const std::vector<double>& Centres(bool hasIntercept);
   const std::vector<double>& Scales(bool hasIntercept);
-  /// Weighted covariate means, in the order of SetCovariates; all missing when the total weight isn't positive.
+  /// Weighted covariate means, in the order of SetCovariates; all missing when the total weight isn't
+  /// positive.
   const std::vector<double>& CovariateMeans();
 
   double TotalWeight() const { return fTotalWeight; }            // in the subpopulation
@@ -98,8 +106,8 @@ class OrvFactorTables : public OrvFactorCounts {
     int column;
     int power;
   };
-  /// The product of an effect's covariates: its running weighted mean and sum of squares are that effect's centre and
-  /// scale until the transformation is computed.
+  /// The product of an effect's covariates: its running weighted mean and sum of squares are that effect's
+  /// centre and scale until the transformation is computed.
   struct Product {
     std::size_t effect;
     std::vector<Term> terms;
@@ -118,9 +126,10 @@ class OrvFactorTables : public OrvFactorCounts {
   std::vector<int> fEffectNumbers;                   // by effect with factors: model effect
   std::vector<int> fLocalEffects;                    // by model effect: effect with factors, or -1
   std::vector<OrvEffectCombinations> fCombinations;  // by effect with factors
-  std::vector<int> fFactorValues = std::vector<int>(fFactorColumns.size(), -1);  // 0-based levels of the record
-  std::vector<int> fParameterOffsets;                // by model effect
-  std::vector<int> fExtractPositions;                // by factor
+  std::vector<int> fFactorValues =
+      std::vector<int>(fFactorColumns.size(), -1);  // 0-based levels of the record
+  std::vector<int> fParameterOffsets;               // by model effect
+  std::vector<int> fExtractPositions;               // by factor
   std::vector<std::vector<int>> fEffectCovariates;
   std::vector<std::vector<int>> fEffectExponents;
   std::vector<Product> fProducts;

@@ -25,7 +25,17 @@ class OrvKey {
   /// arithmetic; 0 for an empty key.
   void ComputeHash();
 
-  friend bool operator==(const OrvKey& a, const OrvKey& b) { return a.fHash == b.fHash && a.fValues == b.fValues; }
+  /// Keys are short: a loop beats the call that comparing whole vectors makes.
+  bool HasSameValues(const OrvKey& other) const {
+    if (fValues.size() != other.fValues.size()) return false;
+    for (std::size_t i = 0; i < fValues.size(); ++i) {
+      if (fValues[i] != other.fValues[i]) return false;
+    }
+    return true;
+  }
+  friend bool operator==(const OrvKey& a, const OrvKey& b) {
+    return a.fHash == b.fHash && a.HasSameValues(b);
+  }
   /// The shorter key first; at equal length the first unequal value decides.
   friend bool operator<(const OrvKey& a, const OrvKey& b);
 
@@ -37,8 +47,9 @@ class OrvKey {
 /// Number of leading values in which two keys agree.
 int SharedPrefix(const OrvKey& a, const OrvKey& b);
 
-/// A chained hash table from keys to payloads. It owns both; nodes keep their address until the table is destroyed.
-/// It starts with 89 buckets and grows to twice that plus 1 when the element count passes three quarters.
+/// A chained hash table from keys to payloads. It owns both; nodes keep their address until the table is
+/// destroyed. It starts with 89 buckets and grows to twice that plus 1 when the element count passes three
+/// quarters.
 template <class Payload>
 class OrvKeyTable {
  public:
@@ -88,7 +99,8 @@ class OrvKeyTable {
   void Grow() {
     fBuckets.assign(2 * fBuckets.size() + 1, nullptr);
     fThreshold = static_cast<int>(static_cast<double>(fBuckets.size()) * 0.75);
-    for (Node& node : fNodes) Link(node);
+    for (Node& node : fNodes)
+      Link(node);
   }
 
   std::vector<Node*> fBuckets;

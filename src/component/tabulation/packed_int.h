@@ -6,14 +6,14 @@
 
 namespace tavo {
 
-/// Mixed-radix packing: the first value of a storage unit is its least significant digit. One unit holds at most a
-/// product of UnitLimit() counts, unless a single count is larger and takes a unit of its own.
+/// Mixed-radix packing: the first value of a storage unit is its least significant digit. One unit holds at
+/// most a product of UnitLimit() counts, unless a single count is larger and takes a unit of its own.
 class OrvPackedInt {
  public:
   static constexpr int UnitLimit() { return 9377657; }
 
-  /// Value i lies in lowerBound … lowerBound + counts[i] - 1. False, and an empty layout, for a size of 0 or less, too
-  /// few counts or a count below 1.
+  /// Value i lies in lowerBound … lowerBound + counts[i] - 1. False, and an empty layout, for a size of 0 or
+  /// less, too few counts or a count below 1.
   bool SetBounds(int size, int lowerBound, const std::vector<int>& counts);
   /// With `check` false a value out of range gives a wrong key silently: the caller guarantees the range.
   bool Pack(const std::vector<int>& values, std::vector<int>& units, bool check) const;

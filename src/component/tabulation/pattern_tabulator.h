@@ -1,4 +1,5 @@
-// The first two passes over the records, and the evaluation of the likelihood over what the second one leaves.
+// The first two passes over the records, and the evaluation of the likelihood over what the second one
+// leaves.
 #pragma once
 
 #include <cstddef>
@@ -21,15 +22,17 @@ class TavoAccumStats;
 class TavoCallBackCompStats;
 class TavoModel;
 
-/// Groups records by row pattern: the combination of parameter positions of all effects with factors. The design
-/// columns of factors are the same for all rows of a pattern, so an evaluation works them out once per pattern and
-/// walks rows of just response, covariates and weight. Rows are cut into equal slices for threads.
+/// Groups records by row pattern: the combination of parameter positions of all effects with factors. The
+/// design columns of factors are the same for all rows of a pattern, so an evaluation works them out once per
+/// pattern and walks rows of just response, covariates and weight. Rows are cut into equal slices for
+/// threads.
 ///
-/// A stored row holds: the local index of the response category (reference last, as the model orders them), the
-/// covariates in settings' order, the weight.
+/// A stored row holds: the local index of the response category (reference last, as the model orders them),
+/// the covariates in settings' order, the weight.
 class TavoPatternTabulator {
  public:
-  /// Everything is lent. `rowExtractor` keeps dependent, covariates and weight; `dataExtractor` also the factors.
+  /// Everything is lent. `rowExtractor` keeps dependent, covariates and weight; `dataExtractor` also the
+  /// factors.
   TavoPatternTabulator(const TavoCompSettings& settings, const OrvRecordExtractor& rowExtractor,
                        const OrvRecordExtractor& dataExtractor, const OrvCancelInfo& cancel);
   ~TavoPatternTabulator();
@@ -37,25 +40,26 @@ class TavoPatternTabulator {
   /// First pass. 91001 to 91006, 95007, 1.
   OrvStatus FillFactorTables(MCCommon::RecordIterator& iterator, OrvFactorTables& tables);
   /// Second pass; takes the response categories from the model. Cuts the slices at its end.
-  OrvStatus CreatePatterns(MCCommon::RecordIterator& iterator, OrvFactorTables& tables, const TavoModel& model);
+  OrvStatus CreatePatterns(MCCommon::RecordIterator& iterator, OrvFactorTables& tables,
+                           const TavoModel& model);
   /// Hands every row to the model's AddPatternToXPrimeX.
   OrvStatus ReplayPatterns(TavoModel& model);
 
-  /// Cuts the rows into min(rows, count) slices, at least one, and prepares as many workers. One slice without a thread
-  /// service, or when it has no threads to give.
+  /// Cuts the rows into min(rows, count) slices, at least one, and prepares as many workers. One slice
+  /// without a thread service, or when it has no threads to give.
   void SetThreads(int count);
   int SliceCount() const { return fNSlices; }
   /// Rows of each slice, for tests: the first rows % slices take one row more.
   std::vector<int> SliceRows() const;
 
-  /// Lends the accumulator and the model for the evaluations to come; makes one clone of the accumulator per slice when
-  /// there are several. `Detach` forgets both and deletes the clones.
+  /// Lends the accumulator and the model for the evaluations to come; makes one clone of the accumulator per
+  /// slice when there are several. `Detach` forgets both and deletes the clones.
   void AttachAccumulator(TavoAccumStats& accumulator, const TavoModel& model);
   void Detach();
   /// Resets the accumulator and its clones to empty sums.
   void SetMode(int method, bool separationCheck);
-  /// One evaluation over all rows into the attached accumulator. Sums are merged in slice order, so they are the same
-  /// in each run with the same number of slices.
+  /// One evaluation over all rows into the attached accumulator. Sums are merged in slice order, so they are
+  /// the same in each run with the same number of slices.
   OrvStatus EvaluateRows(bool likelihoodOnly);
   /// The part of one slice; called by the workers. Doesn't throw.
   OrvStatus EvaluateSlice(int slice) const;
