@@ -35,7 +35,7 @@ void OrvModelEffect::Set(int factorCount, int covariateCount, const std::vector<
 
 void OrvModelEffect::Reset() {
   fMain.assign(static_cast<std::size_t>(fNFactorsInModel), -1);
-  fMain.resize(static_cast<std::size_t>(fNFactorsInModel + fNCovariatesInModel), 0);
+  fMain.resize(fMain.size() + static_cast<std::size_t>(fNCovariatesInModel), 0);
   fNFactorsInEffect = 0;
   fNCovariatesInEffect = 0;
   fNNestingLevels = 0;

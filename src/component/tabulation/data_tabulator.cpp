@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include "design/sample_design.h"
 #include "estimation/model.h"
@@ -18,8 +19,9 @@ using MCCommonMath::MCPower;
 
 namespace {
 
+/// Codes of a valid record are whole.
 std::int32_t CodeOf(double cell) {
-  return static_cast<std::int32_t>(cell + 0.5);
+  return static_cast<std::int32_t>(cell);
 }
 
 /// Values that were computed in two ways may differ in their last digits.
@@ -37,7 +39,11 @@ TavoDataTabulator::TavoDataTabulator(const TavoCompSettings& settings, const Orv
       fValidator(settings),
       fRowLength(static_cast<std::size_t>(extractor.Size())),
       fKey(static_cast<int>(settings.CatDesignVars().size())),
-      fConstFindings(settings.ContDesignVars().size()) {}
+      fConstFindings(settings.ContDesignVars().size()) {
+  if (settings.Stages().empty()) return;
+  fNStrataVars = static_cast<int>(settings.Stages().front().strata.size());
+  fNClusterVars = static_cast<int>(settings.Stages().front().clusters.size());
+}
 
 // ---- the pass ----
 
@@ -143,7 +149,8 @@ int TavoDataTabulator::PrefixAfter(std::size_t position) const {
 }
 
 template <class AddUnit>
-OrvStatus TavoDataTabulator::FeedDesign(SampleDesign& design, AddUnit&& addUnit) {
+OrvStatus TavoDataTabulator::FeedDesign(SampleDesign& design, MCOrv::JointInclProbs* joint,
+                                        AddUnit&& addUnit) {
   if (!fbSourceProcessed) return OrvStatus::Error(StatusCode::kUserError);
   OrvStatus status;
   const auto take = [&status](const OrvStatus& answer) {
@@ -151,16 +158,21 @@ OrvStatus TavoDataTabulator::FeedDesign(SampleDesign& design, AddUnit&& addUnit)
   };
   for (std::size_t i = 0; i < fTablePairs.size() && !status.IsError() && !fCancel.IsCancelled(); ++i) {
     const Unit& unit = *fTablePairs[i];
+    const int prefix = PrefixAfter(i);
+    if (joint != nullptr) take(SelectJointUnit(*joint, design, unit.key));
+    if (status.IsError()) break;
     addUnit(unit.payload);
     take(CheckStageValues(design, unit));
-    take(CloseDesignLevels(design, PrefixAfter(i), unit));
+    take(CloseDesignLevels(design, prefix, unit));
+    if (joint != nullptr && !status.IsError()) take(NoteKeyChange(prefix));
   }
   return !status.IsError() && fCancel.IsCancelled() ? OrvStatus::Error(StatusCode::kCancelled) : status;
 }
 
-OrvStatus TavoDataTabulator::FeedDesignByUnit(TavoModel& model, SampleDesign& design) {
+OrvStatus TavoDataTabulator::FeedDesignByUnit(TavoModel& model, SampleDesign& design,
+                                              MCOrv::JointInclProbs* joint) {
   std::vector<double> scores(static_cast<std::size_t>(model.ParameterCount()));
-  return FeedDesign(design, [&](const OrvRClusterData& data) {
+  return FeedDesign(design, joint, [&](const OrvRClusterData& data) {
     std::fill(scores.begin(), scores.end(), 0.0);
     const double* const end = data.recordData.data() + data.recordData.size();
     for (const double* row = data.recordData.data(); row != end; row += fRowLength)
@@ -169,9 +181,10 @@ OrvStatus TavoDataTabulator::FeedDesignByUnit(TavoModel& model, SampleDesign& de
   });
 }
 
-OrvStatus TavoDataTabulator::FeedDesignByRecord(TavoModel& model, SampleDesign& design) {
+OrvStatus TavoDataTabulator::FeedDesignByRecord(TavoModel& model, SampleDesign& design,
+                                                MCOrv::JointInclProbs* joint) {
   std::vector<double> scores(static_cast<std::size_t>(model.ParameterCount()));
-  return FeedDesign(design, [&](const OrvRClusterData& data) {
+  return FeedDesign(design, joint, [&](const OrvRClusterData& data) {
     const double* const end = data.recordData.data() + data.recordData.size();
     for (const double* row = data.recordData.data(); row != end && !fCancel.IsCancelled();
          row += fRowLength) {
@@ -183,6 +196,44 @@ OrvStatus TavoDataTabulator::FeedDesignByRecord(TavoModel& model, SampleDesign& 
       design.AddUnit(scores);
   });
 }
+
+// ---- joint inclusion probabilities ----
+
+// Tells the design which stratum and unit of the first stage the key belongs to, when either is a new one.
+OrvStatus TavoDataTabulator::SelectJointUnit(MCOrv::JointInclProbs& joint, SampleDesign& design,
+                                             const OrvKey& key) {
+  const auto strataEnd = key.Values().begin() + fNStrataVars;
+  if (fbNewStratum) {
+    fbNewStratum = false;
+    fNUnitsMet = 0;
+    std::vector<double> matrix;
+    const bool isRead = joint.ReadStratum({key.Values().begin(), strataEnd}, fJointUnits, matrix);
+    if (!isRead) return OrvStatus::Error(StatusCode::kJointFileUnreadable);
+    const int count = static_cast<int>(fJointUnits.size());
+    if (!design.SetJointProbabilities(count, std::move(matrix))) {
+      return OrvStatus::Error(StatusCode::kUserError);
+    }
+  }
+  if (!fbNewCluster) return OrvStatus();
+  fbNewCluster = false;
+  const auto found = fJointUnits.find({strataEnd, strataEnd + fNClusterVars});
+  if (found == fJointUnits.end()) return OrvStatus::Error(StatusCode::kClusterNotInJointFile);
+  if (!design.SetUnitIndex(found->second)) return OrvStatus::Error(StatusCode::kUserError);
+  ++fNUnitsMet;
+  return OrvStatus();
+}
+
+// `prefix`: values that the next key shares with the one just fed, -1 after the last one.
+OrvStatus TavoDataTabulator::NoteKeyChange(int prefix) {
+  fbNewStratum = prefix < fNStrataVars;
+  fbNewCluster = prefix < fNStrataVars + fNClusterVars;
+  if (!fbNewStratum || fbJProbStatus || fNUnitsMet >= fJointUnits.size()) return OrvStatus();
+  fbJProbStatus = true;
+  fStatusList.push_back(OrvStatus::Warning(StatusCode::kJointFileHasMoreUnits));
+  return fStatusList.back();
+}
+
+// ---- what the design answers ----
 
 OrvStatus TavoDataTabulator::CheckStageValues(SampleDesign& design, const Unit& unit) {
   DesignFault fault = DesignFault::kNone;

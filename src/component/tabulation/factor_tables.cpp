@@ -18,7 +18,7 @@ namespace {
 /// The 0-based level of a category code, -1 when it isn't one of `count` codes. Compared as doubles, since a
 /// missing value has no integer.
 int LevelOf(double value, int count) {
-  return value >= 0.5 && value < static_cast<double>(count) + 0.5 ? static_cast<int>(value + 0.5) - 1 : -1;
+  return value >= 0.5 && value < static_cast<double>(count) + 0.5 ? static_cast<int>(value - 0.5) : -1;
 }
 
 /// The running mean after a value with `share` of the weight so far. A mean that cancelled to rounding noise

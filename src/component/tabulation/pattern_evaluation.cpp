@@ -175,7 +175,7 @@ OrvStatus TavoPatternTabulator::EvaluatePattern(const Pattern& pattern, std::siz
   for (std::size_t i = first; i < last; ++i, row += fRowLength) {
     if ((i - first) % kRowsBetweenStopChecks == kRowsBetweenStopChecks - 1 && fCancel.IsCancelled()) break;
     fpModel->BuildSparseRow(row, walk.parameters, walk.indices, walk.values);
-    const int category = static_cast<int>(row[0] + 0.5);
+    const int category = static_cast<int>(row[0]);
     const double weight = row[fRowLength - 1];
     if (accumulator.UpdateForRow(walk.indices, walk.values, category, weight, fbLikelihoodOnly) < 0) {
       return OrvStatus::Error(StatusCode::kUserError);

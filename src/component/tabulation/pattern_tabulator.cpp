@@ -15,8 +15,9 @@ namespace {
 // Packed keys up to this one are looked up without hashing.
 constexpr std::int64_t kLargestDirectKey = 65536;
 
+/// Codes of a valid record are whole.
 int CodeOf(double cell) {
-  return static_cast<int>(cell + 0.5);
+  return static_cast<int>(cell);
 }
 
 }  // namespace

@@ -2,8 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <memory>
+#include <stdexcept>
 
-#include "estimation/numerics/missing_value.h"
 #include "tabulation_bench.h"
 
 namespace tavo {
