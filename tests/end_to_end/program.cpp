@@ -5,12 +5,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <optional>
 #include <regex>
+#include <thread>
 
 namespace {
 
@@ -67,34 +70,72 @@ std::string WithoutSeconds(const std::string& text) {
   return std::regex_replace(std::regex_replace(text, seconds, "(… s)"), rule, "═");
 }
 
-ProgramRun RunProgram(const std::vector<std::string>& arguments, const std::filesystem::path& folder) {
-  const TemporaryFolder scratch;
-  const std::filesystem::path out = scratch.Path() / "out";
-  const std::filesystem::path err = scratch.Path() / "err";
-  std::vector<std::string> words = {TAVOREG_PROGRAM};
-  words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<char*> argv;
-  for (std::string& word : words)
-    argv.push_back(word.data());
-  argv.push_back(nullptr);
+namespace {
 
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), O_WRONLY | O_CREAT, 0600);
-  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err.c_str(), O_WRONLY | O_CREAT, 0600);
-  pid_t child = 0;
-  ProgramRun run;
-  if (posix_spawn(&child, TAVOREG_PROGRAM, &actions, nullptr, argv.data(), environ) == 0) {
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    run.exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+/// The program as a child process, with both output streams in files.
+class Child {
+ public:
+  Child(const std::vector<std::string>& arguments, const std::filesystem::path& folder) {
+    std::vector<std::string> words = {TAVOREG_PROGRAM};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    for (std::string& word : words)
+      argv.push_back(word.data());
+    argv.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, Output().c_str(), O_WRONLY | O_CREAT, 0600);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, Messages().c_str(), O_WRONLY | O_CREAT, 0600);
+    fbStarted = posix_spawn(&fProcess, TAVOREG_PROGRAM, &actions, nullptr, argv.data(), environ) == 0;
+    posix_spawn_file_actions_destroy(&actions);
   }
-  posix_spawn_file_actions_destroy(&actions);
-  run.output = ReadText(out);
-  run.messages = ReadText(err);
-  return run;
+
+  bool HasEnded() {
+    if (fbStarted && !fbEnded) fbEnded = ::waitpid(fProcess, &fStatus, WNOHANG) == fProcess;
+    return !fbStarted || fbEnded;
+  }
+  bool HasSpoken() const {
+    std::error_code ignored;
+    const auto size = std::filesystem::file_size(Messages(), ignored);
+    return !ignored && size > 0;
+  }
+  void Interrupt() const { ::kill(fProcess, SIGINT); }
+
+  ProgramRun Wait() {
+    ProgramRun run;
+    if (fbStarted && !fbEnded) fbEnded = ::waitpid(fProcess, &fStatus, 0) == fProcess;
+    if (fbEnded) run.exitStatus = WIFEXITED(fStatus) ? WEXITSTATUS(fStatus) : 128 + WTERMSIG(fStatus);
+    run.output = ReadText(Output());
+    run.messages = ReadText(Messages());
+    return run;
+  }
+
+ private:
+  std::filesystem::path Output() const { return fScratch.Path() / "out"; }
+  std::filesystem::path Messages() const { return fScratch.Path() / "err"; }
+
+  TemporaryFolder fScratch;
+  pid_t fProcess = 0;
+  int fStatus = 0;
+  bool fbStarted = false;
+  bool fbEnded = false;
+};
+
+}  // namespace
+
+ProgramRun RunProgram(const std::vector<std::string>& arguments, const std::filesystem::path& folder) {
+  return Child(arguments, folder).Wait();
+}
+
+ProgramRun InterruptProgram(const std::vector<std::string>& arguments, const std::filesystem::path& folder) {
+  Child child(arguments, folder);
+  while (!child.HasEnded() && !child.HasSpoken())
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  if (!child.HasEnded()) child.Interrupt();
+  return child.Wait();
 }
 
 nlohmann::json FindCell(const nlohmann::json& document, const std::string& table,

@@ -17,6 +17,9 @@ struct ProgramRun {
 /// Runs the program in a folder and waits for it.
 ProgramRun RunProgram(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
 
+/// Runs the program and sends it the signal of Ctrl-C as soon as it has written something to standard error.
+ProgramRun InterruptProgram(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
+
 /// A fresh folder that is removed at the end.
 class TemporaryFolder {
  public:

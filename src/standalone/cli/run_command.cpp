@@ -105,6 +105,7 @@ int RunCommandFile(const RunArguments& arguments) {
   const InterruptHandler handler(session);
   session.SetTable(&table);
   const int status = isReady ? RunAll(session, *source) : static_cast<int>(kBadCall);
+  if (status == kInterrupted) return status;  // half a document is worth less than the one of the last whole run
   return WriteOutput(arguments, session.Output()) ? status : static_cast<int>(kOutputFailed);
 }
 

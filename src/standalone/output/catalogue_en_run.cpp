@@ -105,6 +105,10 @@ constexpr std::array kEntries = {
 
     // Saved results.
     CatalogueEntry{
+        "Predictions could not be written into the data...",
+        "The predictions could not be written into the data: a variable for them could not be made, or the data could not be "
+        "read again. The tables are complete."},
+    CatalogueEntry{
         "Predicted probabilities exceeds limit ^1",
         "The dependent variable has more categories than SAVE PREDPROB allows. Probabilities of the first ^1 "
         "were saved; give a larger count to save all."},
@@ -117,7 +121,7 @@ constexpr std::array kEntries = {
                    "There is no command ^1. This program runs the command TAVOREG."},
     CatalogueEntry{"Did you mean ^1?", "Did you mean ^1?"},
     CatalogueEntry{"Run was interrupted...",
-                   "The run was interrupted. What was not finished is not in the output."},
+                   "The run was interrupted, so no output was written. Run it again."},
     CatalogueEntry{"Messages of the same kind were left out...",
                    "More messages of a kind that is shown above were left out."},
     CatalogueEntry{
