@@ -31,10 +31,6 @@ OrvAdaptCatVar::OrvAdaptCatVar(const host::VORN_DataSource& source,
       fNKeyCells(fMap.CellSize() - 1),
       fValue(iterator, variable, includeUserMissing) {}
 
-void OrvAdaptCatVar::Rebind(const host::VORN_InputCaseIterator& iterator) {
-  fValue = OrvCaseValue(iterator, fVariable, fbIncludeUserMissing);
-}
-
 double OrvAdaptCatVar::CodeOf(const host::OBS* cells, bool insert) {
   if (const host::OBS* cell = fMap.Contains(cells)) return cell->number;
   if (!insert) return 0;

@@ -33,7 +33,11 @@ class OrvAdaptCatVar {
                  int variable, bool includeUserMissing);
 
   /// Binds to another pass.
-  void Rebind(const host::VORN_InputCaseIterator& iterator);
+  void Rebind(const host::VORN_InputCaseIterator& iterator) { Rebind(iterator, fbIncludeUserMissing); }
+  /// The same for a pass that takes declared missing values otherwise than the passes before.
+  void Rebind(const host::VORN_InputCaseIterator& iterator, bool includeUserMissing) {
+    fValue = OrvCaseValue(iterator, fVariable, includeUserMissing);
+  }
   /// The code of the current case's value, 0 for a missing one. A new value gets the next code.
   double InsertCode() { return fValue.IsValid() ? CodeOf(fValue.Cells(), true) : 0; }
   /// The same for a pass after the first: 0 also for a value that isn't in the table.
@@ -69,8 +73,9 @@ class OrvAdaptContVar {
   OrvAdaptContVar(const host::VORN_InputCaseIterator& iterator, int variable, Kind kind)
       : fVariable(variable), fKind(kind), fValue(iterator, variable, false) {}
 
-  void Rebind(const host::VORN_InputCaseIterator& iterator) {
-    fValue = OrvCaseValue(iterator, fVariable, false);
+  void Rebind(const host::VORN_InputCaseIterator& iterator) { Rebind(iterator, false); }
+  void Rebind(const host::VORN_InputCaseIterator& iterator, bool includeUserMissing) {
+    fValue = OrvCaseValue(iterator, fVariable, includeUserMissing);
   }
   /// The value, or the missing marker. `invalid`: a design value that can't be. `missingAllowed`: a design
   /// value that is missing, which the design tree deals with.

@@ -1,5 +1,6 @@
 #include "input/reg_input_adapter.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "estimation/numerics/missing_value.h"
@@ -150,6 +151,68 @@ int OrvRegInputAdapter::CategoryCount(int variable) const {
 
 void OrvRegInputAdapter::SortCategories(int variable, bool ascending) {
   if (OrvAdaptCatVar* found = CategoricalOf(variable)) found->Sort(ascending);
+}
+
+namespace {
+
+bool IsIn(const std::vector<int>& variables, int variable) {
+  return std::find(variables.begin(), variables.end(), variable) != variables.end();
+}
+
+}  // namespace
+
+// A variable that scoring doesn't need may hold anything: its declared missing values count as values.
+void OrvRegInputAdapter::BeginPredictionPass(const host::VORN_InputCaseIterator& iterator,
+                                             const std::vector<int>& requiredCategorical,
+                                             const std::vector<int>& requiredContinuous) {
+  ++fNPass;
+  fCounts = Counters();
+  fbPredictionMode = true;
+  fRequiredCategorical.clear();
+  fRequiredContinuous.clear();
+  for (auto& filled : fCategorical) {
+    const bool required = IsIn(requiredCategorical, filled.variable.Variable());
+    fRequiredCategorical.push_back(required);
+    filled.variable.Rebind(iterator, !required || fbIncludeUserMissing);
+  }
+  for (auto& filled : fContinuous) {
+    const bool required = IsIn(requiredContinuous, filled.variable.Variable());
+    fRequiredContinuous.push_back(required);
+    filled.variable.Rebind(iterator, !required);
+  }
+  for (auto& filled : fMatrices) filled.variable.Rebind(iterator);
+}
+
+bool OrvRegInputAdapter::FillCategorical(double* record) {
+  if (!fbPredictionMode) return OrvInputAdapter::FillCategorical(record);
+  bool complete = true;
+  for (std::size_t i = 0; i < fCategorical.size(); ++i) {
+    const double code = fCategorical[i].variable.LookUpCode();
+    record[fCategorical[i].column] = code > 0 ? code : MCMV::gMissingValue;
+    if (!(code > 0) && fRequiredCategorical[i] != 0) complete = false;
+  }
+  return complete;
+}
+
+bool OrvRegInputAdapter::FillContinuous(double* record) {
+  if (!fbPredictionMode) return OrvInputAdapter::FillContinuous(record);
+  for (std::size_t i = 0; i < fContinuous.size(); ++i) {
+    bool invalid = false;
+    bool missingAllowed = false;
+    const double value = fContinuous[i].variable.GetValue(invalid, missingAllowed);
+    record[fContinuous[i].column] = value;
+    if (value == MCMV::gMissingValue && fRequiredContinuous[i] != 0) return false;
+  }
+  return true;
+}
+
+bool OrvRegInputAdapter::FillMatrix(double* record) {
+  if (!fbPredictionMode) return OrvInputAdapter::FillMatrix(record);
+  for (auto& [variable, column] : fMatrices) {
+    bool notFound = false;
+    record[column] = variable.GetValue(notFound);
+  }
+  return true;
 }
 
 }  // namespace tavo

@@ -29,6 +29,8 @@ class OrvInputAdapter {
   virtual bool FillContinuous(double* record);
   virtual bool FillMatrix(double* record);
 
+  virtual bool IsPredictionMode() const { return false; }
+
   /// Starts the next pass: zeroes the counters and binds the variables to the new iterator.
   void BeginPass(const host::VORN_InputCaseIterator& iterator);
   /// Cells of a categorical variable's code, null for a code out of range; lent until the next
@@ -77,12 +79,28 @@ class OrvRegInputAdapter final : public OrvInputAdapter {
   OrvRegInputAdapter(const OrvPlanValidSpecs& specs, const host::VORN_DataSource& source,
                      const host::VORN_InputCaseIterator& iterator, const OrvVariableReporter& reporter,
                      bool includeUserMissing)
-      : OrvInputAdapter(specs, source, iterator, reporter, true, includeUserMissing) {}
+      : OrvInputAdapter(specs, source, iterator, reporter, true, includeUserMissing),
+        fbIncludeUserMissing(includeUserMissing) {}
 
   /// Codes of a categorical variable; 0 when it isn't one.
   int CategoryCount(int variable) const;
   /// Recodes so that codes rise (or fall) with the value.
   void SortCategories(int variable, bool ascending);
+
+  /// Starts a pass that scores cases: a case stays when it has the required variables (dictionary indices), whatever
+  /// else it lacks; nothing is inserted and no message is sent. The mode stays for good.
+  void BeginPredictionPass(const host::VORN_InputCaseIterator& iterator, const std::vector<int>& requiredCategorical,
+                           const std::vector<int>& requiredContinuous);
+  bool IsPredictionMode() const override { return fbPredictionMode; }
+  bool FillCategorical(double* record) override;
+  bool FillContinuous(double* record) override;
+  bool FillMatrix(double* record) override;
+
+ private:
+  bool fbPredictionMode = false;
+  bool fbIncludeUserMissing;
+  std::vector<char> fRequiredCategorical;  // by position in fCategorical
+  std::vector<char> fRequiredContinuous;   // by position in fContinuous
 };
 
 }  // namespace tavo

@@ -8,7 +8,7 @@
 namespace tavo {
 
 void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs,
-               const host::ProcedureDataSource& source, host::BpHeading& heading) {
+               host::ProcedureDataSource& source, host::BpHeading& heading) {
   const TavoOutputFrame frame(heading, driver, specs, source);
   if (specs.Has(PrintOption::SAMPLEINFO)) OutputSampleDesign(frame);
   if (specs.Has(PrintOption::VARIABLEINFO)) {

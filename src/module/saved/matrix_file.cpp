@@ -1,0 +1,211 @@
+#include "saved/matrix_file.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/output.h"
+#include "saved/document_strings.h"
+
+namespace tavo {
+
+namespace {
+
+using MCCommonMath::MCMV;
+
+constexpr int kLogitWidth = 64;
+constexpr int kNameWidth = 8;
+constexpr host::VORN_Format kCellFormat = {5, 8, 6};
+
+std::vector<host::OBS> StringCells(const std::string& text, int width) {
+  std::vector<host::OBS> cells(static_cast<std::size_t>(host::CellCount(width)));
+  std::fill_n(reinterpret_cast<char*>(cells.data()), cells.size() * sizeof(host::OBS), ' ');
+  std::copy_n(text.data(), std::min(text.size(), static_cast<std::size_t>(width)),
+              reinterpret_cast<char*>(cells.data()));
+  return cells;
+}
+
+std::string Trimmed(std::string text) {
+  text.erase(text.find_last_not_of(' ') + 1);
+  text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
+  return text;
+}
+
+/// Makes the variables and writes the cases of one matrix file.
+class MatrixWriter {
+ public:
+  MatrixWriter(host::IndependentDataStore& store, const TavoProcedureDriver& driver, const TavoOutputStats& stats,
+               const std::vector<std::string>& parameterNames)
+      : fStore(store), fDriver(driver), fStats(stats), fNames(parameterNames), fbLogits(LogitCount() > 1) {}
+
+  bool MakeVariables();
+  void NameLogits(const host::VORN_Variable& dependent);
+  bool WriteRows(MatrixKind kind, std::string& error);
+
+ private:
+  std::size_t LogitCount() const { return fStats.DependentCategories().size() - 1; }
+  const OrvParamStats& StatsOf(std::size_t logit, std::size_t parameter) const {
+    return fStats.ParamStats()[logit * fNames.size() + parameter];
+  }
+  host::VORN_Variable* MakeString(const char* name, int width);
+  double Element(std::size_t a, std::size_t b, std::size_t i, std::size_t j) const {
+    return fStats.Covariance()->GetElem(static_cast<int>(a), static_cast<int>(b), static_cast<int>(i),
+                                        static_cast<int>(j));
+  }
+  double MatrixCell(MatrixKind kind, std::size_t a, std::size_t b, std::size_t i, std::size_t j) const;
+  bool WriteMatrixRow(MatrixKind kind, std::size_t a, std::size_t b, std::size_t i, std::string& error);
+  bool WriteStatisticRows(const char* rowType, double OrvParamStats::*statistic, double whenRedundant,
+                          std::string& error);
+  template <class CellOf>
+  bool AddRow(const char* rowType, const std::string& variable, std::size_t a, std::size_t b, CellOf cellOf,
+              std::string& error);
+
+  host::IndependentDataStore& fStore;
+  const TavoProcedureDriver& fDriver;
+  const TavoOutputStats& fStats;
+  const std::vector<std::string>& fNames;
+  bool fbLogits;  // the file has columns that name the logits
+  std::vector<std::string> fLogitNames;
+  std::unique_ptr<host::VORN_Case> fpCase;
+};
+
+host::VORN_Variable* MatrixWriter::MakeString(const char* name, int width) {
+  int index = -1;
+  host::VORN_Variable* variable = fStore.MakeVariable(width, index);
+  if (variable == nullptr) return nullptr;
+  variable->SetName(name);
+  variable->SetFormat({1, width, 0});
+  variable->SetMeasurementLevel(host::MeasurementLevel::kNominal);
+  return variable;
+}
+
+host::VORN_ValueLabelMap RowTypeLabels() {
+  constexpr std::pair<const char*, const char*> kLabels[] = {
+      {"COV", "Covariances"},    {"CORR", "Correlations"},         {"EST", "Parameter estimates"},
+      {"SE", "Standard errors"}, {"SIG", "Significance levels"}, {"DF", "Sampling design degrees of freedom"}};
+  host::VORN_ValueLabelMap labels;
+  for (const auto& [value, key] : kLabels) {
+    labels.AddPair(StringCells(value, kNameWidth), host::FacSTDictionaryLookUp(key));
+  }
+  return labels;
+}
+
+bool MatrixWriter::MakeVariables() {
+  if (fbLogits && (MakeString("RowLogit_", kLogitWidth) == nullptr ||
+                   MakeString("ColumnLogit_", kLogitWidth) == nullptr)) {
+    return false;
+  }
+  host::VORN_Variable* rowType = MakeString("rowtype_", kNameWidth);
+  if (rowType == nullptr) return false;
+  rowType->SetValueLabels(RowTypeLabels());
+  host::VORN_Variable* name = MakeString("varname_", kNameWidth);
+  if (name == nullptr) return false;
+  host::VORN_ValueLabelMap labels;
+  for (std::size_t i = 0; i < fNames.size(); ++i) {
+    labels.AddPair(StringCells("P" + std::to_string(i + 1), kNameWidth), fNames[i]);
+  }
+  name->SetValueLabels(std::move(labels));
+  for (std::size_t i = 0; i < fNames.size(); ++i) {
+    int index = -1;
+    host::VORN_Variable* cell = fStore.MakeVariable(0, index);
+    if (cell == nullptr) return false;
+    cell->SetName("P" + std::to_string(i + 1));
+    cell->SetLabel(fNames[i]);
+    cell->SetFormat(kCellFormat);
+    cell->SetMeasurementLevel(host::MeasurementLevel::kScale);
+  }
+  return true;
+}
+
+void MatrixWriter::NameLogits(const host::VORN_Variable& dependent) {
+  for (std::size_t a = 0; a < LogitCount(); ++a) {
+    const host::OBS* cells =
+        fDriver.Adapter().ValueForCode(fDriver.Specs().DependentVariable(), fStats.DependentCategories()[a]);
+    std::string text;
+    if (cells != nullptr) host::ToString(cells, dependent.GetFormat(), text);
+    fLogitNames.push_back(Trimmed(text));
+  }
+}
+
+template <class CellOf>
+bool MatrixWriter::AddRow(const char* rowType, const std::string& variable, std::size_t a, std::size_t b,
+                          CellOf cellOf, std::string& error) {
+  fpCase->InitCase();
+  unsigned column = 0;
+  if (fbLogits) {
+    fpCase->SetColumnValue(column++, fLogitNames[a]);
+    fpCase->SetColumnValue(column++, fLogitNames[b]);
+  }
+  fpCase->SetColumnValue(column++, std::string_view(rowType));
+  fpCase->SetColumnValue(column++, std::string_view(variable));
+  for (std::size_t j = 0; j < fNames.size(); ++j) fpCase->SetColumnValue(column++, cellOf(j));
+  return fStore.AddCase(*fpCase, error);
+}
+
+double MatrixWriter::MatrixCell(MatrixKind kind, std::size_t a, std::size_t b, std::size_t i, std::size_t j) const {
+  const bool isCovariance = kind == MatrixKind::kCovariances;
+  if (StatsOf(a, i).redundant || StatsOf(b, j).redundant) return isCovariance ? 0.0 : MCMV::gMissingValue;
+  if (isCovariance) return Element(a, b, i, j);
+  const double rowVariance = Element(a, a, i, i);
+  const double columnVariance = Element(b, b, j, j);
+  if (!(rowVariance > 0) || !(columnVariance > 0)) return MCMV::gMissingValue;
+  if (a == b && i == j) return 1.0;
+  return Element(a, b, i, j) / (std::sqrt(rowVariance) * std::sqrt(columnVariance));
+}
+
+bool MatrixWriter::WriteMatrixRow(MatrixKind kind, std::size_t a, std::size_t b, std::size_t i, std::string& error) {
+  const char* rowType = kind == MatrixKind::kCovariances ? "COV" : "CORR";
+  return AddRow(
+      rowType, "P" + std::to_string(i + 1), a, b, [&](std::size_t j) { return MatrixCell(kind, a, b, i, j); }, error);
+}
+
+bool MatrixWriter::WriteStatisticRows(const char* rowType, double OrvParamStats::*statistic, double whenRedundant,
+                                      std::string& error) {
+  for (std::size_t a = 0; a < LogitCount(); ++a) {
+    const auto cell = [&](std::size_t j) {
+      const OrvParamStats& stats = StatsOf(a, j);
+      return stats.redundant ? whenRedundant : stats.*statistic;
+    };
+    if (!AddRow(rowType, "", a, a, cell, error)) return false;
+  }
+  return true;
+}
+
+bool MatrixWriter::WriteRows(MatrixKind kind, std::string& error) {
+  fpCase = std::make_unique<host::VORN_Case>(fStore);
+  for (std::size_t a = 0; a < LogitCount(); ++a) {
+    for (std::size_t b = 0; b < LogitCount(); ++b) {
+      for (std::size_t i = 0; i < fNames.size(); ++i) {
+        if (!WriteMatrixRow(kind, a, b, i, error)) return false;
+      }
+    }
+  }
+  return WriteStatisticRows("EST", &OrvParamStats::estimate, 0.0, error) &&
+         WriteStatisticRows("SE", &OrvParamStats::standardError, MCMV::gMissingValue, error) &&
+         WriteStatisticRows("SIG", &OrvParamStats::significance, MCMV::gMissingValue, error) &&
+         WriteStatisticRows("DF", &OrvParamStats::df, MCMV::gMissingValue, error);
+}
+
+bool Fail(const std::string& error) {
+  host::BpError(host::Plain(error), host::BpErrorLevel::kError);
+  return false;
+}
+
+}  // namespace
+
+bool WriteMatrixFile(const host::UserCaseFileSpec& file, MatrixKind kind, const TavoProcedureDriver& driver,
+                     const TavoOutputStats& stats, const host::VORN_DataSource& source,
+                     const std::vector<std::string>& parameterNames, const std::vector<std::string>& effectNames) {
+  std::string error;
+  const std::unique_ptr<host::UserOutputCaseFile> output = host::UserOutputCaseFile::Create(file, error);
+  if (output == nullptr) return Fail(error);
+  host::IndependentDataStore& store = output->DataSource();
+  MatrixWriter writer(store, driver, stats, parameterNames);
+  writer.NameLogits(*source.GetVariable(static_cast<unsigned>(driver.Specs().DependentVariable())));
+  if (!writer.MakeVariables()) return Fail(file.DocumentationString() + ": its variables can't be made");
+  store.SaveDocuments(BuildDocument(DocumentLines(driver, source, effectNames, stats.ReferenceCategory())));
+  const bool written =
+      store.WriteDictionary(error) && writer.WriteRows(kind, error) && output->Commit(error);
+  return written || Fail(error);
+}
+
+}  // namespace tavo

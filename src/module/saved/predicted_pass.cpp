@@ -1,0 +1,86 @@
+#include "saved/predicted_pass.h"
+
+#include <string>
+#include <vector>
+
+#include "saved/predicted_variables.h"
+#include "inference/output_stats.h"
+
+namespace tavo {
+
+namespace {
+
+/// Writes the predictions of one case after the other.
+class PredictionWriter {
+ public:
+  PredictionWriter(const TavoProcedureDriver& driver, const host::VORN_DataSource& source,
+                   const PredictedVariables& variables)
+      : fAdapter(driver.Adapter()),
+        fVariables(variables),
+        fDependent(driver.Specs().DependentVariable()),
+        fType(source.GetVariable(static_cast<unsigned>(fDependent))->GetType()) {}
+
+  void Write(host::VORN_InputCaseIterator& cases, int category, const std::vector<double>& probabilities) {
+    if (fVariables.valueColumn >= 0) WriteCategory(cases, category);
+    for (std::size_t i = 0; i < fVariables.probabilityColumns.size(); ++i) {
+      cases.SetColumnValue(static_cast<unsigned>(fVariables.probabilityColumns[i]),
+                           probabilities[fVariables.categories[i]]);
+    }
+  }
+
+ private:
+  void WriteCategory(host::VORN_InputCaseIterator& cases, int category) const {
+    const host::OBS* cells = fAdapter.ValueForCode(fDependent, category);
+    if (cells == nullptr) return;
+    const auto column = static_cast<unsigned>(fVariables.valueColumn);
+    if (fType == 0) {
+      cases.SetColumnValue(column, cells->number);
+    } else {
+      cases.SetColumnValue(column, reinterpret_cast<const char*>(cells), static_cast<std::size_t>(fType));
+    }
+  }
+
+  const OrvRegInputAdapter& fAdapter;
+  const PredictedVariables& fVariables;
+  int fDependent;
+  int fType;
+};
+
+std::vector<int> RequiredCategorical(const TavoValidSpecs& specs) {
+  std::vector<int> variables = specs.UsedFactors();
+  if (specs.DomainVariable() >= 0) variables.push_back(specs.DomainVariable());
+  return variables;
+}
+
+}  // namespace
+
+// The record iterator reads one case ahead of what it hands out, so the record is looked at while the case still stands.
+bool SavePredictions(TavoProcedureDriver& driver, host::ProcedureDataSource& source) {
+  const TavoOutputStats* stats = nullptr;
+  TavoComponent* component = driver.Component();
+  if (component == nullptr || component->OutputStatistics(stats).IsError()) return false;
+  PredictedVariables variables;
+  if (!MakePredictedVariables(driver.Specs(), source, driver.Adapter(), stats->DependentCategories(), variables)) {
+    return false;
+  }
+  std::unique_ptr<host::ProcDSIterator> cases = AsProcDSIterator(source.NewInputIterator(0));
+  if (cases == nullptr) return false;
+  host::ProcDSIterator& current = *cases;
+  driver.Adapter().BeginPredictionPass(current, RequiredCategorical(driver.Specs()),
+                                       driver.Specs().UsedCovariates());
+  source.SetLastPass();
+  OrvProcDSMultiIter records(source, std::move(cases), driver.Adapter());
+  PredictionWriter writer(driver, source, variables);
+  std::vector<int> categories;
+  std::vector<double> probabilities;
+  while (const MCCommon::Record* record = records.Peek()) {
+    int category = 0;
+    if (!component->Predict(*record, categories, probabilities, category).IsError()) {
+      writer.Write(current, category, probabilities);
+    }
+    records.Next();
+  }
+  return records.IteratorStatus() != MCCommon::kFailed;
+}
+
+}  // namespace tavo

@@ -1,0 +1,39 @@
+#include "saved/saved_results.h"
+
+#include "saved/matrix_file.h"
+#include "saved/predicted_pass.h"
+
+namespace tavo {
+
+namespace {
+
+constexpr int kSavedFiles = 2;  // the group of notes
+
+/// Covariances win when both files are named.
+void SaveMatrix(const TavoOutputFrame& frame) {
+  const TavoValidSpecs& specs = frame.Specs();
+  if (frame.ParameterNames().empty() || frame.Stats()->Covariance() == nullptr) return;
+  const bool isCovariance = specs.CovarianceFile().IsInit();
+  if (!isCovariance && !specs.CorrelationFile().IsInit()) return;
+  const host::UserCaseFileSpec& file = isCovariance ? specs.CovarianceFile() : specs.CorrelationFile();
+  const char* label = isCovariance ? "Parameter Covariance Matrix File" : "Parameter Correlation Matrix File";
+  if (WriteMatrixFile(file, isCovariance ? MatrixKind::kCovariances : MatrixKind::kCorrelations, frame.Driver(),
+                      *frame.Stats(), frame.Source(), frame.ParameterNames(), frame.EffectNames())) {
+    host::AddNotes(kSavedFiles, label, host::Plain(file.DocumentationString()));
+  }
+}
+
+}  // namespace
+
+void SaveResults(const TavoOutputFrame& frame, TavoProcedureDriver& driver, host::ProcedureDataSource& source) {
+  if (frame.Stats() == nullptr) return;
+  const TavoValidSpecs& specs = frame.Specs();
+  if (!specs.PredictedValueName().empty() || !specs.PredictedProbabilityRoot().empty()) {
+    if (!SavePredictions(driver, source)) {
+      host::BpError(host::Key("Predictions could not be written into the data..."), host::BpErrorLevel::kError);
+    }
+  }
+  SaveMatrix(frame);
+}
+
+}  // namespace tavo

@@ -1,0 +1,12 @@
+// What leaves a run besides its tables.
+#pragma once
+
+#include "reporting/table_frame.h"
+
+namespace tavo {
+
+/// Writes the predictions into the data and the matrix file, as the command asks, and notes the saved files. Each
+/// failure is reported; the tables aren't touched.
+void SaveResults(const TavoOutputFrame& frame, TavoProcedureDriver& driver, host::ProcedureDataSource& source);
+
+}  // namespace tavo
