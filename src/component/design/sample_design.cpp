@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
+#include <utility>
 
 #include "estimation/numerics/machine_constants.h"
 #include "estimation/numerics/missing_value.h"
@@ -44,8 +45,14 @@ std::unique_ptr<ClustersNode> MakeClusters(const DesignStage& stage, int variabl
   return make(0.0, false);
 }
 
-bool NeedsJointProbabilities(const DesignStage& stage) {
+bool HasUnequalProbabilities(const DesignStage& stage) {
   return stage.estimator == StageEstimator::kUnequalWor;
+}
+
+bool UnequalProbabilitiesFit(const std::vector<DesignStage>& stages) {
+  const DesignStage& first = stages.front();
+  if (HasUnequalProbabilities(first) && first.clusters.empty()) return false;
+  return std::none_of(stages.begin() + 1, stages.end(), HasUnequalProbabilities);
 }
 
 /// Values that were computed in two ways may differ in their last digits.
@@ -67,6 +74,7 @@ void SampleDesign::Reset() {
   fNodes.clear();
   fVarNodeIndex.clear();
   fpClusters = nullptr;
+  fpPSUNode = nullptr;
   fValueNodes.clear();
   fClusNodeIndex.clear();
   fClusDiffIndex = 0;
@@ -74,8 +82,7 @@ void SampleDesign::Reset() {
 
 bool SampleDesign::BuildTree(const std::vector<DesignStage>& stages, int variables) {
   Reset();
-  if (stages.empty() || variables < 0) return false;
-  if (std::any_of(stages.begin(), stages.end(), NeedsJointProbabilities)) return false;
+  if (stages.empty() || variables < 0 || !UnequalProbabilitiesFit(stages)) return false;
 
   fNVariables = variables;
   int constantVariables = 0;
@@ -83,7 +90,7 @@ bool SampleDesign::BuildTree(const std::vector<DesignStage>& stages, int variabl
     const bool isLast = &stage == &stages.back();
     if (!stage.strata.empty()) AppendNode(std::make_unique<StrataNode>(variables), stage.strata.size());
     if (!stage.clusters.empty()) {
-      AppendClusters(stage, stage.clusters.size(), constantVariables);
+      AppendUnits(stage, stages.size() == 1, constantVariables);
     } else if (isLast) {
       AppendClusters(stage, 1, constantVariables);  // the records are the units
     }
@@ -96,6 +103,16 @@ void SampleDesign::AppendNode(std::unique_ptr<DesignNode> node, std::size_t keyV
   fVarNodeIndex.insert(fVarNodeIndex.end(), keyVariables, NodeCount());
   fNodes.push_back(std::move(node));
   fClusNodeIndex.push_back(static_cast<int>(fValueNodes.size()));
+}
+
+void SampleDesign::AppendUnits(const DesignStage& stage, bool isOnly, int constantVariable) {
+  if (!HasUnequalProbabilities(stage)) {
+    AppendClusters(stage, stage.clusters.size(), constantVariable);
+    return;
+  }
+  auto node = std::make_unique<PSUNode>(fNVariables, isOnly);
+  fpPSUNode = node.get();
+  AppendNode(std::move(node), stage.clusters.size());
 }
 
 void SampleDesign::AppendClusters(const DesignStage& stage, std::size_t keyVariables, int constantVariable) {
@@ -117,7 +134,7 @@ bool SampleDesign::SetMatrixBlocks(const std::vector<int>& sizes, const std::vec
   if (fNodes.empty() || !BlocksFit(sizes, offsets)) return false;
   try {
     for (const auto& node : fNodes) {
-      const bool hasLowerStages = !node->IsStrata() && node.get() != fpClusters;
+      const bool hasLowerStages = !node->IsStrata() && node != fNodes.back();
       node->SetBlocks(sizes, offsets, hasLowerStages);
     }
     return true;
@@ -129,7 +146,19 @@ bool SampleDesign::SetMatrixBlocks(const std::vector<int>& sizes, const std::vec
 // ---- feeding ----
 
 void SampleDesign::AddUnit(const std::vector<double>& values) {
-  if (fpClusters != nullptr) fpClusters->AddUnit(values);
+  if (fpClusters != nullptr) {
+    fpClusters->AddUnit(values);
+  } else if (fpPSUNode != nullptr) {
+    fpPSUNode->AddUnit(values);
+  }
+}
+
+bool SampleDesign::SetJointProbabilities(int unitCount, std::vector<double> matrix) {
+  return fpPSUNode != nullptr && fpPSUNode->SetJointProbabilities(unitCount, std::move(matrix));
+}
+
+bool SampleDesign::SetUnitIndex(int unitNumber) {
+  return fpPSUNode != nullptr && fpPSUNode->SetUnitIndex(unitNumber);
 }
 
 bool SampleDesign::SetStageValues(const std::vector<double>& values, DesignFault& fault, int& index) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "design/design_nodes.h"
+#include "design/psu_node.h"
 #include "input/design_stage.h"
 
 namespace tavo {
@@ -24,18 +25,25 @@ enum class DesignFault : int {
 ///
 /// Use: BuildTree, SetMatrixBlocks; then for each group of records with the same key AddUnit (once, or once
 /// per record when records are the units), SetStageValues when ReadsStageValues, and CloseLevels. After
-/// CloseLevels(-1) the root holds the result.
+/// CloseLevels(-1) the root holds the result. With joint probabilities (NeedsJointProbabilities) each stratum
+/// of the first stage starts with SetJointProbabilities, and each of its units with SetUnitIndex, before
+/// AddUnit.
 class SampleDesign {
  public:
   /// `variables` is the length of a unit's vector. A stage with strata opens a strata node, its clusters a
   /// clusters node; when the last stage has no clusters, one more clusters node takes the records as its
-  /// units. False, with no nodes, without a stage and for unequal probabilities without replacement, which
-  /// need joint probabilities.
+  /// units. The units of a first stage with unequal probabilities without replacement get a PSU node.
+  /// False, with no nodes, without a stage, and for unequal probabilities without replacement in a later
+  /// stage or without cluster variables, which tell the units apart.
   bool BuildTree(const std::vector<DesignStage>& stages, int variables);
   /// Blocks of the covariance; refused (false) without nodes, with unequal lengths, with a block outside the
   /// vector, or when memory doesn't suffice.
   bool SetMatrixBlocks(const std::vector<int>& sizes, const std::vector<int>& offsets);
 
+  /// Starts a first-stage stratum, and a unit in it; see PSUNode. False for what doesn't fit, and without
+  /// such a node.
+  bool SetJointProbabilities(int unitCount, std::vector<double> matrix);
+  bool SetUnitIndex(int unitNumber);
   /// An ultimate unit with its vector of `variables` values.
   void AddUnit(const std::vector<double>& values);
   /// Checks and takes the values of the nodes that read them per unit (`values`: constant design variables,
@@ -55,6 +63,7 @@ class SampleDesign {
   int NodeCount() const { return static_cast<int>(fNodes.size()); }
   /// True when there are nodes that read their value per unit.
   bool ReadsStageValues() const { return !fValueNodes.empty(); }
+  bool NeedsJointProbabilities() const { return fpPSUNode != nullptr; }
 
  private:
   /// A node that reads its value per unit, and the constant design variable that gives it.
@@ -65,6 +74,7 @@ class SampleDesign {
 
   void Reset();
   void AppendNode(std::unique_ptr<DesignNode> node, std::size_t keyVariables);
+  void AppendUnits(const DesignStage& stage, bool isOnly, int constantVariable);
   void AppendClusters(const DesignStage& stage, std::size_t keyVariables, int constantVariable);
   bool BlocksFit(const std::vector<int>& sizes, const std::vector<int>& offsets) const;
   bool FinishBelow(int node, DesignFault& fault, int& index);
@@ -72,7 +82,8 @@ class SampleDesign {
   int fNVariables = 0;
   std::vector<std::unique_ptr<DesignNode>> fNodes;  // outermost first
   std::vector<int> fVarNodeIndex;                   // by design key variable: the node that it opens
-  ClustersNode* fpClusters = nullptr;               // takes the ultimate units
+  ClustersNode* fpClusters = nullptr;               // takes the ultimate units; null when fpPSUNode does
+  PSUNode* fpPSUNode = nullptr;                     // null without unequal probabilities
   std::vector<ValueNode> fValueNodes;
   std::vector<int> fClusNodeIndex;  // by node: value nodes above and at it
   int fClusDiffIndex = 0;           // value nodes that remain open

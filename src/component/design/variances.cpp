@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "design/joint_units.h"
 #include "estimation/numerics/missing_value.h"
 
 namespace tavo {
@@ -97,6 +98,32 @@ bool OrvVariances::Finish(double value, bool isPopulation) {
   return fits;
 }
 
+void OrvVariances::FinishJoint(const JointUnits& units) {
+  const std::size_t variables = std::min(units.variables, fValues.size() / 4);
+  const auto whenKnown = [variables](const double* totals, auto&& visit) {
+    for (std::size_t i = 0; i < variables; ++i) {
+      if (!IsMissing(totals[i])) visit(i);
+    }
+  };
+  for (std::size_t a = 0; a < units.count; ++a) {
+    const double* const total = units.Totals(a);
+    whenKnown(total, [&](std::size_t i) {
+      double* const v = fValues.data() + 4 * i;
+      v[0] += 1.0;
+      v[1] += total[i];
+      if (!units.variances.empty()) v[2] += units.Probability(a) * units.Variances(a)[i];
+    });
+    for (std::size_t b = 0; b < a; ++b) {
+      const double weight = units.weights[a * units.count + b];
+      const double* const other = units.Totals(b);
+      whenKnown(total, [&](std::size_t i) {
+        const double difference = total[i] - other[i];
+        if (!IsMissing(other[i])) fValues[4 * i + 2] += weight * difference * difference;
+      });
+    }
+  }
+}
+
 void OrvVariances::Clear() {
   std::fill(fValues.begin(), fValues.end(), 0.0);
 }
@@ -183,6 +210,16 @@ void OrvCovariances::MergeAsStratum(const OrvCovariances& child) {
   }
 }
 
+void OrvCovariances::MergeAsLowerStage(const OrvCovariances& child, double factor) {
+  for (std::size_t b = 0; b < fBlocks.size(); ++b) {
+    const BlockSums& from = child.fBlocks[b];
+    std::vector<double>& lower = fBlocks[b].lower;
+    if (from.count <= 0.0) continue;
+    for (std::size_t k = 0; k < lower.size(); ++k)
+      lower[k] += factor * from.cross[k];
+  }
+}
+
 bool OrvCovariances::Finish(double value, bool isPopulation) {
   bool fits = true;
   for (BlockSums& block : fBlocks) {
@@ -198,6 +235,58 @@ bool OrvCovariances::Finish(double value, bool isPopulation) {
       block.cross[k] += fraction * block.lower[k];
   }
   return fits;
+}
+
+void OrvCovariances::FinishJoint(const JointUnits& units) {
+  for (BlockSums& block : fBlocks) {
+    std::vector<std::size_t> present;
+    for (std::size_t a = 0; a < units.count && block.size > 0; ++a) {
+      if (!IsMissing(units.Totals(a)[block.offset])) present.push_back(a);
+    }
+    if (present.empty()) continue;
+    AddPairs(block, units, present);
+    for (std::size_t k = 0; k < block.lower.size(); ++k)
+      block.cross[k] += block.lower[k];
+  }
+}
+
+// The sum over pairs of w_ab (t_a - t_b)(t_a - t_b)' equals the sum over units of (t_a - c) u_a', where u_a
+// is the sum over all other units b of w_ab (t_a - t_b) and c any vector: the u_a add up to 0. So the
+// triangle is touched once for each unit instead of once for each pair. With the mean as c the factors stay
+// of the size of the differences.
+void OrvCovariances::AddPairs(BlockSums& block, const JointUnits& units,
+                              const std::vector<std::size_t>& present) {
+  const std::size_t size = block.size;
+  const auto totals = [&](std::size_t position) { return units.Totals(present[position]) + block.offset; };
+  std::vector<double> pulls(present.size() * size, 0.0);  // the u_a, end to end
+  for (std::size_t a = 0; a < present.size(); ++a) {
+    const double* const ta = totals(a);
+    double* const ua = pulls.data() + a * size;
+    for (std::size_t i = 0; i < size; ++i)
+      block.means[i] += ta[i];
+    for (std::size_t b = 0; b < a; ++b) {
+      const double weight = units.weights[present[a] * units.count + present[b]];
+      const double* const tb = totals(b);
+      double* const ub = pulls.data() + b * size;
+      for (std::size_t i = 0; i < size; ++i) {
+        const double pull = weight * (ta[i] - tb[i]);
+        ua[i] += pull;
+        ub[i] -= pull;
+      }
+    }
+  }
+  block.count = static_cast<double>(present.size());
+
+  for (std::size_t a = 0; a < present.size(); ++a) {
+    const double* const ta = totals(a);
+    const double* const ua = pulls.data() + a * size;
+    double* row = block.cross.data();
+    for (std::size_t i = 0; i < size; row += ++i) {
+      const double deviation = ta[i] - block.means[i] / block.count;
+      for (std::size_t j = 0; j <= i; ++j)
+        row[j] += deviation * ua[j];
+    }
+  }
 }
 
 void OrvCovariances::Clear() {

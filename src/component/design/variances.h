@@ -5,6 +5,8 @@
 // V_i, the variance of the estimated total is (1 - f) n/(n-1) sum (z_i - mean z)^2 + f sum V_i (Cochran 1977,
 // ch. 11). With replacement f is 0, and lower stages need not be known.
 //
+// With unequal probabilities the variance is made of pairs of units instead; see joint_units.h.
+//
 // Means and sums of squares run along with the units (Welford 1962; Chan, Golub and LeVeque 1983): sums of
 // raw squares would lose the digits that the variance is made of.
 #pragma once
@@ -14,6 +16,8 @@
 #include <vector>
 
 namespace tavo {
+
+struct JointUnits;
 
 /// The diagonal case: four numbers per variable.
 ///   while units arrive: n, running mean, running sum of squared deviations, sum of lower-stage variances
@@ -35,6 +39,9 @@ class OrvVariances {
   /// Turns sums into total and variance. `value` is the sampling fraction, or the population size. False when
   /// the population is smaller than the sample; the fraction is 1 then.
   bool Finish(double value, bool isPopulation);
+  /// The pairwise finish, with all units at once: count, total and variance of each variable over the units
+  /// that have it. A variable that no unit has stays as it is.
+  void FinishJoint(const JointUnits& units);
   void Clear();
 
  private:
@@ -59,8 +66,14 @@ class OrvCovariances {
   /// The child is finished, or is a strata node's, and has the same blocks.
   void MergeAsUnit(const OrvCovariances& child);
   void MergeAsStratum(const OrvCovariances& child);
+  /// A closed child's cross-products, times `factor`, become variance of the stages below; no unit is
+  /// counted.
+  void MergeAsLowerStage(const OrvCovariances& child, double factor);
   /// As OrvVariances::Finish.
   bool Finish(double value, bool isPopulation);
+  /// As OrvVariances::FinishJoint, over the units whose first value of the block isn't missing. Takes
+  /// units * size + size^2 operations a unit.
+  void FinishJoint(const JointUnits& units);
   void Clear();
   int BlockCount() const { return static_cast<int>(fBlocks.size()); }
   /// The packed cross-products of a block, or null when out of range. Complete after `Finish`, and at a
@@ -87,6 +100,7 @@ class OrvCovariances {
   };
   static void AddToBlock(BlockSums& block, const double* x);
   static void AddWaiting(BlockSums& block);
+  static void AddPairs(BlockSums& block, const JointUnits& units, const std::vector<std::size_t>& present);
 
   std::vector<BlockSums> fBlocks;
 };

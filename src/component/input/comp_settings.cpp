@@ -47,7 +47,9 @@ OrvStatus CheckStage(const DesignStage& stage, bool isFirst, bool isLast) {
     case StageEstimator::kNotDefined:
       return StageError(StatusCode::kStageWithoutEstimator, stage);
     case StageEstimator::kUnequalWor:
-      return isFirst ? OrvStatus() : StageError(StatusCode::kUnequalWorNotFirst, stage);
+      if (!isFirst) return StageError(StatusCode::kUnequalWorNotFirst, stage);
+      // Joint probabilities belong to pairs of units, and only cluster variables tell units apart.
+      return stage.clusters.empty() ? StageError(StatusCode::kStageWithoutClusters, stage) : OrvStatus();
     case StageEstimator::kEqualWor:
       return CheckInclusion(stage);
     case StageEstimator::kWithReplacement:

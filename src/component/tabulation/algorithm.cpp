@@ -104,11 +104,11 @@ OrvStatus TavoAlgorithm::ProcessData(MCCommon::RecordIterator& iterator) {
 
 // ---- the run ----
 
-OrvStatus TavoAlgorithm::BuildModel(MCCommon::MultiPassRecordIter& iterator) {
+OrvStatus TavoAlgorithm::BuildModel(MCCommon::MultiPassRecordIter& iterator, MCOrv::JointInclProbs* joint) {
   if (fbModelBuilt) return OrvStatus::Error(StatusCode::kModelBuiltTwice);
   if (fStatus.IsError()) return fStatus;
   try {
-    RunStages(iterator);
+    RunStages(iterator, joint);
   } catch (const std::bad_alloc&) {
     Merge(OutOfMemory(static_cast<std::size_t>(fModel.ParameterCount())));
   } catch (const std::length_error&) {
@@ -122,13 +122,13 @@ OrvStatus TavoAlgorithm::BuildModel(MCCommon::MultiPassRecordIter& iterator) {
   return fStatus;
 }
 
-void TavoAlgorithm::RunStages(MCCommon::MultiPassRecordIter& iterator) {
+void TavoAlgorithm::RunStages(MCCommon::MultiPassRecordIter& iterator, MCOrv::JointInclProbs* joint) {
   ProcessData(iterator);
   if (MayGoOn()) SetUpModel();
   if (MayGoOn()) ReduceToPatterns(iterator);
   if (MayGoOn()) Estimate();
   fpPatternTabulator.reset();  // the design pass builds a table of the same size
-  if (MayGoOn()) ComputeVariances(iterator);
+  if (MayGoOn()) ComputeVariances(iterator, joint);
 }
 
 void TavoAlgorithm::SetUpModel() {
@@ -163,14 +163,10 @@ void TavoAlgorithm::Estimate() {
 
 // ---- the variance stage ----
 
-void TavoAlgorithm::ComputeVariances(MCCommon::MultiPassRecordIter& iterator) {
+void TavoAlgorithm::ComputeVariances(MCCommon::MultiPassRecordIter& iterator, MCOrv::JointInclProbs* joint) {
   if (fModel.AllNonRedundantCount() == 0) return;
-  if (fSettings.IsFirstStageUnequalProbability()) {  // needs joint inclusion probabilities
-    Merge(OrvStatus::Error(StatusCode::kUserError));
-    return;
-  }
   SampleDesign design;
-  Merge(FeedDesign(iterator, design));
+  Merge(FeedDesign(iterator, design, joint));
   if (MayGoOn()) Merge(fModel.ScaleSRSCovariance());
   if (MayGoOn()) ComputeCovariances(design);
   fModel.ReleaseSRSCentre();
@@ -179,7 +175,11 @@ void TavoAlgorithm::ComputeVariances(MCCommon::MultiPassRecordIter& iterator) {
 }
 
 // Third pass. The table of units lives in here only.
-OrvStatus TavoAlgorithm::FeedDesign(MCCommon::MultiPassRecordIter& iterator, SampleDesign& design) {
+OrvStatus TavoAlgorithm::FeedDesign(MCCommon::MultiPassRecordIter& iterator, SampleDesign& design,
+                                    MCOrv::JointInclProbs* joint) {
+  const bool needsJoint = fSettings.IsFirstStageUnequalProbability();
+  if (needsJoint && joint == nullptr) return OrvStatus::Error(StatusCode::kUserError);
+  if (!needsJoint) joint = nullptr;
   TavoDataTabulator tabulator(fSettings, fDataExtractor, fCancel);
   iterator.Reset();
   OrvStatus status = tabulator.TabulateDesign(iterator);
@@ -189,8 +189,8 @@ OrvStatus TavoAlgorithm::FeedDesign(MCCommon::MultiPassRecordIter& iterator, Sam
   const int parameters = fModel.ParameterCount();
   if (!design.BuildTree(fSettings.Stages(), parameters)) return OrvStatus::Error(StatusCode::kUserError);
   if (!design.SetMatrixBlocks({parameters}, {0})) return OutOfMemory(static_cast<std::size_t>(parameters));
-  status = fSettings.HasClustersInLastStage() ? tabulator.FeedDesignByUnit(fModel, design)
-                                              : tabulator.FeedDesignByRecord(fModel, design);
+  status = fSettings.HasClustersInLastStage() ? tabulator.FeedDesignByUnit(fModel, design, joint)
+                                              : tabulator.FeedDesignByRecord(fModel, design, joint);
   TakeFindings(tabulator);
   return status;
 }

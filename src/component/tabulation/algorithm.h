@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "design/inference.h"
+#include "design/joint_incl_probs.h"
 #include "estimation/model.h"
 #include "estimation/optimizer.h"
 #include "frame/orv_cancel_info.h"
@@ -30,10 +31,11 @@ class TavoAlgorithm {
 
   /// First pass: fills the factor tables. 95003 when called twice.
   OrvStatus ProcessData(MCCommon::RecordIterator& iterator);
-  /// The whole run, ProcessData included. 95005 when called twice; 91000 for a design with unequal
-  /// probabilities without replacement, which needs joint inclusion probabilities; 95045 when memory runs
-  /// out. The result is an error, or the last warning, or OK.
-  OrvStatus BuildModel(MCCommon::MultiPassRecordIter& iterator);
+  /// The whole run, ProcessData included. `joint` (lent): the joint inclusion probabilities, which a first
+  /// stage with unequal probabilities without replacement needs (91000 without them) and no other design
+  /// reads. 95005 when called twice; 95045 when memory runs out. The result is an error, or the last warning,
+  /// or OK.
+  OrvStatus BuildModel(MCCommon::MultiPassRecordIter& iterator, MCOrv::JointInclProbs* joint = nullptr);
   /// Scores one record: categories (reference last), their probabilities, and the predicted category code.
   /// Code 0 and missing probabilities for a record that lacks a covariate of the model or has a level
   /// combination that the estimation data didn't have, and with 95037 outside the subpopulation. 95006 before
@@ -59,14 +61,15 @@ class TavoAlgorithm {
  private:
   bool MayGoOn() const { return !fStatus.IsError() && !fCancel.IsCancelled(); }
   void Merge(const OrvStatus& status);
-  void RunStages(MCCommon::MultiPassRecordIter& iterator);
+  void RunStages(MCCommon::MultiPassRecordIter& iterator, MCOrv::JointInclProbs* joint);
   void SetUpExtractors();
   bool SetUpEffects();
   void SetUpModel();
   void ReduceToPatterns(MCCommon::MultiPassRecordIter& iterator);
   void Estimate();
-  void ComputeVariances(MCCommon::MultiPassRecordIter& iterator);
-  OrvStatus FeedDesign(MCCommon::MultiPassRecordIter& iterator, SampleDesign& design);
+  void ComputeVariances(MCCommon::MultiPassRecordIter& iterator, MCOrv::JointInclProbs* joint);
+  OrvStatus FeedDesign(MCCommon::MultiPassRecordIter& iterator, SampleDesign& design,
+                       MCOrv::JointInclProbs* joint);
   void ComputeCovariances(const SampleDesign& design);
   void TakeFindings(const TavoDataTabulator& tabulator);
   bool ConstantDetail(int constantVariable, int& stage, std::vector<int>& keyValues) const;

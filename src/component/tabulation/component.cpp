@@ -12,10 +12,10 @@ TavoComponent::TavoComponent(const TavoCompSettings& settings)
 
 TavoComponent::~TavoComponent() = default;
 
-OrvStatus TavoComponent::BuildModel(MCCommon::MultiPassRecordIter& iterator) {
+OrvStatus TavoComponent::BuildModel(MCCommon::MultiPassRecordIter& iterator, MCOrv::JointInclProbs* joint) {
   if (fStatus.IsError()) return fStatus;
   if (fpAlgorithm->IsModelBuilt()) return OrvStatus::Error(StatusCode::kModelBuiltTwice);
-  const OrvStatus result = fpAlgorithm->BuildModel(iterator);
+  const OrvStatus result = fpAlgorithm->BuildModel(iterator, joint);
   if (!result.IsOK()) fStatus = result;
   return result;
 }

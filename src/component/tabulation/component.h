@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "design/joint_incl_probs.h"
 #include "frame/orv_status.h"
 #include "input/comp_settings.h"
 #include "input/record_iterator.h"
@@ -22,8 +23,9 @@ class TavoComponent {
   explicit TavoComponent(const TavoCompSettings& settings);
   ~TavoComponent();
 
-  /// Runs all stages. Once only: a second call answers 95005 and changes nothing.
-  OrvStatus BuildModel(MCCommon::MultiPassRecordIter& iterator);
+  /// Runs all stages. Once only: a second call answers 95005 and changes nothing. `joint` (lent): the joint
+  /// inclusion probabilities of a first stage with unequal probabilities without replacement.
+  OrvStatus BuildModel(MCCommon::MultiPassRecordIter& iterator, MCOrv::JointInclProbs* joint = nullptr);
 
   const OrvStatus& Status() const { return fStatus; }
   bool IsModelBuilt() const;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "design/joint_incl_probs.h"
 #include "frame/orv_cancel_info.h"
 #include "frame/orv_status.h"
 #include "input/comp_settings.h"
@@ -42,13 +43,16 @@ class TavoDataTabulator {
   /// The pass itself, once. 91000 for a second call, 91001 to 91006, 1; warning 91005.
   OrvStatus TabulateDesign(MCCommon::RecordIterator& iterator);
   /// The feeds answer 91000 before TabulateDesign, 91008 and 91009 for a fault of the design, 1; warning
-  /// 91005.
+  /// 91005. `joint` (lent, null for a design that needs none) gives the joint inclusion probabilities: 91012
+  /// when it has no valid stratum of a key, 91010 when the stratum lacks a unit of the sample, warning 91011,
+  /// once, when the sample lacks a unit of a stratum.
   ///
   /// For designs whose last stage has clusters: one unit per key, the sum of its rows' scores.
-  OrvStatus FeedDesignByUnit(TavoModel& model, SampleDesign& design);
+  OrvStatus FeedDesignByUnit(TavoModel& model, SampleDesign& design, MCOrv::JointInclProbs* joint = nullptr);
   /// For designs in which each record is a unit; records outside the subpopulation are units with zero
   /// scores.
-  OrvStatus FeedDesignByRecord(TavoModel& model, SampleDesign& design);
+  OrvStatus FeedDesignByRecord(TavoModel& model, SampleDesign& design,
+                               MCOrv::JointInclProbs* joint = nullptr);
 
   /// By constant design variable.
   const std::vector<DesignFinding>& ConstFindings() const { return fConstFindings; }
@@ -72,7 +76,9 @@ class TavoDataTabulator {
   /// Walks the units in key order: `addUnit` hands one over, then its values are checked and the levels that
   /// end with it are closed.
   template <class AddUnit>
-  OrvStatus FeedDesign(SampleDesign& design, AddUnit&& addUnit);
+  OrvStatus FeedDesign(SampleDesign& design, MCOrv::JointInclProbs* joint, AddUnit&& addUnit);
+  OrvStatus SelectJointUnit(MCOrv::JointInclProbs& joint, SampleDesign& design, const OrvKey& key);
+  OrvStatus NoteKeyChange(int prefix);
   OrvStatus CheckStageValues(SampleDesign& design, const Unit& unit);
   OrvStatus CloseDesignLevels(SampleDesign& design, int prefix, const Unit& unit);
   int PrefixAfter(std::size_t position) const;
@@ -90,6 +96,15 @@ class TavoDataTabulator {
   std::vector<DesignFinding> fConstFindings;
   std::vector<OrvKey> fPopulationKeys;
   std::vector<OrvStatus> fStatusList;
+
+  // Joint inclusion probabilities: the current stratum of the first stage, and where the walk stands in it.
+  int fNStrataVars = 0;  // of the first stage
+  int fNClusterVars = 0;
+  MCOrv::JointInclProbs::Units fJointUnits;
+  std::size_t fNUnitsMet = 0;  // units of the stratum that the sample has
+  bool fbNewStratum = true;
+  bool fbNewCluster = true;
+  bool fbJProbStatus = false;  // 91011 was reported
 };
 
 }  // namespace tavo

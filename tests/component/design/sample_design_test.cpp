@@ -62,12 +62,9 @@ TEST(SampleDesign, HasANodeForEachStrataListAndEachClusterListAndOneForRecordsAt
   }
 }
 
-TEST(SampleDesign, IsRefusedWithoutAStageAndForUnequalProbabilitiesWithoutReplacement) {
+TEST(SampleDesign, IsRefusedWithoutAStage) {
   SampleDesign design;
   EXPECT_FALSE(design.BuildTree({}, 1));
-  DesignStage unequal = WithReplacement(1, 1);
-  unequal.estimator = StageEstimator::kUnequalWor;
-  EXPECT_FALSE(design.BuildTree({unequal}, 1));
   EXPECT_EQ(design.NodeCount(), 0);
   EXPECT_EQ(design.Root(), nullptr);
   EXPECT_EQ(design.StrataCount(0), 0);

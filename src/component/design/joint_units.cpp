@@ -1,0 +1,15 @@
+#include "design/joint_units.h"
+
+namespace tavo {
+
+void TransformJointProbabilities(std::vector<double>& matrix, std::size_t count) {
+  for (std::size_t a = 1; a < count; ++a) {
+    double* const row = matrix.data() + a * count;
+    const double own = row[a];
+    for (std::size_t b = 0; b < a; ++b) {
+      if (row[b] > 0.0) row[b] = own * matrix[b * count + b] / row[b] - 1.0;
+    }
+  }
+}
+
+}  // namespace tavo

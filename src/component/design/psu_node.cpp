@@ -1,0 +1,66 @@
+#include "design/psu_node.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "estimation/numerics/missing_value.h"
+
+namespace tavo {
+
+using MCCommonMath::MCMV;
+
+bool PSUNode::SetJointProbabilities(int unitCount, std::vector<double> matrix) {
+  fUnits = JointUnits();
+  fUnitIndex = kNoUnit;
+  const auto count = static_cast<std::size_t>(std::max(unitCount, 0));
+  if (unitCount < 0 || matrix.size() != count * count) return false;
+  fUnits.count = count;
+  fUnits.variables = static_cast<std::size_t>(fVariances.Variables());
+  fUnits.weights = std::move(matrix);
+  TransformJointProbabilities(fUnits.weights, count);
+  const std::size_t values = count * fUnits.variables;
+  fUnits.totals.assign(values, MCMV::gMissingValue);
+  fUnits.variances.assign(fbSingleStage ? 0 : values, 0.0);
+  return true;
+}
+
+bool PSUNode::SetUnitIndex(int unitNumber) {
+  const bool isKnown = unitNumber >= 1 && static_cast<std::size_t>(unitNumber) <= fUnits.count;
+  fUnitIndex = isKnown ? static_cast<std::size_t>(unitNumber) - 1 : kNoUnit;
+  return isKnown;
+}
+
+void PSUNode::AddUnit(const std::vector<double>& totals) {
+  if (!HasUnit()) return;
+  const std::size_t variables = std::min(totals.size(), fUnits.variables);
+  double* const target = fUnits.totals.data() + fUnitIndex * fUnits.variables;
+  std::copy_n(totals.data(), variables, target);
+}
+
+void PSUNode::MergeVariances(const OrvVariances& child) {
+  if (!HasUnit() || fbSingleStage) return;
+  const std::size_t first = fUnitIndex * fUnits.variables;
+  for (std::size_t i = 0; i < fUnits.variables; ++i) {
+    const double* const v = child.Values(static_cast<int>(i));
+    fUnits.totals[first + i] = v[0] > 0.0 ? v[1] : MCMV::gMissingValue;
+    fUnits.variances[first + i] = v[2];
+  }
+}
+
+void PSUNode::MergeCovariances(const OrvCovariances& child) {
+  if (HasUnit()) fpCovariances->MergeAsLowerStage(child, fUnits.Probability(fUnitIndex));
+}
+
+bool PSUNode::Finish() {
+  fVariances.FinishJoint(fUnits);
+  if (fpCovariances) fpCovariances->FinishJoint(fUnits);
+  SetJointProbabilities(0, {});
+  return true;
+}
+
+double PSUNode::DegreesOfFreedom(int variable) const {
+  const double units = fVariances.Values(variable)[0];
+  return units > 0.0 ? units - 1.0 : 0.0;
+}
+
+}  // namespace tavo
