@@ -59,7 +59,6 @@ class EffectContrasts {
 
   int ParameterCount() const;
   void RemoveNoise(Swept& swept) const;
-  void IsolateColumn(Swept& swept, int column) const;
   std::vector<double> InterceptTerms(const Swept& swept) const;
   bool BringToDataScale(Swept& swept) const;
   std::vector<int> ContainingEffects(int effect) const;

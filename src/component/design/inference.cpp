@@ -70,6 +70,9 @@ OrvStatus TavoInference::ComputePECovar(const SampleDesign& design) {
   fpPECovar = ComputeSandwich(*central);
   if (!fpPECovar) return OutOfMemory();
   const OrvStatus status = CheckCovariance(*central);
+  const bool areAllZero =
+      status.Code() == StatusCode::kVarianceZero || status.Code() == StatusCode::kVarianceZeroSomeNegative;
+  if (areAllZero) fStatus = status;  // nothing can be tested
   if (status.IsOK() && fCancel.IsCancelled()) return OrvStatus::Error(StatusCode::kCancelled);
   return status;
 }

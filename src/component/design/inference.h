@@ -98,9 +98,11 @@ class TavoInference {
   OrvStatus CheckCovariance(const std::vector<double>& central);
   OrvStatus OutOfMemory() const;
   void FillTest(OrvParamStats& row) const;
-  OrvStatus TestsStatus() const;
-  bool IsEffectIndex(int effect) const;
+  OrvStatus EffectTestStatus(int effect) const;
+  OrvStatus EffectContrast(int effect, MCCommonMath::MCRectMatrix& L, std::vector<int>& columns) const;
   OrvModelTests ModelTests(TestType type, PAdjustMethod method) const;
+  OrvStatus InterceptContrast(const OrvCustomTest& test, MCCommonMath::MCRectMatrix& L,
+                              std::vector<double>& K) const;
   OrvStatus CustomContrasts(const OrvCustomTest& test, MCCommonMath::MCRectMatrix& L,
                             std::vector<double>& K) const;
   bool IsEstimable(const MCCommonMath::MCRectMatrix& L, bool isFull) const;

@@ -167,7 +167,8 @@ void TavoModel::TakeTransformation() {
   fConstantValues.assign(static_cast<std::size_t>(fNEffects), 0.0);
   for (std::size_t e = 0; e < fEffectScales.size(); ++e) {
     if (!HasSpread(fEffectCentres[e], fEffectScales[e])) {
-      fEffectCentres[e] = 0;
+      // The centre stays: it is the constant, by which the column is a multiple of the intercept's.
+      if (!std::isfinite(fEffectCentres[e])) fEffectCentres[e] = 0;
       fEffectScales[e] = 0;
       continue;
     }

@@ -72,7 +72,8 @@ OrvStatus TavoModel::FindRedundancies() {
   fpXPrimeX->GetDiagonal(fXPrimeXDiagonal);
   fBasicBits.Resize(basic, false);
   for (int k = 0; k < basic && !fCancel.IsCancelled(); ++k) {
-    fpXPrimeX->Sweep(k, fSettings.Tolerance(), fXPrimeXDiagonal, fBasicBits, true);
+    const bool isKept = fpXPrimeX->Sweep(k, fSettings.Tolerance(), fXPrimeXDiagonal, fBasicBits, true);
+    if (!isKept) fpXPrimeX->ClearResidual(k, fBasicBits);
   }
   CompressBasicParameters();
   fAllBits.Resize(ParameterCount(), false);

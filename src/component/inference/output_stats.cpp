@@ -72,7 +72,8 @@ TavoOutputStats::Convergence TavoOutputStats::ConvergenceValues() const {
   return {optimizer->GetTerminationState(), summary.logLikelihoodChange, summary.parameterChange};
 }
 
-OrvStatus TavoOutputStats::OddsRatios(const OrvOddsRatioSpec& request, std::vector<TavoOddsRatioStats>& results,
+OrvStatus TavoOutputStats::OddsRatios(const OrvOddsRatioSpec& request,
+                                      std::vector<TavoOddsRatioStats>& results,
                                       std::vector<TavoOddsRatioEstimator::FixedPair>& fixedPairs,
                                       std::vector<OrvStatus>& warnings) const {
   const TavoInference* inference = fAlgorithm.Inference();
@@ -83,6 +84,28 @@ OrvStatus TavoOutputStats::OddsRatios(const OrvOddsRatioSpec& request, std::vect
   fixedPairs = estimator.FixedPairs();
   warnings = estimator.Warnings();
   return status;
+}
+
+OrvStatus TavoOutputStats::TestEffect(int effect, MCCommonMath::MCRectMatrix& L, std::vector<int>& columns,
+                                      OrvTestStats& overall) const {
+  const TavoInference* inference = fAlgorithm.Inference();
+  if (inference == nullptr) return OrvStatus::Error(StatusCode::kUserError);
+  return inference->TestEffect(effect, L, columns, overall);
+}
+
+OrvStatus TavoOutputStats::GeneralEstimableFunction(MCCommonMath::MCRectMatrix& L,
+                                                    std::vector<int>& columns) const {
+  const TavoInference* inference = fAlgorithm.Inference();
+  if (inference == nullptr) return OrvStatus::Error(StatusCode::kUserError);
+  return inference->GeneralEstimableFunction(L, columns);
+}
+
+OrvStatus TavoOutputStats::TestCustom(const OrvCustomTest& test, TestType type, PAdjustMethod method,
+                                      MCCommonMath::MCRectMatrix& L, std::vector<OrvTestStats>& rows,
+                                      OrvTestStats& overall) const {
+  const TavoInference* inference = fAlgorithm.Inference();
+  if (inference == nullptr) return OrvStatus::Error(StatusCode::kUserError);
+  return inference->TestCustom(test, type, method, L, rows, overall);
 }
 
 }  // namespace tavo

@@ -6,6 +6,8 @@
 
 namespace MCCommonMath {
 
+class MCBitSet;
+
 // A dense matrix of doubles, stored by rows: element (i, j) stands at i * columns + j. Indices count from 0.
 // A failed allocation leaves a matrix without elements for which `IsValidMatrix` is false.
 class MCRectMatrixData {
@@ -74,6 +76,48 @@ class MCRectMatrix : public MCRectMatrixData {
 
   // All elements of row i are exactly 0. False when there is no such row.
   [[nodiscard]] bool IsRowZero(int i) const;
+
+  // ---- contrasts ----
+  //
+  // Estimable functions stand in the columns of a matrix H with one row per parameter; contrasts in the rows
+  // of L. Operations that change this matrix return false, with nothing changed, when shapes do not match or
+  // memory ran out.
+
+  // Row `row` of this matrix becomes column `col` of `source`, which has one row per column of this matrix.
+  bool CopyColToRow(const MCRectMatrixData& source, int col, int row);
+
+  // This matrix becomes the columns first .. first+count-1 of `source`, a matrix other than this.
+  bool CopyColumns(const MCRectMatrixData& source, int first, int count);
+
+  // `matrix`, which is not this, becomes block diagonal with n copies of this matrix.
+  bool CreateBlockDiagonal(int n, MCRectMatrixData& matrix) const;
+
+  // Whether the row (row i, value1) is a multiple of (row j, value2), by a `factor` other than 0, which is 0
+  // when it is not. Element by element, to a relative 1e-12, since elements may have different units. Rows
+  // that are all 0 (whatever the value) are no multiples.
+  bool IsERowMultipleOfAnother(int i, int j, double value1, double value2, double& factor) const;
+
+  // Whether each row l of this matrix is an estimable function: l = (l G) with G = H on the rows `bitSet`. H
+  // has one row per column of this matrix, and one column per set bit, in order, with a 1 at that parameter
+  // and 0 at the other set bits. A row passes when for each parameter u left out, l_u and the sum over set
+  // bits k of l_k H_uk differ by no more than `tol` times the sum of the absolute terms: all of them have the
+  // units of parameter u, so the units do not matter. False also when shapes do not match.
+  [[nodiscard]] bool IsEstimable(const MCRectMatrix& H, const MCBitSet& bitSet, double tol) const;
+
+  // Replaces each column whose bit is set in `liveBits` by its residual after orthogonal projection on the
+  // columns of `basis`. The bit is cleared, and the column becomes 0, when the squared length of the residual
+  // is at most `tol` times that of the column. Columns of `basis` that depend on others by the same rule do
+  // no harm; `basisBits` gets one bit per column of `basis`, set for those that span the projection.
+  bool ResidOfOrthProjection(const MCRectMatrix& basis, double tol, MCBitSet& basisBits, MCBitSet& liveBits);
+
+  // Makes the first column in `liveBits` with an element of absolute value above `tol` in row `row` the pivot
+  // and subtracts multiples of it from all other columns, so that they become 0 in that row. `pivotColumn` is
+  // the pivot, -1 when there is none.
+  bool ZeroOutPivotRow(int row, double tol, const MCBitSet& liveBits, int& pivotColumn);
+
+  // Sets to 0 what is rounding in a column of `scale` rows that have the same units: elements below 64 times
+  // `scale` times the machine precision, relative to the largest.
+  bool ColClean(int col, double scale);
 };
 
 }  // namespace MCCommonMath

@@ -8,6 +8,7 @@
 namespace MCCommonMath {
 
 class MCBitSet;
+class MCRectMatrix;
 
 // A symmetric n by n matrix of doubles. One vector holds the lower triangle by rows: element (i, j), i >= j,
 // stands at i(i+1)/2 + j. The layout is part of the interface. Indices count from 0. A failed allocation
@@ -53,6 +54,10 @@ class MCSymMatrixData {
 
   // `out` gets the n diagonal elements.
   void GetDiagonal(std::vector<double>& out) const;
+
+  // The same with elements that are not at least eps replaced by `value`: then the pivot test of a row that
+  // is dead compares with `value`.
+  void GetNCheckDiagonal(std::vector<double>& out, double eps, double value) const;
 
   // The packed lower triangle. Callers may change elements but not the length.
   [[nodiscard]] std::vector<double>& AsVector() { return fElements; }
@@ -140,12 +145,50 @@ class MCSymMatrix : public MCSymMatrixData {
   // `sweepBack` it is refused with false.
   bool Sweep(int k, double tol, const std::vector<double>& diagonal, MCBitSet& bitSet, bool sweepBack);
 
+  // For a column k that `Sweep` refused: it depends on the pivots in `bitSet`, so what it shares with the
+  // other columns left out is rounding, and becomes 0, the diagonal aside. Later sweeps then leave its
+  // coefficients alone, as they must, however close to dependent their pivots are.
+  bool ClearResidual(int k, const MCBitSet& bitSet);
+
   // `out` gets the size of `bitSet`; the elements of this matrix go to the positions of the set bits in
   // order, all others are 0. False when this matrix has not one row per set bit, or `out` is invalid for lack
   // of memory.
   bool Expand(const MCBitSet& bitSet, MCSymMatrix& out) const;
 
+  // Inverse of this positive semi-definite matrix on the first independent rows: rows are taken in order,
+  // without permutation, and one is left out when its pivot, reduced by the rows kept before it, is not above
+  // eps * diagonal[i] or not above 0. `inverse` has zero rows and columns there, `bitSet` the bits of the
+  // rows kept. Returns their number, or -1 when `diagonal` does not match or memory ran out.
+  int CholInverse(const std::vector<double>& diagonal, double eps, MCSymMatrix& inverse,
+                  MCBitSet& bitSet) const;
+
+  // After sweeps on the pivots in `bitSet`: for each j of firstCol .. lastCol whose bit is set, column j of
+  // inverse(A) A on the swept pivots, that is 1 at j, 0 at the other pivots, and the coefficient of column j
+  // in each column left out. They go to the columns of H from `column` on, which moves on, and their bits are
+  // set in `keep`. Only the first `limit` rows are filled, all with -1. False, with nothing changed, when the
+  // columns have no room in H or the shapes do not match.
+  bool ExtractH(int firstCol, int lastCol, const MCBitSet& bitSet, MCRectMatrix& H, int& column,
+                MCBitSet& keep, int limit) const;
+
   // ---- products ----
+
+  // v' S v for this matrix S, over the elements of v that are not 0. The missing value when v does not match.
+  [[nodiscard]] double ComputeVSV(std::span<const double> v) const;
+
+  // The square root of v' S v; 0 when that is not above 0.
+  [[nodiscard]] double SquareRootVSV(std::span<const double> v) const;
+
+  // v' S_ab v on block (a, b) of `GetNBlocks()`.
+  [[nodiscard]] double ComputeBlockVSV(int a, int b, std::span<const double> v) const;
+
+  // result = R S R'. Columns of R that are 0 cost nothing.
+  bool ComputeRSRTrans(const MCRectMatrix& R, MCSymMatrix& result) const;
+
+  // product = S T for this matrix S and `other`, T, of the same size.
+  bool ComputeSS(const MCSymMatrix& other, MCRectMatrix& product) const;
+
+  // Row and column i become 0 for each i at which the diagonal of `other` is not above 1e-12.
+  bool SetCovarZeros(const MCSymMatrix& other);
 
   // With G this matrix and M the symmetric matrix whose packed triangle is `central`: result = G M G. Rows of
   // G that are zero stay exactly zero, whatever M holds there.

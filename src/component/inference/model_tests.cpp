@@ -1,0 +1,360 @@
+#include "inference/model_tests.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "estimation/numerics/distributions.h"
+#include "estimation/numerics/math_functions.h"
+#include "estimation/numerics/missing_value.h"
+
+namespace tavo {
+
+using MCCommonMath::IsMissing;
+using MCCommonMath::MCBitSet;
+using MCCommonMath::MCDistFun;
+using MCCommonMath::MCMathFun;
+using MCCommonMath::MCMV;
+using MCCommonMath::MCRectMatrix;
+using MCCommonMath::MCSymMatrix;
+
+namespace {
+
+constexpr double kTolerance = 1e-12;
+constexpr double kLargest = std::numeric_limits<double>::max();
+
+/// 1 - (1 - p)^m, without cancellation for small p. With m = 2 it is the square written out.
+double Sidak(double p, int m) {
+  if (m == 2) return p * (2.0 - p);
+  return -std::expm1(m * std::log1p(-p));
+}
+
+bool IsSequential(PAdjustMethod method) {
+  return method == PAdjustMethod::SequentialBonferroni || method == PAdjustMethod::SequentialSidak;
+}
+
+double SequentialStep(PAdjustMethod method, double p, int m) {
+  return std::min(1.0, method == PAdjustMethod::SequentialSidak ? Sidak(p, m) : m * p);
+}
+
+void Minimise(double& smallest, double value) {
+  if (!IsMissing(value)) smallest = std::min(smallest, value);
+}
+
+/// Nothing was met when the running minimum hasn't moved.
+double MinimumOrMissing(double smallest) {
+  return smallest < kLargest ? smallest : MCMV::gMissingValue;
+}
+
+double TraceOfSquare(const MCRectMatrix& d) {
+  double trace = 0.0;
+  for (int i = 0; i < d.GetNRows(); ++i)
+    trace += d.DotProductRowCol(i, d, i);
+  return trace;
+}
+
+double Trace(const MCRectMatrix& d) {
+  double trace = 0.0;
+  for (int i = 0; i < d.GetNRows(); ++i)
+    trace += d.GetElem(i, i);
+  return trace;
+}
+
+}  // namespace
+
+OrvModelTests::OrvModelTests(const std::vector<double>& estimates, const MCSymMatrix& covariance,
+                             const MCSymMatrix* covarianceSRS, double degreesOfFreedom)
+    : fEstimates(estimates),
+      fCovariance(covariance),
+      fpCovarianceSRS(covarianceSRS),
+      fNDegFreedom(degreesOfFreedom) {}
+
+bool OrvModelTests::IsAdjusted() const {
+  return fTestType == TestType::AdjustedWaldF || fTestType == TestType::AdjustedWaldChiSquare;
+}
+
+bool OrvModelTests::IsF() const {
+  return fTestType == TestType::WaldF || fTestType == TestType::AdjustedWaldF;
+}
+
+OrvStatus OrvModelTests::Check(const MCRectMatrix& L) const {
+  if (IsAdjusted() && fpCovarianceSRS == nullptr) {
+    return OrvStatus::Error(StatusCode::kNoDesignCovariance).SetInteger(0, static_cast<int>(fTestType));
+  }
+  if (static_cast<std::size_t>(L.GetNCols()) != fEstimates.size()) {
+    return OrvStatus::Error(StatusCode::kWrongLMatrixWidth)
+        .SetInteger(0, L.GetNCols())
+        .SetInteger(1, static_cast<int>(fEstimates.size()));
+  }
+  return OrvStatus();
+}
+
+// ---- statistics ----
+
+/// The rows of L on a common scale, and L b - K on the same.
+MCRectMatrix OrvModelTests::ScaleRows(const MCRectMatrix& L, const std::vector<double>* K,
+                                      std::vector<double>& difference) const {
+  MCRectMatrix scaled(L);
+  scaled.ComputeRV(fEstimates, difference);
+  std::vector<double> variances;
+  fCovariance.GetDiagonal(variances);
+  double* element = scaled.AsVector().data();
+  for (std::size_t i = 0; i < difference.size(); ++i, element += scaled.GetNCols()) {
+    if (K != nullptr) difference[i] -= (*K)[i];
+    double size = 0.0;
+    for (std::size_t j = 0; j < variances.size(); ++j)
+      size += element[j] * element[j] * variances[j];
+    size = std::sqrt(size);
+    if (!(size > 0.0) || !std::isfinite(size)) continue;
+    difference[i] /= size;
+    for (std::size_t j = 0; j < variances.size(); ++j)
+      element[j] /= size;
+  }
+  return scaled;
+}
+
+int OrvModelTests::InvertContrastCovariance(const MCSymMatrix& A, MCSymMatrix& inverse, MCBitSet& used) {
+  std::vector<double> diagonal;
+  if (A.GetNRows() >= 2) {
+    A.GetNCheckDiagonal(diagonal, kTolerance, 1.0);
+  } else {
+    A.GetDiagonal(diagonal);
+  }
+  return A.CholInverse(diagonal, kTolerance, inverse, used);
+}
+
+double OrvModelTests::ComputeChiSquare(const MCRectMatrix& L, const std::vector<double>* K, int& rank,
+                                       MCBitSet& used) const {
+  std::vector<double> difference;
+  const MCRectMatrix scaled = ScaleRows(L, K, difference);
+  MCSymMatrix contrastCovariance;
+  MCSymMatrix inverse;
+  rank = -1;
+  if (!fCovariance.ComputeRSRTrans(scaled, contrastCovariance)) return MCMV::gMissingValue;
+  rank = InvertContrastCovariance(contrastCovariance, inverse, used);
+  return rank < 0 ? MCMV::gMissingValue : inverse.ComputeVSV(difference);
+}
+
+double OrvModelTests::ComputeAdjChiSquare(const MCRectMatrix& L, const std::vector<double>* K, double& df,
+                                          MCBitSet& used) const {
+  df = MCMV::gMissingValue;
+  std::vector<double> difference;
+  const MCRectMatrix scaled = ScaleRows(L, K, difference);
+  MCSymMatrix underSRS;
+  MCSymMatrix underDesign;
+  MCSymMatrix inverse;
+  MCRectMatrix designEffects;
+  if (fpCovarianceSRS == nullptr || !fpCovarianceSRS->ComputeRSRTrans(scaled, underSRS) ||
+      !fCovariance.ComputeRSRTrans(scaled, underDesign) || !underDesign.SetCovarZeros(underSRS) ||
+      InvertContrastCovariance(underSRS, inverse, used) < 0 ||
+      !inverse.ComputeSS(underDesign, designEffects)) {
+    return MCMV::gMissingValue;
+  }
+  const double chiSquare = inverse.ComputeVSV(difference);
+  const double first = Trace(designEffects);
+  const double second = TraceOfSquare(designEffects);
+  if (second > 0.0) df = first * first / second;
+  if (first == 0.0 || !(df > 0.0)) return MCMV::gMissingValue;
+  return chiSquare / (first / df);
+}
+
+// ---- the overall test ----
+
+void OrvModelTests::FillWald(double chiSquare, int rank, OrvTestStats& overall) const {
+  const double r = rank;
+  const double d = fNDegFreedom;
+  if (rank >= 0) overall.df1 = r;
+  const bool isTestable = chiSquare >= 0.0 && rank >= 1;
+  if (fTestType == TestType::WaldChiSquare) {
+    if (!isTestable) return;
+    overall.wald = chiSquare;
+    overall.significance = MCDistFun::UpperChi(chiSquare, r);
+    return;
+  }
+  if (!(d >= r) || rank < 0) return;
+  overall.df2 = d - r + 1.0;
+  if (!isTestable) return;
+  overall.wald = overall.df2 / (r * d) * chiSquare;
+  overall.significance = MCDistFun::UpperF(overall.wald, r, overall.df2);
+}
+
+void OrvModelTests::FillAdjusted(double chiSquare, double df, OrvTestStats& overall) const {
+  const double d = fNDegFreedom;
+  const bool isTestable = chiSquare >= 0.0 && df > 0.0;
+  if (df >= 0.0) overall.df1 = df;
+  if (fTestType == TestType::AdjustedWaldChiSquare) {
+    if (!isTestable) return;
+    overall.wald = chiSquare;
+    overall.significance = MCDistFun::UpperChi(chiSquare, df);
+    return;
+  }
+  if (df >= 0.0 && d >= 0.0) overall.df2 = df * d;
+  if (!isTestable || !(d > 0.0)) return;
+  overall.wald = chiSquare / df;
+  overall.significance = MCDistFun::UpperF(overall.wald, df, overall.df2);
+}
+
+void OrvModelTests::TestOverall(const MCRectMatrix& L, const std::vector<double>* K, MCBitSet& used,
+                                OrvTestStats& overall) const {
+  overall.Reset(true);
+  overall.testType = fTestType;
+  overall.adjustment = fAdjustment;
+  used.Resize(L.GetNRows(), false);
+  int rank = 0;
+  if (IsAdjusted()) {
+    double df = MCMV::gMissingValue;
+    const double chiSquare = ComputeAdjChiSquare(L, K, df, used);
+    rank = used.InSet();
+    FillAdjusted(chiSquare, df, overall);
+  } else {
+    const double chiSquare = ComputeChiSquare(L, K, rank, used);
+    FillWald(chiSquare, rank, overall);
+  }
+  overall.usedInOverall = rank == L.GetNRows() || rank == 0;
+}
+
+// ---- single rows ----
+
+int OrvModelTests::FindDistinctRows(const MCRectMatrix& L, const std::vector<double>* K,
+                                    std::vector<int>& marks) {
+  const int n = L.GetNRows();
+  const auto valueOf = [K](int i) { return K == nullptr ? 0.0 : (*K)[static_cast<std::size_t>(i)]; };
+  marks.assign(static_cast<std::size_t>(n), -1);
+  int distinct = n;
+  for (int i = 0; i < n; ++i) {
+    if (L.IsRowZero(i)) {
+      marks[static_cast<std::size_t>(i)] = -2;
+      --distinct;
+      continue;
+    }
+    for (int j = i + 1; j < n && marks[static_cast<std::size_t>(i)] == -1; ++j) {
+      double factor = 0.0;
+      int& mark = marks[static_cast<std::size_t>(j)];
+      if (mark == -1 && L.IsERowMultipleOfAnother(i, j, valueOf(i), valueOf(j), factor)) {
+        mark = i;
+        --distinct;
+      }
+    }
+  }
+  return distinct;
+}
+
+/// Missing for the sequential methods, which need all rows.
+double OrvModelTests::Adjusted(double significance, int contrastCount) const {
+  switch (fAdjustment) {
+    case PAdjustMethod::LeastSignificanceDifference:
+      return std::min(1.0, significance);
+    case PAdjustMethod::Bonferroni:
+      return std::min(1.0, contrastCount * significance);
+    case PAdjustMethod::Sidak:
+      return std::min(1.0, Sidak(significance, contrastCount));
+    default:
+      return MCMV::gMissingValue;
+  }
+}
+
+bool OrvModelTests::TestRow(const MCRectMatrix& L, int row, double hypothesized, int contrastCount,
+                            OrvTestStats& stats) const {
+  std::vector<double> contrast;
+  L.GetRow(row, contrast);
+  const int columns = L.GetNCols();
+  stats.testType = fTestType;
+  stats.adjustment = fAdjustment;
+  stats.contrastEstimate = MCMathFun::DDot(columns, contrast, 0, 1, fEstimates, 0, 1);
+  stats.standardError = fCovariance.SquareRootVSV(contrast);
+  if (!(stats.standardError > 0.0)) {
+    if (!IsAdjusted()) stats.df1 = 0.0;
+    if (fTestType == TestType::WaldF) stats.df2 = fNDegFreedom + 1.0;
+    return false;
+  }
+  stats.df1 = 1.0;
+  if (IsF()) stats.df2 = fNDegFreedom;
+  const double t = (stats.contrastEstimate - hypothesized) / stats.standardError;
+  stats.wald = t * t;
+  stats.significance =
+      IsF() ? MCDistFun::UpperF(stats.wald, 1.0, fNDegFreedom) : MCDistFun::UpperChi(stats.wald, 1.0);
+  if (!IsMissing(stats.significance)) {
+    stats.adjustedSignificance = Adjusted(stats.significance, contrastCount);
+  }
+  return true;
+}
+
+// ---- hypotheses ----
+
+OrvStatus OrvModelTests::TestHypothesis(const MCRectMatrix& L, OrvTestStats& overall) const {
+  const OrvStatus status = Check(L);
+  if (!status.IsOK()) return status;
+  MCBitSet used;
+  TestOverall(L, nullptr, used, overall);
+
+  std::vector<int> marks;
+  overall.contrastCount = FindDistinctRows(L, nullptr, marks);
+  double smallest = kLargest;
+  double smallestAdjusted = kLargest;
+  for (std::size_t i = 0; i < marks.size(); ++i) {
+    if (marks[i] != -1) continue;
+    OrvTestStats row;
+    TestRow(L, static_cast<int>(i), 0.0, overall.contrastCount, row);
+    Minimise(smallest, row.significance);
+    Minimise(smallestAdjusted, row.adjustedSignificance);
+  }
+  if (!IsSequential(fAdjustment)) {
+    overall.adjustedSignificance = MinimumOrMissing(smallestAdjusted);
+  } else if (smallest < kLargest) {
+    overall.adjustedSignificance = SequentialStep(fAdjustment, smallest, overall.contrastCount);
+  }
+  return status;
+}
+
+OrvStatus OrvModelTests::TestCustomHypothesis(const MCRectMatrix& L, const std::vector<double>& K,
+                                              std::vector<OrvTestStats>& rows, OrvTestStats& overall) const {
+  const OrvStatus status = Check(L);
+  if (!status.IsOK()) return status;
+  const int n = L.GetNRows();
+  if (K.size() != static_cast<std::size_t>(n)) return OrvStatus::Error(StatusCode::kMoreThanOneRow);
+  MCBitSet used;
+  TestOverall(L, &K, used, overall);
+
+  std::vector<int> marks;
+  overall.contrastCount = FindDistinctRows(L, &K, marks);
+  rows.assign(K.size(), OrvTestStats());
+  for (int i = 0; i < n; ++i) {
+    OrvTestStats& row = rows[static_cast<std::size_t>(i)];
+    row.usedInOverall = used.IsIn(i);
+    row.contrastCount = overall.contrastCount;
+    TestRow(L, i, K[static_cast<std::size_t>(i)], overall.contrastCount, row);
+  }
+  if (IsSequential(fAdjustment)) AdjustInSequence(marks, overall.contrastCount, rows);
+  double smallest = kLargest;
+  for (const OrvTestStats& row : rows)
+    Minimise(smallest, row.adjustedSignificance);
+  overall.adjustedSignificance = MinimumOrMissing(smallest);
+  return status;
+}
+
+/// Step-down from the smallest significance (Holm 1979): each distinct row takes a step, a multiple follows
+/// the row that it repeats.
+void OrvModelTests::AdjustInSequence(const std::vector<int>& marks, int contrastCount,
+                                     std::vector<OrvTestStats>& rows) const {
+  std::vector<std::size_t> order;
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (!IsMissing(rows[i].significance)) order.push_back(i);
+  }
+  std::stable_sort(order.begin(), order.end(), [&rows](std::size_t a, std::size_t b) {
+    return rows[a].significance < rows[b].significance;
+  });
+  int left = contrastCount;
+  double highest = 0.0;
+  for (const std::size_t i : order) {
+    if (marks[i] != -1) continue;
+    highest = std::max(highest, SequentialStep(fAdjustment, rows[i].significance, left--));
+    rows[i].adjustedSignificance = highest;
+  }
+  for (const std::size_t i : order) {
+    if (marks[i] < 0) continue;
+    rows[i].adjustedSignificance = rows[static_cast<std::size_t>(marks[i])].adjustedSignificance;
+  }
+}
+
+}  // namespace tavo

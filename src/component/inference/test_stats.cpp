@@ -1,0 +1,14 @@
+#include "inference/test_stats.h"
+
+namespace tavo {
+
+void OrvTestStats::Reset(bool all) {
+  OrvTestStats fresh;
+  if (!all) {
+    fresh.testType = testType;
+    fresh.adjustment = adjustment;
+  }
+  *this = fresh;
+}
+
+}  // namespace tavo
