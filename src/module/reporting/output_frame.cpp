@@ -4,11 +4,13 @@
 #include "reporting/design_tables.h"
 #include "reporting/estimation_tables.h"
 #include "reporting/table_frame.h"
+#include "reporting/test_tables.h"
+#include "saved/saved_results.h"
 
 namespace tavo {
 
-void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs,
-               host::ProcedureDataSource& source, host::BpHeading& heading) {
+void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, host::ProcedureDataSource& source,
+               host::BpHeading& heading) {
   const TavoOutputFrame frame(heading, driver, specs, source);
   if (specs.Has(PrintOption::SAMPLEINFO)) OutputSampleDesign(frame);
   if (specs.Has(PrintOption::VARIABLEINFO)) {
@@ -21,6 +23,11 @@ void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs,
   if (specs.Has(PrintOption::COVB)) OutputCovariances(frame);
   if (specs.Has(PrintOption::CORB)) OutputCorrelations(frame);
   if (specs.Has(PrintOption::CLASSTABLE)) OutputClassification(frame);
+  if (specs.Has(PrintOption::GEF)) OutputGeneralEstimableFunction(frame);
+  OutputEffectTests(frame);
+  OutputCustomTests(frame);
+  OutputOddsRatios(frame);
+  SaveResults(frame, driver, source);
 }
 
 void NoteInputFiles(TavoValidSpecs& specs) {
