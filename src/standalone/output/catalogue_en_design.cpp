@@ -44,34 +44,46 @@ constexpr std::array kEntries = {
                    "The plan file ^1 has no AnalysisDesign element, which says how to estimate. Prepare the "
                    "plan for analysis."},
     CatalogueEntry{"Sample size values are not positive...",
-                   "A sample size in the plan is not above 0. Correct it in the plan file."},
+                   "A sample size in the plan is not right (^1). It must be a whole number above 0."},
     CatalogueEntry{"Sample rate values are not positive...",
-                   "A sampling rate in the plan is not above 0. Correct it in the plan file."},
-    CatalogueEntry{"SampleDesign is missing in plan file...",
-                   "The plan file has no SampleDesign element. Add the description of the selection."},
+                   "A sampling rate in the plan is not right (^1). It must be a number above 0."},
+    CatalogueEntry{
+        "SampleDesign is missing in plan file...",
+        "The plan file ^1 has no SampleDesign element, which says how the sample was drawn. Add the "
+        "description of the selection."},
     CatalogueEntry{
         "Illegal selection method at second or third stage...",
-        "The plan gives a later stage a selection method that only the first stage can have. Choose another "
-        "one."},
+        "The plan gives a stage a selection method that is not possible there (^1). Probabilities "
+        "proportional to size are for the first stage only; later stages take simple_wor, simple_wr, "
+        "simple_systematic or simple_chromy."},
     CatalogueEntry{"Sample size or rate is not specified...",
-                   "A stage of the plan gives neither a sample size nor a rate. Add one of them."},
+                   "A stage of the plan gives neither a sample size nor a rate (^1). Add one of them."},
     CatalogueEntry{
         "MOS missing when PPS selection method specified...",
-        "A stage of the plan selects with probability proportional to size but gives no measure of size. Add "
-        "it."},
-    CatalogueEntry{"MOS variable or source is not specified...",
-                   "The measure of size in the plan names neither a variable nor a source. Add one of them."},
+        "A stage of the plan selects with probability proportional to size but gives no measure of "
+        "size (^1). Add it."},
     CatalogueEntry{
-        "Minimum MOS value is greater than maximum MOS value...",
-        "The smallest measure of size in the plan is above the largest. Exchange or correct them."},
-    CatalogueEntry{"Minimum or maximum MOS values are not positive...",
-                   "The smallest or largest measure of size in the plan is not above 0. Correct it."},
-    CatalogueEntry{"Cluster variable is missing in the last stage...",
-                   "The last stage of the plan has no cluster variable, which its method needs. Name one."},
-    CatalogueEntry{"Variable is repeated more than once in sample design...",
-                   "The sample design in the plan names a variable more than once. Name it once."},
-    CatalogueEntry{"The parser cannot get plan file specifications...",
-                   "The plan file holds no design for analysis. Check that it is the file you meant."},
+        "MOS variable or source is not specified...",
+        "The measure of size in the plan names neither a variable nor the data as its source (^1). "
+        "Write fromData=\"yes\", or fromData=\"no\" and a Variable."},
+    CatalogueEntry{"Minimum MOS value is greater than maximum MOS value...",
+                   "A smallest size in the plan is above the largest (^1). Exchange or correct them."},
+    CatalogueEntry{
+        "Minimum or maximum MOS values are not positive...",
+        "A smallest or largest size in the plan is not right (^1). It must be a SingleValue that is "
+        "not below 0, and a whole number where it bounds a sample size."},
+    CatalogueEntry{
+        "Cluster variable is missing in the last stage...",
+        "The selection method of the first stage draws clusters whose cases are drawn in a further "
+        "stage (^1). Name its cluster variables and add the next stage, or choose another method."},
+    CatalogueEntry{
+        "Variable is repeated more than once in sample design...",
+        "The sample design in the plan names a variable more than once (^1). Each variable can serve "
+        "it in one place only."},
+    CatalogueEntry{
+        "The parser cannot get plan file specifications...",
+        "The plan selects with replacement in a stage before the last (^1), but what was drawn twice "
+        "cannot be drawn from further. Choose another method there."},
     CatalogueEntry{
         "Illegal SRS estimator method...",
         "The attribute SRSestimator in the plan must be wor or wr (^1). Correct it, or leave it out."},
@@ -103,8 +115,8 @@ constexpr std::array kEntries = {
     CatalogueEntry{
         "Default joint probability file ^1 cannot be accessed...",
         "The plan samples with unequal probabilities without replacement, which needs joint inclusion "
-        "probabilities, but the file ^1 cannot be read. This version cannot analyse such a plan yet: treat "
-        "the first stage as sampled with replacement (estimationMethod=\"wr\") instead."},
+        "probabilities, but neither the file ^1 nor one with the ending .csv in its place can be read. Name "
+        "the file with JOINTPROB, or put it beside the plan."},
     CatalogueEntry{"Plan variable name ^1 for parameter ^2 cannot be used for variable list ^3...",
                    "Variable ^1 serves the plan (^2), so it cannot stand in the variable list of ^3 as well. "
                    "Take it out "
@@ -171,7 +183,8 @@ constexpr std::array kEntries = {
     CatalogueEntry{
         "Some strata or cluster variable have wrong types in joint prob file ...",
         "A stratification or cluster variable has another type in the file of joint inclusion probabilities "
-        "than in the data. Make it a number, or a string of the same width, in both."},
+        "than in the data, or what follows them is no number. Make the variable a number, or a string of the "
+        "same width, in both; Unit_No_ and the probabilities must be numbers."},
     CatalogueEntry{
         "No missing joint incl prob ...",
         "A stratification or cluster variable, or Unit_No_, is missing in the file of joint inclusion "

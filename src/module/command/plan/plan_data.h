@@ -33,28 +33,48 @@ enum class PlanMethod : int {
 enum class PlanValueWay : int { NOT_GIVEN = 0, BY_VALUE = 1, BY_VARNAME = 2, BY_VARCATLIST = 3 };
 enum class PlanValueKind : int { kNone = 0, SIZE = 1, RATE = 2, POPSIZE = 3, INCLPROB = 4 };
 enum class PlanSRSEstimator : int { WR = 15, WOR = 16 };
+enum class PlanEstimation : int { DEFAULT = 14, WR = 15 };
+enum class PlanPrintOption : int { PRINT_PLAN = 0, PRINT_MATRIX = 1, PRINT_BOTH = 2 };
 
-/// One stage of the analysis section.
+/// One stage of either section. What follows `valueMatrix` belongs to the sample section.
 struct OrvPlanStage {
   int stageNumber = 0;
   std::string label;
   std::vector<host::VornVarName> strata;
   std::vector<host::VornVarName> clusters;
-  PlanMethod method = PlanMethod::NO_VALUE;
+  PlanMethod method = PlanMethod::NO_VALUE;  // of estimation or of selection
   PlanValueKind valueKind = PlanValueKind::kNone;
   PlanValueWay valueWay = PlanValueWay::NOT_GIVEN;
   double value = 0;
   host::VornVarName valueVariable;
   host::VarCatList valueMatrix;
+  double minSize = 0;  // bounds of the sample sizes that follow from a rate; 0: none
+  double maxSize = 0;
+  // Variables that the selection writes.
+  host::VornVarName inclusionProbVariable;
+  host::VornVarName cumulativeWeightVariable;
+  host::VornVarName indexVariable;
+  host::VornVarName populationSizeVariable;
+  host::VornVarName sampleSizeVariable;
+  host::VornVarName sampleRateVariable;
+  host::VornVarName weightVariable;
   std::set<std::string> stageVariables;  // upper case names of the stage's cluster variables
 };
 
-/// What a plan file says. Names keep their spelling; names in sets are in upper case.
+/// What one section of a plan file says; the mode tells which. Names keep their spelling; names in sets are
+/// in upper case.
 struct OrvPlanData {
   PlanMode mode = PlanMode::NO_MODE;
   std::string file;
-  host::VornVarName weight;
+  host::VornVarName weight;          // of the analysis, or of the sample as a whole
+  host::VornVarName previousWeight;  // of an earlier selection from which this one was drawn
   PlanSRSEstimator srsEstimator = PlanSRSEstimator::WOR;
+  PlanPrintOption printOption = PlanPrintOption::PRINT_PLAN;
+  host::VornVarName mosVariable;  // measure of size
+  bool mosFromData = false;       // the size of a unit is its number of cases
+  double mosMinimum = 0;
+  double mosMaximum = 0;
+  PlanEstimation estimation = PlanEstimation::DEFAULT;
   std::set<std::string> planVariables;    // every variable named anywhere in the plan
   std::set<std::string> designVariables;  // strata and cluster variables
   std::vector<OrvPlanStage> stages;

@@ -9,12 +9,15 @@
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/framework/MemoryManager.hpp>
 #include <xercesc/internal/XMLScanner.hpp>
+#include <xercesc/parsers/SAXParser.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/sax/HandlerBase.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/SecurityManager.hpp>
+#include <xercesc/util/XMLEntityResolver.hpp>
+#include <xercesc/util/XMLResourceIdentifier.hpp>
 #include <xercesc/util/XMLString.hpp>
 
 #include "host/files.h"
@@ -27,6 +30,8 @@ namespace xml = XERCES_CPP_NAMESPACE;
 namespace {
 
 constexpr const char* kDefinitionFile = "vorn-tessel-1.0.dtd";
+constexpr const char* kSchemaFile = "vorntessel.xsd";
+constexpr const char* kTooLarge = "the file is too large for a plan";
 constexpr XMLSize_t kEntityExpansionLimit = 1000;
 constexpr std::size_t kLargestPlanBytes = std::size_t{64} << 20U;
 constexpr std::size_t kLargestDocumentBytes = std::size_t{512} << 20U;  // of memory, as a tree
@@ -57,28 +62,49 @@ class XmlLibrary {
   XmlLibrary& operator=(const XmlLibrary&) = delete;
 };
 
-/// Memory of one document. A file of moderate size can stand for a tree many times as large; when the limit
-/// is reached the XML library gives up as if the machine had no more.
+/// Memory of one document. A file of moderate size can stand for a tree many times as large; when the limit is
+/// reached the XML library gives up as if the machine had no more. What the library doesn't give back after an
+/// exception goes with this object.
 class BoundedMemory final : public xml::MemoryManager {
  public:
+  BoundedMemory() = default;
+  ~BoundedMemory() override {
+    while (fpFirst != nullptr)
+      Remove(fpFirst);
+  }
+  BoundedMemory(const BoundedMemory&) = delete;
+  BoundedMemory& operator=(const BoundedMemory&) = delete;
+
   xml::MemoryManager* getExceptionMemoryManager() override { return xml::XMLPlatformUtils::fgMemoryManager; }
   void* allocate(XMLSize_t size) override {
     if (size > kLargestDocumentBytes - fInUse) throw xml::OutOfMemoryException();
-    auto* block = static_cast<std::byte*>(::operator new(size + kHeader, std::nothrow));
+    void* const block = ::operator new(sizeof(Header) + size, std::nothrow);
     if (block == nullptr) throw xml::OutOfMemoryException();
-    new (block) XMLSize_t(size);
+    fpFirst = new (block) Header{size, nullptr, fpFirst};
+    if (fpFirst->next != nullptr) fpFirst->next->previous = fpFirst;
     fInUse += size;
-    return block + kHeader;
+    return fpFirst + 1;
   }
   void deallocate(void* p) override {
-    if (p == nullptr) return;
-    std::byte* block = static_cast<std::byte*>(p) - kHeader;
-    fInUse -= *reinterpret_cast<XMLSize_t*>(block);
-    ::operator delete(block);
+    if (p != nullptr) Remove(static_cast<Header*>(p) - 1);
   }
 
  private:
-  static constexpr std::size_t kHeader = alignof(std::max_align_t);  // keeps the size, and the alignment
+  /// Stands in front of each block and chains them.
+  struct alignas(std::max_align_t) Header {
+    XMLSize_t size;
+    Header* previous;
+    Header* next;
+  };
+
+  void Remove(Header* header) {
+    fInUse -= header->size;
+    (header->previous == nullptr ? fpFirst : header->previous->next) = header->next;
+    if (header->next != nullptr) header->next->previous = header->previous;
+    ::operator delete(header);
+  }
+
+  Header* fpFirst = nullptr;
   std::size_t fInUse = 0;
 };
 
@@ -103,7 +129,7 @@ bool ReadFile(const std::string& path, std::string& bytes, std::string& error) {
     return false;
   }
   if (size > kLargestPlanBytes) {
-    error = "the file is too large for a plan";
+    error = kTooLarge;
     return false;
   }
   std::ifstream file(path, std::ios::binary);
@@ -123,19 +149,13 @@ const xml::DOMElement* AsElement(const xml::DOMNode* node) {
 namespace Orv_XML {
 
 /// Ends the parse at the first warning or error, and answers every external entity with the plan's own DTD.
-class XmlErrorHandler final : public xml::HandlerBase {
+class XmlErrorHandler : public xml::HandlerBase {
  public:
   void warning(const xml::SAXParseException& exception) override { throw exception; }
   void error(const xml::SAXParseException& exception) override { throw exception; }
   void fatalError(const xml::SAXParseException& exception) override { throw exception; }
   xml::InputSource* resolveEntity(const XMLCh* const, const XMLCh* const) override {
-    const std::string path = (std::filesystem::path(host::ModuleFolder()) / kDefinitionFile).string();
-    std::string error;
-    if (!ReadFile(path, fDefinition, error)) {
-      const std::string message = "the definition of plan files, " + path + ", can't be used: " + error;
-      throw xml::SAXException(XmlText(message).Get());
-    }
-    return Source(fDefinition, path);
+    return ModuleSource(kDefinitionFile, fDefinition);
   }
 
   /// Bytes, lent, as a source; the caller takes ownership of the source.
@@ -144,8 +164,43 @@ class XmlErrorHandler final : public xml::HandlerBase {
                                       XmlText(name).Get());
   }
 
+ protected:
+  /// A file of the module's folder as a source; `bytes` keeps it and must outlive the source.
+  static xml::InputSource* ModuleSource(const char* file, std::string& bytes) {
+    const std::string path = (std::filesystem::path(host::ModuleFolder()) / file).string();
+    std::string error;
+    if (!ReadFile(path, bytes, error)) {
+      const std::string message = "the definition of plan files, " + path + ", can't be used: " + error;
+      throw xml::SAXException(XmlText(message).Get());
+    }
+    return Source(bytes, path);
+  }
+
  private:
   std::string fDefinition;
+};
+
+/// Answers the parser that validates against the schema. What a schema could draw in from elsewhere is
+/// refused, as is a schema of another namespace: a plan has one schema, whatever its location says.
+class SchemaResolver final : public XmlErrorHandler, public xml::XMLEntityResolver {
+ public:
+  using XmlErrorHandler::resolveEntity;
+  xml::InputSource* resolveEntity(xml::XMLResourceIdentifier* identifier) override {
+    const XMLCh* const space = identifier->getNameSpace();
+    switch (identifier->getResourceIdentifierType()) {
+      case xml::XMLResourceIdentifier::ExternalEntity:
+        return resolveEntity(nullptr, nullptr);
+      case xml::XMLResourceIdentifier::SchemaGrammar:
+        if (space == nullptr || *space == 0) return ModuleSource(kSchemaFile, fSchema);
+        break;
+      default:
+        break;
+    }
+    throw xml::SAXException(XmlText("a plan can name no schema but its own").Get());
+  }
+
+ private:
+  std::string fSchema;
 };
 
 }  // namespace Orv_XML
@@ -186,11 +241,68 @@ std::string PlanElement::Attribute(std::string_view name) const {
   return ToUtf8(static_cast<const xml::DOMElement*>(fpNode)->getAttribute(XmlText(name).Get()));
 }
 
+namespace {
+
+/// Runs the XML library, whose exceptions end here: what went wrong and where, or an empty text. The name is
+/// that of the document.
+template <class Run>
+std::string FaultOf(const std::string& name, Run&& run) {
+  try {
+    run();
+    return {};
+  } catch (const xml::SAXParseException& e) {
+    return name + ":" + std::to_string(e.getLineNumber()) + ":" + std::to_string(e.getColumnNumber()) + ": " +
+           ToUtf8(e.getMessage());
+  } catch (const xml::SAXException& e) {
+    return name + ": " + ToUtf8(e.getMessage());
+  } catch (const xml::XMLException& e) {
+    return name + ": " + ToUtf8(e.getMessage());
+  } catch (const xml::DOMException& e) {
+    return name + ": " + ToUtf8(e.getMessage());
+  } catch (const xml::OutOfMemoryException&) {
+    return name + ": the document is too large for a plan";
+  } catch (...) {  // the library's door: whatever it throws, the file can't be used
+    return name + ": the file can't be read as XML";
+  }
+}
+
+/// True for noNamespaceSchemaLocation with whatever prefix: the plain parser knows no namespaces.
+bool NamesSchema(const xml::DOMElement& root) {
+  const std::string wanted = "noNamespaceSchemaLocation";
+  const xml::DOMNamedNodeMap* const attributes = root.getAttributes();
+  for (XMLSize_t i = 0; i < attributes->getLength(); ++i) {
+    const std::string name = ToUtf8(attributes->item(i)->getNodeName());
+    if (name.substr(name.find(':') + 1) == wanted) return true;
+  }
+  return false;
+}
+
+/// Validates against the schema; builds no tree. Throws what the XML library throws.
+void ValidateAgainstSchema(const std::string& bytes, const std::string& name, BoundedMemory& memory,
+                           xml::SecurityManager& security) {
+  Orv_XML::SchemaResolver resolver;
+  xml::SAXParser parser(nullptr, &memory);
+  parser.setValidationScheme(xml::SAXParser::Val_Always);
+  parser.setDoNamespaces(true);
+  parser.setDoSchema(true);
+  parser.setSkipDTDValidation(true);  // the plain parser has seen to that
+  parser.setExternalNoNamespaceSchemaLocation(kSchemaFile);
+  parser.setDisableDefaultEntityResolution(true);
+  parser.setSecurityManager(&security);
+  parser.setErrorHandler(&resolver);
+  parser.setXMLEntityResolver(&resolver);
+  const std::unique_ptr<xml::InputSource> source(Orv_XML::XmlErrorHandler::Source(bytes, name));
+  parser.parse(*source);
+}
+
+}  // namespace
+
 struct PlanDocument::Impl {
   XmlLibrary library;  // first, so that it outlives the parser
   BoundedMemory memory;
   Orv_XML::XmlErrorHandler handler;
   xml::SecurityManager security;
+  std::string bytes;
   std::optional<PlanParser> parser;
 
   Impl() {
@@ -210,35 +322,35 @@ PlanDocument::PlanDocument() : fpImpl(std::make_unique<Impl>()) {}
 PlanDocument::~PlanDocument() = default;
 
 bool PlanDocument::Parse(const std::string& path) {
-  std::string bytes;
-  if (!ReadFile(path, bytes, fError)) {
-    fError = path + ": " + fError;
-    return false;
-  }
-  try {
-    const std::unique_ptr<xml::InputSource> source(Orv_XML::XmlErrorHandler::Source(bytes, path));
+  std::string text;
+  if (ReadFile(path, text, fError)) return ParseText(std::move(text), path);
+  fName = path;
+  fError = path + ": " + fError;
+  return false;
+}
+
+bool PlanDocument::ParseText(std::string text, const std::string& name) {
+  fName = name;
+  fpImpl->bytes = std::move(text);
+  fError = fpImpl->bytes.size() > kLargestPlanBytes ? name + ": " + kTooLarge : FaultOf(name, [&] {
+    const std::unique_ptr<xml::InputSource> source(Orv_XML::XmlErrorHandler::Source(fpImpl->bytes, name));
     fpImpl->parser->parse(*source);
-  } catch (const xml::SAXParseException& e) {
-    fError = path + ":" + std::to_string(e.getLineNumber()) + ":" + std::to_string(e.getColumnNumber()) +
-             ": " + ToUtf8(e.getMessage());
-  } catch (const xml::SAXException& e) {
-    fError = path + ": " + ToUtf8(e.getMessage());
-  } catch (const xml::XMLException& e) {
-    fError = path + ": " + ToUtf8(e.getMessage());
-  } catch (const xml::DOMException& e) {
-    fError = path + ": " + ToUtf8(e.getMessage());
-  } catch (const xml::OutOfMemoryException&) {
-    fError = path + ": the document is too large for a plan";
-  } catch (...) {  // the library's door: whatever it throws, the file can't be used
-    fError = path + ": the file can't be read as XML";
-  }
-  if (fError.empty() && !Root()) fError = path + ": the document has no element";
+  });
+  if (fError.empty() && !Root()) fError = name + ": the document has no element";
   return fError.empty();
 }
 
 PlanElement PlanDocument::Root() const {
   const xml::DOMDocument* document = fpImpl->parser->getDocument();
   return document == nullptr ? PlanElement() : PlanElement(document->getDocumentElement());
+}
+
+bool PlanDocument::KeepsToItsSchema(std::string& fault) const {
+  const PlanElement root = Root();
+  if (!root || !NamesSchema(*static_cast<const xml::DOMElement*>(root.fpNode))) return true;
+  fault =
+      FaultOf(fName, [&] { ValidateAgainstSchema(fpImpl->bytes, fName, fpImpl->memory, fpImpl->security); });
+  return fault.empty();
 }
 
 }  // namespace tavo

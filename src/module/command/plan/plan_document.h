@@ -32,9 +32,9 @@ class PlanElement {
 };
 
 /// Parses an XML file. A document may name the plan's own DTD, which is read from the module's folder
-/// whatever the document says, and is validated against it then; nothing else is ever read or fetched.
-/// Declarations inside the document are refused, and the memory of the tree is limited. Warnings of the XML
-/// parser refuse the file like errors.
+/// whatever the document says, and is validated against it then; it may name the schema likewise. Nothing
+/// else is ever read or fetched. Declarations inside the document are refused, and the memory of the tree is
+/// limited. Warnings of the XML parser refuse the file like errors.
 class PlanDocument {
  public:
   PlanDocument();
@@ -44,12 +44,21 @@ class PlanDocument {
 
   /// False when the file can't be read or isn't well-formed; Error() says what and where.
   bool Parse(const std::string& path);
+  /// The same for a text that is given; `name` is what messages call it.
+  bool ParseText(std::string text, const std::string& name);
   const std::string& Error() const { return fError; }
+  /// The path or name that was given.
+  const std::string& Name() const { return fName; }
   PlanElement Root() const;
+
+  /// True when the root names no schema in xsi:noNamespaceSchemaLocation, or when the parsed document keeps
+  /// to the plan's own schema. Otherwise `fault` says where it doesn't, and why.
+  bool KeepsToItsSchema(std::string& fault) const;
 
  private:
   struct Impl;
   std::unique_ptr<Impl> fpImpl;
+  std::string fName;
   std::string fError;
 };
 

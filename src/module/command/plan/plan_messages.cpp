@@ -37,10 +37,15 @@ constexpr std::array<const char*, 24> kKeys = {
 
 }  // namespace
 
-void OrvPlanMessages::Report(PlanStatus status, const std::string& detail) {
+const char* OrvPlanMessages::Key(PlanStatus status) {
   const auto index = static_cast<std::size_t>(status);
-  if (index == 0 || index > kKeys.size()) return;
-  host::BpComposite message(kKeys[index - 1]);
+  return index == 0 || index > kKeys.size() ? "" : kKeys[index - 1];
+}
+
+void OrvPlanMessages::Report(PlanStatus status, const std::string& detail) {
+  const char* const key = Key(status);
+  if (*key == '\0') return;
+  host::BpComposite message(key);
   message.Add(host::Plain(detail));
   host::BpError(message, host::BpErrorLevel::kError);
 }

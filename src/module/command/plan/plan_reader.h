@@ -5,52 +5,48 @@
 
 #include "command/plan/plan_data.h"
 #include "command/plan/plan_document.h"
+#include "command/plan/section_reader.h"
 
 namespace tavo {
 
-/// Reads the analysis section of an XML plan document. Never throws.
+/// Reads one section of an XML plan document into a plan. Never throws.
 class OrvPlanReader {
  public:
-  static constexpr std::size_t kMaximumStages = 3;
+  static constexpr std::size_t kMaximumStages = PlanSectionReader::kMaximumStages;
 
-  /// `plan` is lent and filled.
+  /// `plan` is lent and filled; it should be a fresh one for each reading.
   explicit OrvPlanReader(OrvPlanData& plan) : fPlan(plan) {}
 
-  /// Reads and checks. The first status that isn't OK wins; later elements are still read.
+  /// Reads and checks. The first status that isn't OK wins; later elements are still read. A plan that names
+  /// the schema must keep to it, but what a status of the section says goes before that.
   PlanStatus ReadAnalysis(const std::string& path);
+  PlanStatus ReadSample(const std::string& path);
+  /// Fill the same fields and are silent about all but a file that is no plan document and a section that
+  /// isn't there.
+  PlanStatus ReadAnalysisUnchecked(const std::string& path);
+  PlanStatus ReadSampleUnchecked(const std::string& path);
+  /// Reads and checks a document in memory; `name` is what messages call it.
+  PlanStatus ReadAnalysisText(const std::string& text, const std::string& name);
 
-  /// What the status is about: "file:line:column: what the XML parser says", or the element and the value. Empty when
-  /// there is nothing to add.
+  /// What the status is about: "file:line:column: what the XML parser says", or the element and the value.
+  /// Empty when there is nothing to add.
   const std::string& Detail() const { return fDetail; }
 
  private:
-  void ReadStages(const PlanElement& design);
-  void ReadStage(const PlanElement& element, std::size_t position);
-  void ReadMethod(const PlanElement& element, std::size_t position);
-  void ReadStrata(const PlanElement& list, OrvPlanStage& stage);
-  void ReadClusters(const PlanElement& list, OrvPlanStage& stage);
-  void ReadValueElement(const PlanElement& element, PlanValueKind kind, OrvPlanStage& stage);
-  void ReadMatrix(const PlanElement& element, PlanValueKind kind, OrvPlanStage& stage);
-  void ReadMatrixVariables(const PlanElement& list, OrvPlanStage& stage);
-  void ReadSRSEstimator(const PlanElement& design);
-  void ReadWeight(const PlanElement& design);
-  void CheckClusters();
-  void CheckValue(double value, PlanValueKind kind, const std::string& text);
-  /// Checks a variable's name and enters it in the plan's set.
-  void EnterPlanVariable(const std::string& name);
-  /// Keeps the first status and what it is about.
-  void Note(PlanStatus status, std::string detail);
-  std::string Where(const std::string& what) const;
+  PlanStatus ReadAnalysisSection(const PlanDocument& document, bool checks);
+  PlanStatus ReadSampleSection(const PlanDocument& document, bool checks);
+  PlanStatus Finish(const PlanDocument& document, PlanStatus status, const std::string& detail);
+  PlanStatus Refuse(PlanStatus status, const std::string& detail);
 
   OrvPlanData& fPlan;
-  PlanStatus fStatus = PlanStatus::kOK;
-  std::size_t fStagePosition = 0;  // of the stage in work, from 1; 0 outside stages
   std::string fDetail;
 };
 
 /// Sends the message of a status.
 class OrvPlanMessages {
  public:
+  /// The message's key; empty for kOK and unknown statuses.
+  static const char* Key(PlanStatus status);
   /// `detail` as OrvPlanReader::Detail gives it. kOK and unknown statuses send nothing.
   static void Report(PlanStatus status, const std::string& detail);
 };

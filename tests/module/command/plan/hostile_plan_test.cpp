@@ -282,8 +282,7 @@ TEST_F(ValidatedPlan, EveryElementAndAttributeOfTheFormatIsDefined) {
   }
   const std::string document =
       "<?xml version=\"1.0\" encoding=\"utf-8\"?><!DOCTYPE VORNTessel SYSTEM \"vorn-tessel-1.0.dtd\">"
-      "<VORNTessel version=\"12.0\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" "
-      "xsi:noNamespaceSchemaLocation=\"vorntessel.xsd\"><Header copyright=\"c\" description=\"d\">"
+      "<VORNTessel version=\"12.0\"><Header copyright=\"c\" description=\"d\">"
       "<Application name=\"a\" version=\"1.0\"/><Annotation>n</Annotation><Timestamp>t</Timestamp></Header>"
       "<SampleDesign wrEstimation=\"yes\" numberOfStages=\"2\">" +
       sample + element("PreviousWeight", slot) + element("Weight", slot) +

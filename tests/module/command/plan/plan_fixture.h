@@ -64,6 +64,18 @@ class PlanReading : public ::testing::Test {
   PlanStatus ReadValue(const std::string& element) {
     return ReadDesign(Stage("equal_wor", Strata(Variable("h")) + Clusters(Variable("psu")) + element));
   }
+  /// Reads a document that has a sample section.
+  PlanStatus ReadSampleText(const std::string& document) {
+    fPlan = OrvPlanData();
+    OrvPlanReader reader(fPlan);
+    const PlanStatus status = reader.ReadSample(fFolder.Write("plan.xml", document));
+    fDetail = reader.Detail();
+    return status;
+  }
+  /// Reads the content of a sample section.
+  PlanStatus ReadSample(const std::string& content, const std::string& attributes = "") {
+    return ReadSampleText(Plan("<SampleDesign " + attributes + ">" + content + "</SampleDesign>"));
+  }
   const OrvPlanStage& FirstStage() const { return fPlan.stages.at(0); }
 
   standalone::Session fSession;
