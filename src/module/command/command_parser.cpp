@@ -3,9 +3,12 @@
 #include <optional>
 #include <utility>
 
+#include "command/custom_reader.h"
 #include "command/grammar.h"
 #include "command/model_reader.h"
+#include "command/odds_ratio_reader.h"
 #include "command/option_readers.h"
+#include "command/output_file_check.h"
 #include "command/parse_context.h"
 #include "command/plan/plan_reader.h"
 #include "command/plan_checks.h"
@@ -42,6 +45,11 @@ class TavoCommandParser::Impl {
   bool VisitModel();
   /// Visits a subcommand when it was given.
   bool Visit(const char* name, Reader read);
+  /// Visits all occurrences of a subcommand, in the order of the command.
+  template <class ReadOne>
+  bool VisitEach(const char* name, ReadOne read);
+  bool VisitCustomTests();
+  bool VisitOddsRatios();
   void WarnNotAvailable(const char* name);
   void SetDefaults();
   bool ReadPlan();
@@ -61,6 +69,9 @@ bool TavoCommandParser::Impl::Parse() {
   const bool hasJointProbFile = fCommand.getSubComObj("JOINTPROB") != nullptr;
   fContext.messages.SetSubcommand(nullptr);
   if (!ResolvePlan(fContext, fPlan, hasJointProbFile)) return false;
+  if (!CheckOutputFiles(fContext, fCommand.getSubComObj("OUTFILE"))) return false;
+  WarnNotAvailable("SAVE");
+  WarnNotAvailable("OUTFILE");
   SwitchOffSplitAndWeight();
   return true;
 }
@@ -78,18 +89,13 @@ bool TavoCommandParser::Impl::VisitSubcommands() {
   if (!VisitVariableList() || !Visit("PLAN", ReadPlanFile) || !Visit("JOINTPROB", ReadJointProbFile))
     return false;
   if (!VisitModel() || !Visit("CRITERIA", ReadCriteria)) return false;
-  WarnNotAvailable("CUSTOM");
-  WarnNotAvailable("ODDSRATIOS");
-  constexpr std::pair<const char*, Reader> kOptions[] = {{"STATISTICS", ReadStatistics},
-                                                         {"TEST", ReadTest},
-                                                         {"DOMAIN", ReadDomain},
-                                                         {"MISSING", ReadMissing},
-                                                         {"PRINT", ReadPrint}};
+  if (!VisitCustomTests() || !VisitOddsRatios()) return false;
+  constexpr std::pair<const char*, Reader> kOptions[] = {
+      {"STATISTICS", ReadStatistics}, {"TEST", ReadTest}, {"DOMAIN", ReadDomain},  {"MISSING", ReadMissing},
+      {"PRINT", ReadPrint},           {"SAVE", ReadSave}, {"OUTFILE", ReadOutfile}};
   for (const auto& [name, read] : kOptions) {
     if (!Visit(name, read)) return false;
   }
-  WarnNotAvailable("SAVE");
-  WarnNotAvailable("OUTFILE");
   return true;
 }
 
@@ -116,13 +122,44 @@ bool TavoCommandParser::Impl::Visit(const char* name, Reader read) {
   return read(fContext, *subcommand);
 }
 
-void TavoCommandParser::Impl::WarnNotAvailable(const char* name) {
+template <class ReadOne>
+bool TavoCommandParser::Impl::VisitEach(const char* name, ReadOne read) {
   std::vector<const SubComObj*> occurrences;
   const std::size_t count = fCommand.getSubComObj(occurrences, name);
   for (std::size_t ordinal = 0; ordinal < count; ++ordinal) {
     fContext.messages.SetSubcommand(occurrences[ordinal], ordinal, count);
-    fContext.messages.SubcommandNotAvailable();
+    if (!read(*occurrences[ordinal])) return false;
   }
+  return true;
+}
+
+bool TavoCommandParser::Impl::VisitCustomTests() {
+  std::vector<OrvCustomTest> tests;
+  std::vector<std::string> labels;
+  const auto read = [&](const SubComObj& custom) {
+    return ReadCustom(fContext, custom, tests.emplace_back(), labels.emplace_back());
+  };
+  if (!VisitEach("CUSTOM", read)) return false;
+  fContext.specs.SetCustomTests(std::move(tests), std::move(labels));
+  return true;
+}
+
+bool TavoCommandParser::Impl::VisitOddsRatios() {
+  std::vector<OrvOddsRatioSpec> requests;
+  std::vector<OddsRatioItems> items;
+  const auto read = [&](const SubComObj& oddsRatios) {
+    return ReadOddsRatios(fContext, oddsRatios, requests.emplace_back(), items.emplace_back());
+  };
+  if (!VisitEach("ODDSRATIOS", read)) return false;
+  fContext.specs.SetOddsRatios(std::move(requests), std::move(items));
+  return true;
+}
+
+void TavoCommandParser::Impl::WarnNotAvailable(const char* name) {
+  const SubComObj* subcommand = fCommand.getSubComObj(name);
+  if (subcommand == nullptr) return;
+  fContext.messages.SetSubcommand(subcommand);
+  fContext.messages.SubcommandNotAvailable();
 }
 
 void TavoCommandParser::Impl::SetDefaults() {

@@ -13,7 +13,6 @@ namespace {
 
 using host::OperatorCode;
 using host::ParamObj;
-using host::SourcePosition;
 using host::SubComObj;
 using host::TokenInfoObj;
 
@@ -23,10 +22,6 @@ struct WordMeaning {
   const char* word;
   Meaning meaning;
 };
-
-SourcePosition ValuePosition(const ParamObj& param) {
-  return param.value.empty() ? param.position : param.value.front().position;
-}
 
 /// The meaning of a keyword's word; `meaning` stays when the keyword is absent. False after a message.
 template <class Meaning, std::size_t N>

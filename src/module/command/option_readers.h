@@ -16,5 +16,9 @@ bool ReadTest(ParseContext& context, const host::SubComObj& test);
 bool ReadDomain(ParseContext& context, const host::SubComObj& domain);
 bool ReadMissing(ParseContext& context, const host::SubComObj& missing);
 bool ReadPrint(ParseContext& context, const host::SubComObj& print);
+/// Names of new variables: a root and a count for probabilities, a name for predicted values.
+bool ReadSave(ParseContext& context, const host::SubComObj& save);
+/// Names of files to write; whether they can be written is seen when they are.
+bool ReadOutfile(ParseContext& context, const host::SubComObj& outfile);
 
 }  // namespace tavo

@@ -26,6 +26,10 @@ bool ReadFileName(const host::ParamObj& param, std::string& name, bool& isLitera
   return isLiteral || param.getStringGeneric(name);
 }
 
+host::SourcePosition ValuePosition(const host::ParamObj& param) {
+  return param.value.empty() ? param.position : param.value.front().position;
+}
+
 bool IsValueToken(const host::TokenInfoObj& token) {
   return token.IsString() || token.IsNumber() || token.IsLiteral();
 }

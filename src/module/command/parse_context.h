@@ -54,6 +54,8 @@ std::vector<std::string> VariableNames(const host::VORN_DataSource& data);
 /// for anything else.
 bool ReadFileName(const host::ParamObj& param, std::string& name, bool& isLiteral);
 
+/// Where the value of a keyword begins; the keyword itself when it stands alone.
+host::SourcePosition ValuePosition(const host::ParamObj& param);
 /// True for a token that may stand as a value in parentheses: a word, a number or a literal.
 bool IsValueToken(const host::TokenInfoObj& token);
 

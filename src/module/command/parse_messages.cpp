@@ -93,11 +93,6 @@ bool TavoParseMessages::ImproperTo() {
   return Error("Keyword TO improperly used in ^1...", {kCommandName});
 }
 
-bool TavoParseMessages::InvalidReference(const std::string& variable) {
-  return Error("Variable ^1 for parameter ^2 has invalid value, subcommand ^3...",
-               {variable, kCommandName, kCommandName});
-}
-
 // Names and values.
 
 bool TavoParseMessages::InvalidVariableName(const std::string& name) {
@@ -144,6 +139,12 @@ bool TavoParseMessages::InvalidCategoryValue(const std::string& variable, const 
                {variable, value, fParameter, SubcommandName()});
 }
 
+bool TavoParseMessages::MalformedValue(const std::string& variable) {
+  constexpr std::string_view kKey = "Variable ^1 for parameter ^2 has invalid value, subcommand ^3...";
+  if (IsInVariableList()) return Error(kKey, {variable, kCommandName, kCommandName});
+  return ErrorInParameter(kKey, variable);
+}
+
 bool TavoParseMessages::CommandVariableNotAllowed(const std::string& name) {
   return Error("Variable name ^1 for variable list ^2 cannot be used for parameter ^3...",
                {name, kCommandName, SubcommandName()});
@@ -184,6 +185,28 @@ void TavoParseMessages::SubcommandNotAvailable() {
 
 bool TavoParseMessages::FileNotAccessible(const std::string& name) {
   return Error("File ^1 cannot be accessed...", {name});
+}
+
+bool TavoParseMessages::NotTogether(const std::string& parameter, const std::string& other) {
+  return Error("Parameter ^1 of subcommand ^3 cannot be given with parameter ^2...",
+               {parameter, other, SubcommandName()});
+}
+
+bool TavoParseMessages::EitherOrBothRequired(const std::string& parameter, const std::string& other) {
+  return Error("Either ^1 or ^2, or both, required for ^3...", {parameter, other, SubcommandName()});
+}
+
+bool TavoParseMessages::EitherRequired(const std::string& parameter, const std::string& other) {
+  return Error("Either ^1 or ^2, but not both, required for ^3...", {parameter, other, SubcommandName()});
+}
+
+bool TavoParseMessages::OutputVariableExists(const std::string& name) {
+  return Error("Output variable ^1 already exists...", {name});
+}
+
+bool TavoParseMessages::FileUsedTwice(const std::string& name, const std::string& use,
+                                      const std::string& otherUse) {
+  return Error("File ^1 cannot be used for both ^2 and ^3...", {name, use, otherUse});
 }
 
 // Effects and the model.
@@ -228,6 +251,13 @@ void TavoParseMessages::UnusedPredictors(const std::vector<std::string>& names) 
     text.Add(host::Plain(name));
   text.EndSublist();
   host::BpError(text, BpErrorLevel::kWarning);
+}
+
+bool TavoParseMessages::OneValuePerRow() {
+  return SendError(BpComposite("^2 row should contain ^1 value, subcommand ^3 ...")
+                       .Add(Count(1))
+                       .Add(host::Plain(fParameter))
+                       .Add(host::Plain(SubcommandName())));
 }
 
 // The plan.

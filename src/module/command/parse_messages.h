@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/command.h"
+#include "input/custom_test.h"
 
 namespace tavo {
 
@@ -45,7 +46,6 @@ class TavoParseMessages {
   bool NameExpectedAfterKeyword(const std::string& keyword);
   bool KeywordRepeated(const std::string& keyword);
   bool ImproperTo();
-  bool InvalidReference(const std::string& variable);
 
   // Names and values, in the form that fits the part in work.
   bool InvalidVariableName(const std::string& name);
@@ -54,6 +54,7 @@ class TavoParseMessages {
   bool VariableNotNumeric(const std::string& name);
   bool VariableRepeated(const std::string& name);
   bool InvalidCategoryValue(const std::string& variable, const std::string& value);
+  bool MalformedValue(const std::string& variable);  // no single value in parentheses behind a variable
   bool CommandVariableNotAllowed(const std::string& name);  // DOMAIN with a variable of the variable list
 
   // Keywords of the subcommand in work.
@@ -65,6 +66,41 @@ class TavoParseMessages {
   void ValueIgnored(const std::string& parameter, const std::string& value);
   void SubcommandNotAvailable();
   bool FileNotAccessible(const std::string& name);
+  bool NotTogether(const std::string& parameter, const std::string& other);
+  bool EitherOrBothRequired(const std::string& parameter, const std::string& other);
+  bool EitherRequired(const std::string& parameter, const std::string& other);
+  bool OutputVariableExists(const std::string& name);
+  bool FileUsedTwice(const std::string& name, const std::string& use, const std::string& otherUse);
+
+  // Numbers in the parameter in work.
+  bool NotANumber(const std::string& symbol);
+  bool NumberMissingAfter(const std::string& symbol);
+  bool NoDenominator(const std::string& numerator);
+  bool DenominatorNotANumber(const std::string& symbol);
+  bool DenominatorNotPositive(const std::string& denominator);
+
+  // Rows of the matrix in work.
+  bool EmptyLabel();
+  bool InvalidRowType(const std::string& symbol);
+  /// `expected`: what the rows before open with.
+  bool OtherRowTypeExpected(MatrixRowType expected, const std::string& symbol);
+  bool InterceptNotInModel();
+  bool OnlyInterceptInModel();
+  bool EffectNotInModel(const std::string& text);
+  bool DuplicateEffectInRow(const std::string& text);
+  bool ValueCountsDifferForEffect();
+  bool ValueCountsDiffer();
+  bool OneValuePerRow();
+  bool ScalarRequiredWithout(const std::string& parameter, const std::string& other);
+  bool RowCountsDiffer(const std::string& parameter, const std::string& other);
+  bool RequiredWithValue(const std::string& parameter, const std::string& other, const std::string& value);
+
+  // Variables of odds ratios.
+  bool NotAFactor(const std::string& name);
+  bool NotACovariate(const std::string& name);
+  bool NotAPredictor(const std::string& name);
+  bool RepeatedFactor(const std::string& name);
+  bool RepeatedCovariate(const std::string& name);
 
   // Effects and the model.
   bool EffectOpening(const std::string& text);
@@ -105,6 +141,11 @@ class TavoParseMessages {
   /// Always false.
   bool Error(std::string_view key, const std::vector<std::string>& arguments);
   void Warning(std::string_view key, const std::vector<std::string>& arguments);
+  /// A message about a text in the parameter and the subcommand in work, which are its second and third
+  /// argument.
+  bool ErrorInParameter(std::string_view key, const std::string& text) {
+    return Error(key, {text, fParameter, SubcommandName()});
+  }
   /// "variable ^1 …" in its four forms: parameter and subcommand, subcommand alone, plan parameter, variable
   /// list.
   bool VariableError(const std::string& name, const std::string& what);

@@ -15,11 +15,19 @@ class TokenCursor {
   explicit TokenCursor(const std::vector<host::TokenInfoObj>& tokens) : fTokens(tokens) {}
 
   bool AtEnd() const { return fIndex >= fTokens.size(); }
-  void Step() { ++fIndex; }
-  const host::TokenInfoObj& Token() const { return AtEnd() ? fEnd : fTokens[fIndex]; }
+  /// On the last token or past it.
+  bool AtLast() const { return fIndex + 1 >= fTokens.size(); }
+  void Step(std::size_t count = 1) { fIndex += count; }
+  const host::TokenInfoObj& Token() const { return Ahead(0); }
+  /// The token so many places ahead.
+  const host::TokenInfoObj& Ahead(std::size_t count) const {
+    return fIndex + count < fTokens.size() ? fTokens[fIndex + count] : fEnd;
+  }
   host::OperatorCode Operator() const { return Token().getOperatorCode(); }
   bool IsAt(host::OperatorCode code) const { return Operator() == code; }
   const std::string& Text() const { return Token().getString(); }
+  /// The text of the list's last token.
+  const std::string& LastText() const { return (fTokens.empty() ? fEnd : fTokens.back()).getString(); }
   /// Of the token; past the end that of the last token.
   host::SourcePosition Position() const {
     if (!AtEnd() || fTokens.empty()) return Token().position;

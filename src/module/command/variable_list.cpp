@@ -84,7 +84,7 @@ bool VariableListReader::ReadReference(int dependent, const std::string& name) {
   constexpr std::size_t kReferenceEnd = 4;  // name, parenthesis, value, parenthesis
   const bool isComplete = fTokens.size() >= kReferenceEnd && IsValueToken(fTokens[2]) &&
                           fTokens[3].getOperatorCode() == OperatorCode::kRightParenthesis;
-  if (!isComplete) return fMessages.At(parenthesis).InvalidReference(name);
+  if (!isComplete) return fMessages.At(parenthesis).MalformedValue(name);
 
   const TokenInfoObj& value = fTokens[2];
   const bool isHigh = value.IsString() && value.getUpperString() == "HIGH";

@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "frame/odds_ratio_check.h"
 #include "host/session.h"
 #include "reporting/status_messages.h"
 
@@ -90,6 +91,7 @@ bool TavoProcedureDriver::ProcessDataPass() {
     result = SettleDependent() && result;
     SettleFactors();
     result = SettleDomain() && result;
+    CheckOddsRatios(fSpecs, *fpAdapter, fSource);
   }
   if (!fStatus.IsError()) fpIterator->Reset();
   return result && !fStatus.IsError();

@@ -32,6 +32,8 @@ class CommandRun {
 
   void WriteFile(const std::string& name, const std::string& text) const;
   void WritePlan(const std::string& xml) const { WriteFile("plan.xml", xml); }
+  /// Adds a numeric variable to the dictionary, before the command is parsed.
+  void AddVariable(const std::string& name) { fTable.Add(host::VORN_Variable(name, 0)); }
   /// Parses once. `PLAN FILE='plan.xml'` is added to a command that has no PLAN; the file is the simple plan
   /// unless another was written.
   bool Parse(const std::string& text);

@@ -1,0 +1,16 @@
+// CUSTOM: a hypothesis of the user's own.
+#pragma once
+
+#include <string>
+
+#include "command/parse_context.h"
+#include "input/custom_test.h"
+
+namespace tavo {
+
+/// Reads one CUSTOM subcommand, the one in work for messages, into an empty test and an empty label. The
+/// model must be settled. False after a message; the test is of no use then.
+bool ReadCustom(ParseContext& context, const host::SubComObj& custom, OrvCustomTest& test,
+                std::string& label);
+
+}  // namespace tavo
