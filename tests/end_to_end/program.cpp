@@ -64,10 +64,13 @@ std::string ReadText(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-std::string WithoutSeconds(const std::string& text) {
+std::string Settled(const std::string& text) {
   static const std::regex seconds("\\([0-9]+\\.[0-9]+ s\\)");
   static const std::regex rule("(═)+");
-  return std::regex_replace(std::regex_replace(text, seconds, "(… s)"), rule, "═");
+  static const std::regex lastChange("change of the log-likelihood is[^;]*;");
+  std::string settled = std::regex_replace(text, seconds, "(… s)");
+  settled = std::regex_replace(settled, rule, "═");
+  return std::regex_replace(settled, lastChange, "change of the log-likelihood is …;");
 }
 
 namespace {
@@ -136,6 +139,18 @@ ProgramRun InterruptProgram(const std::vector<std::string>& arguments, const std
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   if (!child.HasEnded()) child.Interrupt();
   return child.Wait();
+}
+
+nlohmann::json FindCellIn(const nlohmann::json& table, const std::vector<std::string>& row,
+                          const std::vector<std::string>& column) {
+  nlohmann::json found;
+  int hits = 0;
+  for (const auto& cell : table["cells"]) {
+    if (!IsSubsequence(row, cell["row"]) || !IsSubsequence(column, cell["column"])) continue;
+    found = cell;
+    ++hits;
+  }
+  return hits == 1 ? found : nlohmann::json();
 }
 
 nlohmann::json FindCell(const nlohmann::json& document, const std::string& table,

@@ -35,8 +35,9 @@ class TemporaryFolder {
   std::filesystem::path fPath;
 };
 
-/// Printed output without what differs from run to run: the seconds that a command took, with their rule.
-std::string WithoutSeconds(const std::string& text);
+/// Printed output without what differs from run to run or from machine to machine: the seconds that a command
+/// took, and the last change of a likelihood that has converged, which is noise of rounding.
+std::string Settled(const std::string& text);
 
 std::string ReadText(const std::filesystem::path& path);
 
@@ -45,3 +46,6 @@ std::string ReadText(const std::filesystem::path& path);
 nlohmann::json FindCell(const nlohmann::json& document, const std::string& table,
                         const std::vector<std::string>& row, const std::vector<std::string>& column,
                         int command = 0);
+/// The same in one table.
+nlohmann::json FindCellIn(const nlohmann::json& table, const std::vector<std::string>& row,
+                          const std::vector<std::string>& column);
