@@ -17,11 +17,13 @@ void AddUnits(benchmark::State& state) {
   std::normal_distribution<double> normal;
   std::vector<std::vector<double>> units(kUnits, std::vector<double>(static_cast<std::size_t>(variables)));
   for (auto& unit : units) {
-    for (double& value : unit) value = normal(random);
+    for (double& value : unit)
+      value = normal(random);
   }
   for (auto _ : state) {
     tavo::OrvCovariances sums({variables}, {0});
-    for (const auto& unit : units) sums.AddUnit(unit);
+    for (const auto& unit : units)
+      sums.AddUnit(unit);
     if (sums.Count(0) != kUnits) state.SkipWithError("a unit was lost");
     benchmark::DoNotOptimize(sums.Block(0)->data());
   }

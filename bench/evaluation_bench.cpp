@@ -55,8 +55,12 @@ void EvaluateRows(benchmark::State& state, bool likelihoodOnly) {
   state.SetItemsProcessed(state.iterations() * kRows);
 }
 
-void EvaluateFully(benchmark::State& state) { EvaluateRows(state, false); }
-void EvaluateLikelihood(benchmark::State& state) { EvaluateRows(state, true); }
+void EvaluateFully(benchmark::State& state) {
+  EvaluateRows(state, false);
+}
+void EvaluateLikelihood(benchmark::State& state) {
+  EvaluateRows(state, true);
+}
 
 BENCHMARK(EvaluateFully)->Arg(2)->Arg(5);
 BENCHMARK(EvaluateLikelihood)->Arg(2)->Arg(5);

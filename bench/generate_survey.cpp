@@ -1,5 +1,5 @@
-// Writes survey data of any size for the benchmarks: 50 strata of 20 primary sampling units of unequal size, rows in
-// random order, lognormal weights, a logistic response with an effect of the unit.
+// Writes survey data of any size for the benchmarks: 50 strata of 20 primary sampling units of unequal size,
+// rows in random order, lognormal weights, a logistic response with an effect of the unit.
 //
 //   generate_survey ROWS FILE.csv [CATEGORIES]
 //
@@ -23,16 +23,20 @@ constexpr int kUnits = kStrata * kUnitsPerStratum;
 
 using Random = std::mt19937_64;
 
-double Normal(Random& random) { return std::normal_distribution<double>()(random); }
+double Normal(Random& random) {
+  return std::normal_distribution<double>()(random);
+}
 
 /// Rows of each unit: at least one, the rest in proportion to gamma-distributed sizes.
 std::vector<int> UnitsOfRows(std::size_t rows, Random& random) {
   std::vector<double> sizes(kUnits);
   std::gamma_distribution<double> gamma(4.0, 1.0);
-  for (double& size : sizes) size = gamma(random);
+  for (double& size : sizes)
+    size = gamma(random);
   std::discrete_distribution<int> draw(sizes.begin(), sizes.end());
   std::vector<int> units(rows);
-  for (std::size_t i = 0; i < rows; ++i) units[i] = i < kUnits ? static_cast<int>(i) : draw(random);
+  for (std::size_t i = 0; i < rows; ++i)
+    units[i] = i < kUnits ? static_cast<int>(i) : draw(random);
   std::shuffle(units.begin(), units.end(), random);
   return units;
 }
@@ -64,8 +68,9 @@ double LinearPredictor(const Row& row, int logit, double unitEffect) {
   const auto at = [logit](const auto& values, int level) {
     return values[static_cast<std::size_t>(level - 1 + logit) % values.size()];
   };
-  return -0.5 + 0.2 * logit + scale * 0.4 * (row.f2 == 2) + at(kB4, row.f4) + at(kB5, row.f5) + scale * 0.5 * row.x1 -
-         0.3 * row.x2 + scale * 0.01 * (row.x3 - 54) + at(kSlope4, row.f4) * row.x1 + unitEffect;
+  return -0.5 + 0.2 * logit + scale * 0.4 * (row.f2 == 2) + at(kB4, row.f4) + at(kB5, row.f5) +
+         scale * 0.5 * row.x1 - 0.3 * row.x2 + scale * 0.01 * (row.x3 - 54) + at(kSlope4, row.f4) * row.x1 +
+         unitEffect;
 }
 
 /// 0 or 1 for two categories, otherwise 1 to `categories`.
@@ -84,7 +89,8 @@ int main(int argc, char** argv) {
   const long rows = argc >= 3 ? std::atol(argv[1]) : 0;
   const int categories = argc >= 4 ? std::atoi(argv[3]) : 2;
   if (rows < kUnits || categories < 2) {
-    std::fprintf(stderr, "usage: generate_survey ROWS FILE.csv [CATEGORIES]   (at least %d rows, 2 categories)\n",
+    std::fprintf(stderr,
+                 "usage: generate_survey ROWS FILE.csv [CATEGORIES]   (at least %d rows, 2 categories)\n",
                  kUnits);
     return 2;
   }
@@ -98,9 +104,12 @@ int main(int argc, char** argv) {
   std::vector<double> unitMeans(kUnits);
   std::vector<double> unitEffects(kUnits);
   std::vector<double> stratumWeights(kStrata);
-  for (double& mean : unitMeans) mean = Normal(random);
-  for (double& effect : unitEffects) effect = 0.4 * Normal(random);
-  for (double& weight : stratumWeights) weight = 40.0 * std::exp(0.4 * Normal(random));
+  for (double& mean : unitMeans)
+    mean = Normal(random);
+  for (double& effect : unitEffects)
+    effect = 0.4 * Normal(random);
+  for (double& weight : stratumWeights)
+    weight = 40.0 * std::exp(0.4 * Normal(random));
 
   std::fprintf(file.get(), "stratum,psu,wt,f2,f4,f5,x1,x2,x3,y\n");
   for (const int unit : units) {
@@ -108,8 +117,9 @@ int main(int argc, char** argv) {
     const int stratum = unit / kUnitsPerStratum;
     const double weight = stratumWeights[static_cast<std::size_t>(stratum)] * std::exp(0.5 * Normal(random));
     const int y = DrawResponse(row, categories, unitEffects[static_cast<std::size_t>(unit)], random);
-    std::fprintf(file.get(), "%d,%d,%.4f,%d,%d,%d,%.6f,%.6f,%d,%d\n", stratum + 1, unit % kUnitsPerStratum + 1,
-                 weight + 0.0001, row.f2, row.f4, row.f5, row.x1, row.x2, row.x3, y);
+    std::fprintf(file.get(), "%d,%d,%.4f,%d,%d,%d,%.6f,%.6f,%d,%d\n", stratum + 1,
+                 unit % kUnitsPerStratum + 1, weight + 0.0001, row.f2, row.f4, row.f5, row.x1, row.x2, row.x3,
+                 y);
   }
   return 0;
 }

@@ -37,12 +37,15 @@ void LookUp(benchmark::State& state, std::uint16_t width, MakeCell make) {
   std::mt19937 random(7);
   std::uniform_int_distribution<int> draw(0, categories - 1);
   std::vector<OBS> cases;
-  for (std::size_t i = 0; i < kCases; ++i) cases.push_back(make(draw(random)));
+  for (std::size_t i = 0; i < kCases; ++i)
+    cases.push_back(make(draw(random)));
   ObsVecMap map({width}, 1);
-  for (const OBS& cell : cases) map.Insert(&cell)->number = 1;
+  for (const OBS& cell : cases)
+    map.Insert(&cell)->number = 1;
   for (auto _ : state) {
     double found = 0;
-    for (const OBS& cell : cases) found += map.Contains(&cell)->number;
+    for (const OBS& cell : cases)
+      found += map.Contains(&cell)->number;
     if (found != static_cast<double>(kCases)) state.SkipWithError("a category was not found");
     benchmark::DoNotOptimize(found);
   }

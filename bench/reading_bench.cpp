@@ -16,15 +16,15 @@ constexpr int kRows = 50000;
 
 /// A file of one string and five numeric columns; returns its path.
 std::string WriteSample() {
-  const std::string path =
-      (std::filesystem::temp_directory_path() / ("tavoreg-reading-bench-" + std::to_string(::getpid()) + ".csv"));
+  const std::string path = (std::filesystem::temp_directory_path() /
+                            ("tavoreg-reading-bench-" + std::to_string(::getpid()) + ".csv"));
   std::ofstream file(path);
   std::mt19937 random(5);
   std::normal_distribution<double> normal;
   file << "region,stratum,x1,x2,weight,y\n";
   for (int i = 0; i < kRows; ++i) {
-    file << "r" << i % 7 << ',' << i % 50 << ',' << normal(random) << ',' << normal(random) << ',' << 1000 + i << ','
-         << i % 2 << '\n';
+    file << "r" << i % 7 << ',' << i % 50 << ',' << normal(random) << ',' << normal(random) << ',' << 1000 + i
+         << ',' << i % 2 << '\n';
   }
   return path;
 }

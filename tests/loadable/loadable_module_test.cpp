@@ -17,7 +17,9 @@ namespace {
 
 using Library = std::unique_ptr<void, int (*)(void*)>;
 
-Library Load() { return {::dlopen(TAVO_MODULE_LIBRARY, RTLD_NOW | RTLD_LOCAL), &::dlclose}; }
+Library Load() {
+  return {::dlopen(TAVO_MODULE_LIBRARY, RTLD_NOW | RTLD_LOCAL), &::dlclose};
+}
 
 TEST(LoadableModule, RunsACommandOfTheHostThatLoadsIt) {
   const Library library = Load();
@@ -32,7 +34,8 @@ TEST(LoadableModule, RunsACommandOfTheHostThatLoadsIt) {
   options.baseFolder = folder;
   standalone::Session session(options);
   session.SetTable(&data.table);
-  const standalone::SourceText source("test", "TAVOREG HI_CHOL BY race /PLAN FILE='plan.xml' /STATISTICS PARAMETER SE.");
+  const standalone::SourceText source(
+      "test", "TAVOREG HI_CHOL BY race /PLAN FILE='plan.xml' /STATISTICS PARAMETER SE.");
   standalone::RunCommands(session, source, {{"TAVOREG", entry}});
   ASSERT_EQ(session.Output().commands.size(), 1U);
   EXPECT_NE(session.Output().commands[0].FindTable("ParameterEstimates"), nullptr);
@@ -44,7 +47,8 @@ TEST(LoadableModule, ExportsItsEntryAndNothingElse) {
   ASSERT_NE(symbols, nullptr);
   std::string names;
   std::array<char, 4096> buffer{};
-  while (std::fgets(buffer.data(), static_cast<int>(buffer.size()), symbols.get()) != nullptr) names += buffer.data();
+  while (std::fgets(buffer.data(), static_cast<int>(buffer.size()), symbols.get()) != nullptr)
+    names += buffer.data();
   EXPECT_EQ(names, "TAVOMAIN\n");
 }
 

@@ -49,8 +49,8 @@ OrvStatus TavoModel::FactorLevels(int factor, int reference, bool isControl, std
   if (place == kNone) {
     place = reference <= kLowest ? 0 : levels.size() - 1;
     if (reference > 0) {
-      status = LevelWarning(isControl ? StatusCode::kOddsControlNotInUse : StatusCode::kOddsReferenceNotInUse, column,
-                            reference);
+      status = LevelWarning(isControl ? StatusCode::kOddsControlNotInUse : StatusCode::kOddsReferenceNotInUse,
+                            column, reference);
     }
   }
   MoveToEnd(levels, place);

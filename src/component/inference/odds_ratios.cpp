@@ -18,16 +18,20 @@ double ExpOrMissing(double exponent) {
   return exponent > MCPower::gMachineMaxExp ? MCMV::gMissingValue : std::exp(exponent);
 }
 
-int RequestOf(double control) { return control >= 0 ? static_cast<int>(control + 0.5) : OrvOddsRatioSpec::kLowest; }
+int RequestOf(double control) {
+  return control >= 0 ? static_cast<int>(control + 0.5) : OrvOddsRatioSpec::kLowest;
+}
 
 }  // namespace
 
 TavoOddsRatioEstimator::TavoOddsRatioEstimator(const TavoModel& model, const OrvOddsRatioSpec& request,
-                                               const std::vector<double>& means, const TavoInference& inference)
+                                               const std::vector<double>& means,
+                                               const TavoInference& inference)
     : fModel(model), fRequest(request), fInference(inference) {
   const TavoCompSettings& settings = model.Settings();
   fLayout.Set(settings.Dependent(), settings.Factors(), settings.Covariates(), settings.WeightVar());
-  for (const OrvOddsRatioSpec::Control& control : request.Controls()) fControls[control.variable] = control.value;
+  for (const OrvOddsRatioSpec::Control& control : request.Controls())
+    fControls[control.variable] = control.value;
   fBase.assign(static_cast<std::size_t>(fLayout.Size()), 0.0);
   fBase[static_cast<std::size_t>(fLayout.WeightOffset())] = 1.0;
   HoldFactors();
@@ -63,8 +67,10 @@ void TavoOddsRatioEstimator::HoldCovariates(const std::vector<double>& means) {
 
 OrvStatus TavoOddsRatioEstimator::Estimate() {
   for (int logit = 0; logit < fModel.EquationCount(); ++logit) {
-    for (const OrvOddsRatioSpec::Factor& factor : fRequest.Factors()) FactorOddsRatios(factor, logit);
-    for (std::size_t i = 0; i < fRequest.Covariates().size(); ++i) CovariateOddsRatios(i, logit);
+    for (const OrvOddsRatioSpec::Factor& factor : fRequest.Factors())
+      FactorOddsRatios(factor, logit);
+    for (std::size_t i = 0; i < fRequest.Covariates().size(); ++i)
+      CovariateOddsRatios(i, logit);
   }
   const bool nothing = fRequest.FactorCount() > 0 && fResults.empty();
   return nothing ? OrvStatus::Error(StatusCode::kOddsFactorOneLevel) : OrvStatus();
@@ -120,8 +126,8 @@ void TavoOddsRatioEstimator::ComputeOneRatio(TavoOddsRatioStats stats, int logit
   fModel.FillDesignRow(fFixedRow, fFixed.data(), false);
   fModel.FillDesignRow(fChangedRow, fChanged.data(), false);
   fDifference.resize(fFixedRow.size());
-  const double* block =
-      fModel.Estimates().data() + static_cast<std::size_t>(logit) * static_cast<std::size_t>(fDifference.size());
+  const double* block = fModel.Estimates().data() +
+                        static_cast<std::size_t>(logit) * static_cast<std::size_t>(fDifference.size());
   double logOdds = 0;
   for (std::size_t i = 0; i < fDifference.size(); ++i) {
     fDifference[i] = fChangedRow[i] - fFixedRow[i];

@@ -26,9 +26,9 @@ struct TavoOddsRatioStats {
   double confidenceUpper = MCCommonMath::MCMV::gMissingValue;
 };
 
-/// Made for one request and run once. The ratios come from the difference of two whole design rows, so interactions and
-/// nesting need no special cases: exp(x'b) for each logit, with limits formed on the log scale, each exponentiated for
-/// itself. A number that overflows is missing while the others stand.
+/// Made for one request and run once. The ratios come from the difference of two whole design rows, so
+/// interactions and nesting need no special cases: exp(x'b) for each logit, with limits formed on the log
+/// scale, each exponentiated for itself. A number that overflows is missing while the others stand.
 class TavoOddsRatioEstimator {
  public:
   struct FixedPair {
@@ -36,9 +36,10 @@ class TavoOddsRatioEstimator {
     double value;  // a factor's code, a covariate's value
   };
 
-  /// Everything is lent; the request is over record columns. `means` are the covariate means in settings' order.
-  TavoOddsRatioEstimator(const TavoModel& model, const OrvOddsRatioSpec& request, const std::vector<double>& means,
-                         const TavoInference& inference);
+  /// Everything is lent; the request is over record columns. `means` are the covariate means in settings'
+  /// order.
+  TavoOddsRatioEstimator(const TavoModel& model, const OrvOddsRatioSpec& request,
+                         const std::vector<double>& means, const TavoInference& inference);
 
   /// Results logit by logit, in the order of the request. Error 95041 when no factor gave a ratio.
   OrvStatus Estimate();

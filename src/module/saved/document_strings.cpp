@@ -11,7 +11,8 @@ constexpr std::size_t kLineWidth = 80;
 
 std::string NamesOf(const host::VORN_DataSource& source, const std::vector<int>& variables) {
   std::string names;
-  for (const int variable : variables) names += source.GetVariable(static_cast<unsigned>(variable))->GetName() + " ";
+  for (const int variable : variables)
+    names += source.GetVariable(static_cast<unsigned>(variable))->GetName() + " ";
   return names;
 }
 
@@ -71,7 +72,8 @@ void AddStage(OrvRegDocumentStrings& lines, const PlanStageSpec& spec, std::size
   if (!spec.stage.strata.empty()) {
     lines.AddString("Stratification Variables: " + NamesOf(source, spec.stage.strata));
   }
-  if (!spec.stage.clusters.empty()) lines.AddString("Cluster Variables: " + NamesOf(source, spec.stage.clusters));
+  if (!spec.stage.clusters.empty())
+    lines.AddString("Cluster Variables: " + NamesOf(source, spec.stage.clusters));
   lines.AddString(std::string("Estimator Assumption: ") + EstimatorText(spec.stage.estimator));
   const std::string parameter = ParameterLine(spec.stage, source);
   if (!parameter.empty()) lines.AddString(parameter);
@@ -88,7 +90,8 @@ std::string CategoryText(const TavoProcedureDriver& driver, const host::VORN_Var
 
 std::string ModelLine(const TavoValidSpecs& specs, const host::VORN_Variable& dependent,
                       const std::vector<std::string>& effectNames) {
-  std::string line = "Model: " + (dependent.GetLabel().empty() ? dependent.GetName() : dependent.GetLabel()) + " = ";
+  std::string line =
+      "Model: " + (dependent.GetLabel().empty() ? dependent.GetName() : dependent.GetLabel()) + " = ";
   if (specs.UsesIntercept()) line += "(Intercept)";
   for (std::size_t i = 0; i < effectNames.size(); ++i) {
     line += (i > 0 || specs.UsesIntercept() ? " + " : "") + effectNames[i];
@@ -121,8 +124,10 @@ OrvRegDocumentStrings DocumentLines(const TavoProcedureDriver& driver, const hos
   };
   OrvRegDocumentStrings lines;
   lines.AddString("Plan File: " + specs.PlanFileName());
-  if (specs.WeightVariable() >= 0) lines.AddString("Weight Variable: " + variable(specs.WeightVariable()).GetName());
-  for (std::size_t k = 0; k < specs.Stages().size(); ++k) AddStage(lines, specs.Stages()[k], k + 1, source);
+  if (specs.WeightVariable() >= 0)
+    lines.AddString("Weight Variable: " + variable(specs.WeightVariable()).GetName());
+  for (std::size_t k = 0; k < specs.Stages().size(); ++k)
+    AddStage(lines, specs.Stages()[k], k + 1, source);
   const host::VORN_Variable& dependent = variable(specs.DependentVariable());
   lines.AddString("Dependent Variable: " + dependent.GetName() +
                   " (reference category = " + CategoryText(driver, dependent, referenceCode) + ")");

@@ -33,8 +33,8 @@ std::string Trimmed(std::string text) {
 /// Makes the variables and writes the cases of one matrix file.
 class MatrixWriter {
  public:
-  MatrixWriter(host::IndependentDataStore& store, const TavoProcedureDriver& driver, const TavoOutputStats& stats,
-               const std::vector<std::string>& parameterNames)
+  MatrixWriter(host::IndependentDataStore& store, const TavoProcedureDriver& driver,
+               const TavoOutputStats& stats, const std::vector<std::string>& parameterNames)
       : fStore(store), fDriver(driver), fStats(stats), fNames(parameterNames), fbLogits(LogitCount() > 1) {}
 
   bool MakeVariables();
@@ -80,8 +80,9 @@ host::VORN_Variable* MatrixWriter::MakeString(const char* name, int width) {
 
 host::VORN_ValueLabelMap RowTypeLabels() {
   constexpr std::pair<const char*, const char*> kLabels[] = {
-      {"COV", "Covariances"},    {"CORR", "Correlations"},         {"EST", "Parameter estimates"},
-      {"SE", "Standard errors"}, {"SIG", "Significance levels"}, {"DF", "Sampling design degrees of freedom"}};
+      {"COV", "Covariances"},         {"CORR", "Correlations"},
+      {"EST", "Parameter estimates"}, {"SE", "Standard errors"},
+      {"SIG", "Significance levels"}, {"DF", "Sampling design degrees of freedom"}};
   host::VORN_ValueLabelMap labels;
   for (const auto& [value, key] : kLabels) {
     labels.AddPair(StringCells(value, kNameWidth), host::FacSTDictionaryLookUp(key));
@@ -137,11 +138,13 @@ bool MatrixWriter::AddRow(const char* rowType, const std::string& variable, std:
   }
   fpCase->SetColumnValue(column++, std::string_view(rowType));
   fpCase->SetColumnValue(column++, std::string_view(variable));
-  for (std::size_t j = 0; j < fNames.size(); ++j) fpCase->SetColumnValue(column++, cellOf(j));
+  for (std::size_t j = 0; j < fNames.size(); ++j)
+    fpCase->SetColumnValue(column++, cellOf(j));
   return fStore.AddCase(*fpCase, error);
 }
 
-double MatrixWriter::MatrixCell(MatrixKind kind, std::size_t a, std::size_t b, std::size_t i, std::size_t j) const {
+double MatrixWriter::MatrixCell(MatrixKind kind, std::size_t a, std::size_t b, std::size_t i,
+                                std::size_t j) const {
   const bool isCovariance = kind == MatrixKind::kCovariances;
   if (StatsOf(a, i).redundant || StatsOf(b, j).redundant) return isCovariance ? 0.0 : MCMV::gMissingValue;
   if (isCovariance) return Element(a, b, i, j);
@@ -152,14 +155,16 @@ double MatrixWriter::MatrixCell(MatrixKind kind, std::size_t a, std::size_t b, s
   return Element(a, b, i, j) / (std::sqrt(rowVariance) * std::sqrt(columnVariance));
 }
 
-bool MatrixWriter::WriteMatrixRow(MatrixKind kind, std::size_t a, std::size_t b, std::size_t i, std::string& error) {
+bool MatrixWriter::WriteMatrixRow(MatrixKind kind, std::size_t a, std::size_t b, std::size_t i,
+                                  std::string& error) {
   const char* rowType = kind == MatrixKind::kCovariances ? "COV" : "CORR";
   return AddRow(
-      rowType, "P" + std::to_string(i + 1), a, b, [&](std::size_t j) { return MatrixCell(kind, a, b, i, j); }, error);
+      rowType, "P" + std::to_string(i + 1), a, b, [&](std::size_t j) { return MatrixCell(kind, a, b, i, j); },
+      error);
 }
 
-bool MatrixWriter::WriteStatisticRows(const char* rowType, double OrvParamStats::*statistic, double whenRedundant,
-                                      std::string& error) {
+bool MatrixWriter::WriteStatisticRows(const char* rowType, double OrvParamStats::*statistic,
+                                      double whenRedundant, std::string& error) {
   for (std::size_t a = 0; a < LogitCount(); ++a) {
     const auto cell = [&](std::size_t j) {
       const OrvParamStats& stats = StatsOf(a, j);
@@ -194,7 +199,8 @@ bool Fail(const std::string& error) {
 
 bool WriteMatrixFile(const host::UserCaseFileSpec& file, MatrixKind kind, const TavoProcedureDriver& driver,
                      const TavoOutputStats& stats, const host::VORN_DataSource& source,
-                     const std::vector<std::string>& parameterNames, const std::vector<std::string>& effectNames) {
+                     const std::vector<std::string>& parameterNames,
+                     const std::vector<std::string>& effectNames) {
   std::string error;
   const std::unique_ptr<host::UserOutputCaseFile> output = host::UserOutputCaseFile::Create(file, error);
   if (output == nullptr) return Fail(error);
@@ -203,8 +209,7 @@ bool WriteMatrixFile(const host::UserCaseFileSpec& file, MatrixKind kind, const 
   writer.NameLogits(*source.GetVariable(static_cast<unsigned>(driver.Specs().DependentVariable())));
   if (!writer.MakeVariables()) return Fail(file.DocumentationString() + ": its variables can't be made");
   store.SaveDocuments(BuildDocument(DocumentLines(driver, source, effectNames, stats.ReferenceCategory())));
-  const bool written =
-      store.WriteDictionary(error) && writer.WriteRows(kind, error) && output->Commit(error);
+  const bool written = store.WriteDictionary(error) && writer.WriteRows(kind, error) && output->Commit(error);
   return written || Fail(error);
 }
 

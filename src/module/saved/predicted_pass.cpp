@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "saved/predicted_variables.h"
 #include "inference/output_stats.h"
+#include "saved/predicted_variables.h"
 
 namespace tavo {
 
@@ -54,13 +54,15 @@ std::vector<int> RequiredCategorical(const TavoValidSpecs& specs) {
 
 }  // namespace
 
-// The record iterator reads one case ahead of what it hands out, so the record is looked at while the case still stands.
+// The record iterator reads one case ahead of what it hands out, so the record is looked at while the case
+// still stands.
 bool SavePredictions(TavoProcedureDriver& driver, host::ProcedureDataSource& source) {
   const TavoOutputStats* stats = nullptr;
   TavoComponent* component = driver.Component();
   if (component == nullptr || component->OutputStatistics(stats).IsError()) return false;
   PredictedVariables variables;
-  if (!MakePredictedVariables(driver.Specs(), source, driver.Adapter(), stats->DependentCategories(), variables)) {
+  if (!MakePredictedVariables(driver.Specs(), source, driver.Adapter(), stats->DependentCategories(),
+                              variables)) {
     return false;
   }
   std::unique_ptr<host::ProcDSIterator> cases = AsProcDSIterator(source.NewInputIterator(0));

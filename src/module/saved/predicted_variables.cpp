@@ -31,7 +31,8 @@ std::string Padded(int number, std::size_t digits) {
 
 /// A cut at most at `length` bytes that doesn't split a UTF-8 character.
 std::string Cut(const std::string& text, std::size_t length) {
-  while (length > 0 && length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) --length;
+  while (length > 0 && length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U)
+    --length;
   return text.substr(0, length);
 }
 
@@ -55,7 +56,8 @@ std::string PredictedValueLabel(const TavoValidSpecs& specs, const host::VORN_Da
          TavoValidSpecs::ValueText(specs.DomainValue(), true);
 }
 
-bool MakePredictedValue(const TavoValidSpecs& specs, host::ProcedureDataSource& source, PredictedVariables& made) {
+bool MakePredictedValue(const TavoValidSpecs& specs, host::ProcedureDataSource& source,
+                        PredictedVariables& made) {
   host::AddNotes(kSavedVariables, "Predicted Values", host::Plain(specs.PredictedValueName()));
   const host::VORN_Variable dependent = *source.GetVariable(static_cast<unsigned>(specs.DependentVariable()));
   host::VORN_Variable* variable = source.MakeVariable(dependent.GetType(), made.valueColumn);
@@ -75,12 +77,13 @@ std::vector<int> SavedCodes(const std::vector<int>& categories, std::size_t coun
   return codes;
 }
 
-bool MakeProbability(const TavoValidSpecs& specs, host::ProcedureDataSource& source, const OrvRegInputAdapter& adapter,
-                     int code, const std::string& name, PredictedVariables& made) {
+bool MakeProbability(const TavoValidSpecs& specs, host::ProcedureDataSource& source,
+                     const OrvRegInputAdapter& adapter, int code, const std::string& name,
+                     PredictedVariables& made) {
   const host::VORN_Variable* dependent = source.GetVariable(static_cast<unsigned>(specs.DependentVariable()));
   const host::OBS* cells = adapter.ValueForCode(specs.DependentVariable(), code);
-  const std::string label = host::FacSTDictionaryLookUp("Predicted Values for") + " " + dependent->GetName() + " = " +
-                            ValueText(*dependent, cells);
+  const std::string label = host::FacSTDictionaryLookUp("Predicted Values for") + " " + dependent->GetName() +
+                            " = " + ValueText(*dependent, cells);
   host::BpComposite note("^1 = ^2: ^3", false);
   note.Add(host::BpVariable{dependent, host::BpShow::kValue});
   note.Add(host::BpDataValue(dependent, cells, host::BpShow::kValue));

@@ -17,20 +17,23 @@ void SaveMatrix(const TavoOutputFrame& frame) {
   if (!isCovariance && !specs.CorrelationFile().IsInit()) return;
   const host::UserCaseFileSpec& file = isCovariance ? specs.CovarianceFile() : specs.CorrelationFile();
   const char* label = isCovariance ? "Parameter Covariance Matrix File" : "Parameter Correlation Matrix File";
-  if (WriteMatrixFile(file, isCovariance ? MatrixKind::kCovariances : MatrixKind::kCorrelations, frame.Driver(),
-                      *frame.Stats(), frame.Source(), frame.ParameterNames(), frame.EffectNames())) {
+  if (WriteMatrixFile(file, isCovariance ? MatrixKind::kCovariances : MatrixKind::kCorrelations,
+                      frame.Driver(), *frame.Stats(), frame.Source(), frame.ParameterNames(),
+                      frame.EffectNames())) {
     host::AddNotes(kSavedFiles, label, host::Plain(file.DocumentationString()));
   }
 }
 
 }  // namespace
 
-void SaveResults(const TavoOutputFrame& frame, TavoProcedureDriver& driver, host::ProcedureDataSource& source) {
+void SaveResults(const TavoOutputFrame& frame, TavoProcedureDriver& driver,
+                 host::ProcedureDataSource& source) {
   if (frame.Stats() == nullptr) return;
   const TavoValidSpecs& specs = frame.Specs();
   if (!specs.PredictedValueName().empty() || !specs.PredictedProbabilityRoot().empty()) {
     if (!SavePredictions(driver, source)) {
-      host::BpError(host::Key("Predictions could not be written into the data..."), host::BpErrorLevel::kError);
+      host::BpError(host::Key("Predictions could not be written into the data..."),
+                    host::BpErrorLevel::kError);
     }
   }
   SaveMatrix(frame);
