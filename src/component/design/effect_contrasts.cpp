@@ -5,17 +5,21 @@
 #include <utility>
 
 #include "estimation/model.h"
+#include "estimation/numerics/machine_constants.h"
 
 namespace tavo {
 
 using MCCommonMath::MCBitSet;
+using MCCommonMath::MCPower;
 using MCCommonMath::MCRectMatrix;
 using MCCommonMath::MCSymMatrix;
 
 namespace {
 
-/// What is rounding, relative to its terms, in a coefficient on standardised columns.
 constexpr double kTolerance = 1e-12;
+constexpr double kRoundingShare = 64;
+/// Columns are told apart to a relative 1e-6 of their length, the root of the usual tolerance of the sweeps.
+constexpr double kCoarsest = 1e-6;
 
 /// Visits each (pivot, column left out) with the coefficient, by which it may change it.
 template <typename Visitor>
@@ -74,8 +78,7 @@ OrvStatus EffectContrasts::Prepare(bool withEffects) {
 
   fSwept = {*fModel.XPrimeX(), fModel.BasicBits()};
   if (!fSwept.matrix.IsValidMatrix()) return OutOfMemory();
-  RemoveNoise(fSwept);
-
+  fRounding = RoundingOf(fSwept);
   Swept onDataScale = fSwept;
   MCBitSet taken(ParameterCount());
   int column = 0;
@@ -88,13 +91,20 @@ OrvStatus EffectContrasts::Prepare(bool withEffects) {
   return fCancel.IsCancelled() ? OrvStatus::Error(StatusCode::kCancelled) : OrvStatus();
 }
 
-/// Coefficients are compared on columns of unit length.
-void EffectContrasts::RemoveNoise(Swept& swept) const {
-  ForEachCoefficient(swept.matrix, swept.pivots, [this](int pivot, int column, double& coefficient) {
-    const double pivotLength = fDiagonal[static_cast<std::size_t>(pivot)];
-    const double columnLength = fDiagonal[static_cast<std::size_t>(column)];
-    if (coefficient * coefficient * pivotLength <= kTolerance * kTolerance * columnLength) coefficient = 0.0;
-  });
+/// How far off a coefficient on columns of unit length may be: rounding, times the largest variance inflation
+/// (Marquardt 1970) of the pivots. Columns that are nearly dependent leave fewer digits.
+double EffectContrasts::RoundingOf(const Swept& swept) const {
+  double inflation = 1.0;
+  for (int k = 0; k < ParameterCount(); ++k) {
+    if (!swept.pivots.IsIn(k)) continue;
+    inflation = std::max(inflation, -swept.matrix.GetElem(k, k) * fDiagonal[static_cast<std::size_t>(k)]);
+  }
+  return std::clamp(kRoundingShare * MCPower::gMachineEpsilon * inflation, kTolerance, kCoarsest);
+}
+
+/// The length of the column left out over that of the pivot, on the scale of the fit.
+double EffectContrasts::LengthRatio(int pivot, int column) const {
+  return std::sqrt(fDiagonal[static_cast<std::size_t>(column)] / fDiagonal[static_cast<std::size_t>(pivot)]);
 }
 
 /// For each column left out the size of the terms that make up its coefficient on the intercept's column.
@@ -114,20 +124,27 @@ std::vector<double> EffectContrasts::InterceptTerms(const Swept& swept) const {
   return size;
 }
 
-/// The swept cross-products of the columns in their own units. The coefficient of the intercept gathers the
-/// centres of all columns, and may be left with their rounding.
+/// The swept cross-products of the columns in their own units. A coefficient that is a whole number but for
+/// rounding, as most are between columns of factors, becomes that number; 0 does so before the centres of
+/// columns add up in the coefficients of the intercept.
 bool EffectContrasts::BringToDataScale(Swept& swept) const {
+  const double rounding = RoundingOf(swept);
+  ForEachCoefficient(swept.matrix, swept.pivots, [&](int pivot, int column, double& coefficient) {
+    if (std::abs(coefficient) <= rounding * LengthRatio(pivot, column)) coefficient = 0.0;
+  });
   const bool isCentred = fModel.HasIntercept() && swept.pivots.IsIn(0);
   const std::vector<double> terms = isCentred ? InterceptTerms(swept) : std::vector<double>();
   if (!swept.matrix.TransformParameterMatrix(fModel.Centres(), fModel.Scales(), swept.pivots,
                                              fModel.InterceptCount())) {
     return false;
   }
-  for (int u = 1; u < ParameterCount() && isCentred; ++u) {
-    if (swept.pivots.IsIn(u)) continue;
-    const double rest = std::abs(swept.matrix.GetElem(0, u));
-    if (rest <= kTolerance * terms[static_cast<std::size_t>(u)]) swept.matrix.SetElem(0, u, 0.0);
-  }
+  ForEachCoefficient(swept.matrix, swept.pivots, [&](int pivot, int column, double& coefficient) {
+    const auto u = static_cast<std::size_t>(column);
+    const double units = fModel.Scales()[u] / fModel.Scales()[static_cast<std::size_t>(pivot)];
+    const double size = pivot == 0 && isCentred ? terms[u] : LengthRatio(pivot, column) * units;
+    const double whole = std::nearbyint(coefficient);
+    if (std::abs(coefficient - whole) <= rounding * size) coefficient = whole;
+  });
   return true;
 }
 
@@ -213,7 +230,6 @@ OrvStatus EffectContrasts::BuildEffectContrast(int effect, Functions& functions)
   functions.parameters.Resize(ParameterCount(), false);
   if (own < 1) return OrvStatus();
 
-  RemoveNoise(swept);
   if (!BringToDataScale(swept) || !functions.H.SetNRowsCols(ParameterCount(), own) ||
       !functions.G.SetNRowsCols(ParameterCount(), above)) {
     return OutOfMemory();

@@ -37,6 +37,9 @@ class EffectContrasts {
   /// The basis of the estimable functions, p rows and one column per kept parameter, in the units of the
   /// data.
   const MCCommonMath::MCRectMatrix& Basis() const { return fBasis; }
+  /// The relative error that coefficients of the basis may have: 1e-12, or more when columns are nearly
+  /// dependent.
+  double Rounding() const { return fRounding; }
   /// The contrasts of an effect of Effects(): L gets p columns and one row per degree of freedom, none when
   /// the effect can't be told from others; `columns` the number (from 1) of the parameter to which each row
   /// belongs. 91000 an unknown effect, 95045, 1.
@@ -58,7 +61,8 @@ class EffectContrasts {
   };
 
   int ParameterCount() const;
-  void RemoveNoise(Swept& swept) const;
+  double RoundingOf(const Swept& swept) const;
+  double LengthRatio(int pivot, int column) const;
   std::vector<double> InterceptTerms(const Swept& swept) const;
   bool BringToDataScale(Swept& swept) const;
   std::vector<int> ContainingEffects(int effect) const;
@@ -78,6 +82,7 @@ class EffectContrasts {
   std::vector<double> fUnits;  // by parameter: the size of its column's values, 1 without covariates
   std::vector<double> fDiagonal;
   double fTolerance = 0;
+  double fRounding = 0;
   MCCommonMath::MCRectMatrix fBasis;
   Swept fSwept;
 };

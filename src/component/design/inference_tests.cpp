@@ -11,8 +11,6 @@ using MCCommonMath::MCRectMatrix;
 
 namespace {
 
-constexpr double kEstimableTolerance = 1e-12;
-
 /// The numbers, from 1, of the set bits from `first` on.
 std::vector<int> NumbersOf(const MCBitSet& bits, int first) {
   std::vector<int> numbers;
@@ -168,7 +166,7 @@ bool TavoInference::IsEstimable(const MCRectMatrix& L, bool isFull) const {
   for (int block = 0; block < blocks; ++block) {
     MCRectMatrix part;
     if (!part.CopyColumns(L, block * p, p) ||
-        !part.IsEstimable(fpContrasts->Basis(), fModel.BasicBits(), kEstimableTolerance)) {
+        !part.IsEstimable(fpContrasts->Basis(), fModel.BasicBits(), fpContrasts->Rounding())) {
       return false;
     }
   }
