@@ -4,6 +4,7 @@
 
 #include <ostream>
 
+#include "data/format_text.h"
 #include "output/cell_text.h"
 #include "output/json_writer.h"
 #include "output/number_text.h"
@@ -28,12 +29,6 @@ std::string MeasureName(MeasurementLevel level) {
       break;
   }
   return {};
-}
-
-std::string FormatName(const host::VORN_Format& format) {
-  if (format.type == 1) return fmt::format("A{}", format.width);
-  if (format.type == 2) return fmt::format("AHEX{}", format.width);
-  return fmt::format("F{}.{}", format.width, format.decimals);
 }
 
 std::string TypeName(const VORN_Variable& variable) {
@@ -92,11 +87,21 @@ void DescribeVariables(const Table& table, host::BpHeading& heading) {
     };
     put("Label", variable.GetLabel());
     put("Type", TypeName(variable));
-    put("Format", FormatName(variable.GetFormat()));
+    put("Format", FormatText(variable.GetFormat()));
     put("Measure", MeasureName(variable.GetMeasurementLevel()));
     put("Value Labels", ValueList(variable));
     put("Missing Values", MissingList(variable));
   }
+}
+
+void DescribeDocuments(const Table& table, host::BpHeading& heading) {
+  if (table.Documents().empty()) return;
+  const auto documents = heading.PivotTable(host::Plain("Documents"), "Documents");
+  host::BpDimension& rows = documents->Dimension(host::Plain("Line"));
+  rows.Position(host::BpPlace::kRow, 1, true, false);
+  std::size_t number = 0;
+  for (const std::string& line : table.Documents())
+    rows.Category(host::Plain(std::to_string(++number))).Cell(host::Plain(line));
 }
 
 void WriteText(JsonWriter& json, std::string_view key, const std::string& text) {
@@ -141,7 +146,7 @@ void WriteVariable(JsonWriter& json, const VORN_Variable& variable) {
   WriteText(json, "label", variable.GetLabel());
   WriteText(json, "type", variable.IsNumeric() ? "number" : "string");
   if (!variable.IsNumeric()) WriteNumber(json, "width", variable.GetType());
-  WriteText(json, "format", FormatName(variable.GetFormat()));
+  WriteText(json, "format", FormatText(variable.GetFormat()));
   WriteText(json, "measure", MeasureName(variable.GetMeasurementLevel()));
   if (const auto& pairs = variable.GetValueLabels().Pairs(); !pairs.empty()) {
     json.Key("values");
@@ -166,6 +171,7 @@ void DescribeData(const std::string& path, const Table& table, CommandOutput& ou
   const auto procedure = MakeProcedure(output);
   DescribeFile(path, table, procedure->Heading());
   DescribeVariables(table, procedure->Heading());
+  DescribeDocuments(table, procedure->Heading());
 }
 
 void DescribeDataAsJson(std::ostream& out, const std::string& version, const std::string& path,
@@ -180,6 +186,13 @@ void DescribeDataAsJson(std::ostream& out, const std::string& version, const std
   for (std::size_t i = 0; i < table.ColumnCount(); ++i)
     WriteVariable(json, table.At(i).variable);
   json.EndArray();
+  if (!table.Documents().empty()) {
+    json.Key("documents");
+    json.BeginArray(true);
+    for (const std::string& line : table.Documents())
+      json.Text(line);
+    json.EndArray();
+  }
   json.EndObject();
   out << '\n';
 }

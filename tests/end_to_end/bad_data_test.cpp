@@ -25,7 +25,7 @@ std::vector<BadInput> FileCases() {
       {"UnknownEnding",
        {kCommand, head, SimplePlan(), {}, "data.xls"},
        2,
-       {Error(kDataProblem, "must be .csv or .tsv")}},
+       {Error(kDataProblem, "ending tells its form, and must be .csv")}},
       Unreadable("BlankHeader", "\n1,2\n", "data.csv:1:1: the first line is blank"),
       Unreadable("ALineTooLong", head + "1,2,2.5,0,low,0.3,9\n",
                  "data.csv:3:1: this line has 7 cells, the header has 6"),

@@ -53,6 +53,13 @@ std::vector<host::OBS> TextValue(std::string_view text, int width) {
   return value;
 }
 
+std::string_view UnpaddedText(const host::OBS* cells, int width) {
+  std::string_view text(reinterpret_cast<const char*>(cells), static_cast<std::size_t>(width));
+  while (text.ends_with(' '))
+    text.remove_suffix(1);
+  return text;
+}
+
 std::vector<host::OBS> NumberValue(double number) {
   host::OBS cell;
   cell.number = number;

@@ -21,6 +21,9 @@ void PadText(std::string_view text, int width, host::OBS* cells);
 /// The same as a value of its own.
 std::vector<host::OBS> TextValue(std::string_view text, int width);
 
+/// The text of a string value of the given width, without the blanks behind it.
+std::string_view UnpaddedText(const host::OBS* cells, int width);
+
 /// A numeric value of its own.
 std::vector<host::OBS> NumberValue(double number);
 

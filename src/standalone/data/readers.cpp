@@ -11,12 +11,14 @@
 #include "command/utf8.h"
 #include "data/cell_scanner.h"
 #include "data/cell_text.h"
+#include "data/file_ending.h"
 #include "data/file_text.h"
 #include "data/names.h"
 #include "data/read_columns.h"
 #include "data/row_slices.h"
 #include "data/schema_columns.h"
 #include "data/table_schema.h"
+#include "files/vdt_reader.h"
 
 namespace standalone {
 
@@ -27,13 +29,6 @@ namespace fs = std::filesystem;
 constexpr std::size_t kMostColumns = 100000;
 constexpr std::size_t kListedRenames = 50;
 constexpr std::size_t kShownHeader = 80;  // characters of a header text in a message
-
-std::string EndingOf(const std::string& path) {
-  std::string ending = fs::path(path).extension().string();
-  std::transform(ending.begin(), ending.end(), ending.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return ending;
-}
 
 /// Reads one delimited file, step by step; the first step that fails ends it with an error.
 class DelimitedReader {
@@ -90,7 +85,7 @@ bool DelimitedReader::ReadText() {
 }
 
 bool DelimitedReader::ReadHeader() {
-  fDelimiter = FindDelimiter(fText.View(), EndingOf(fOptions.path) == ".tsv");
+  fDelimiter = FindDelimiter(fText.View(), DataFileFormOf(fOptions.path) == DataFileForm::kTabs);
   const CellScanner scanner(fDelimiter, fText.End());
   const char* place = fText.Begin();
   if (CellScanner::IsLineEnd(place)) {
@@ -168,6 +163,7 @@ bool DelimitedReader::AddVariables(ReadColumns read) {
     fResult.table.Add(std::move(variable)).cells = std::move(read.columns[i].cells);
   }
   fResult.table.SetCaseCount(read.rows);
+  fResult.table.SetDocuments(std::move(fSchema.documents));
   return true;
 }
 
@@ -180,13 +176,17 @@ ReadResult Failure(std::string error) {
 }  // namespace
 
 ReadResult ReadDataFile(const ReadOptions& options) {
-  const std::string ending = EndingOf(options.path);
-  if (ending != ".csv" && ending != ".tsv") {
+  const DataFileForm form = DataFileFormOf(options.path);
+  if (form == DataFileForm::kUnknown) {
     return Failure(
-        fmt::format("{}: the file's ending tells its form, and must be .csv or .tsv", options.path));
+        fmt::format("{}: the file's ending tells its form, and must be .csv, .tsv or .vdt", options.path));
+  }
+  if (form == DataFileForm::kCaseFile && !options.schemaPath.empty()) {
+    return Failure(fmt::format("{}: a case file has a dictionary of its own; leave out the schema {}",
+                               options.path, options.schemaPath));
   }
   try {
-    return DelimitedReader(options).Read();
+    return form == DataFileForm::kCaseFile ? ReadVdt(options.path) : DelimitedReader(options).Read();
   } catch (const std::bad_alloc&) {
     return Failure(fmt::format("{}: the data needs more memory than there is", options.path));
   } catch (const std::length_error&) {

@@ -23,7 +23,7 @@ struct ReadResult {
   Table table;
 };
 
-/// Reads by the file's ending: .csv, .tsv. Never throws for bad data.
+/// Reads by the file's ending: .csv, .tsv, .vdt. Never throws for bad data.
 ReadResult ReadDataFile(const ReadOptions& options);
 
 }  // namespace standalone

@@ -8,6 +8,7 @@
 #include "command/utf8.h"
 #include "data/cell_number.h"
 #include "data/cell_text.h"
+#include "data/format_text.h"
 
 namespace standalone {
 
@@ -30,11 +31,6 @@ std::string FirstNames(const std::vector<std::string>& names) {
   for (std::size_t i = 0; i < count; ++i)
     list += (i == 0 ? "" : ", ") + Shortened(names[i], 64);
   return names.size() > count ? list + ", ..." : list;
-}
-
-/// Bytes of a string format's values.
-int BytesOf(const host::VORN_Format& format) {
-  return format.type == 2 ? format.width / 2 : format.width;
 }
 
 /// The kind that type and format ask for; `error` when they contradict each other.
@@ -95,7 +91,10 @@ bool IsEmptyText(const SchemaValue& value) {
 }
 
 std::string ApplyMissing(const SchemaField& field, host::VORN_Variable& variable) {
-  host::VORN_MissingValues missing = variable.GetMissingValues();
+  if (field.blankMissing && variable.IsNumeric())
+    return "x-blank-missing is for strings, but the variable is numeric";
+  host::VORN_MissingValues missing;
+  if (field.blankMissing.value_or(true)) missing = variable.GetMissingValues();  // a blank, for strings
   for (const SchemaValue& value : field.missingValues) {
     if (variable.IsNumeric() ? IsEmptyText(value) : TrimBlanks(value.text).empty() && !value.isNumber)
       continue;
@@ -181,7 +180,7 @@ SchemaRules RulesFrom(const TableSchema& schema, const FieldMatch& match,
     rule.kind = KindOf(*field, error);
     rule.leastWidth = WidestValue(*field);
     if (field->format && field->format->IsString())
-      rule.mostWidth = static_cast<std::size_t>(BytesOf(*field->format));
+      rule.mostWidth = static_cast<std::size_t>(FormatBytes(*field->format));
     if (rule.mostWidth != 0 && rule.leastWidth > rule.mostWidth) {
       error = fmt::format("a value of {} bytes doesn't fit the x-format", rule.leastWidth);
     }

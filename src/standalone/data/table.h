@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/data.h"
@@ -34,9 +35,13 @@ class Table {
   /// Appends a column; its cells are sized to the case count when empty (numbers system-missing, strings
   /// blank).
   Column& Add(host::VORN_Variable variable);
+  /// Lines that say how the data came about; they go with the data from file to file.
+  const std::vector<std::string>& Documents() const { return fDocuments; }
+  void SetDocuments(std::vector<std::string> lines) { fDocuments = std::move(lines); }
 
  private:
   std::vector<std::unique_ptr<Column>> fColumns;
+  std::vector<std::string> fDocuments;
   std::size_t fCaseCount = 0;
 };
 

@@ -4,17 +4,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
-#include <charconv>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <unordered_set>
 
 #include "command/utf8.h"
-#include "data/cell_number.h"
 #include "data/file_text.h"
+#include "data/format_text.h"
 #include "data/json_check.h"
-#include "data/slice_reader.h"
 
 namespace standalone {
 
@@ -22,43 +19,12 @@ namespace {
 
 using nlohmann::json;
 
-constexpr int kWidestNumber = 40;
-constexpr std::size_t kMostBytes = std::size_t{16} << 20;
-constexpr std::array<std::string_view, 3> kOwnKeys = {"x-format", "x-measure", "x-missing-range"};
+constexpr std::array<std::string_view, 4> kOwnKeys = {"x-blank-missing", "x-format", "x-measure",
+                                                      "x-missing-range"};
 
 /// A JSON value as a message shows it.
 std::string Shown(const json& value) {
   return Shortened(value.dump(-1, ' ', false, json::error_handler_t::replace), 40);
-}
-
-bool ToWhole(std::string_view text, int& number) {
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  return error == std::errc() && end == text.data() + text.size() && !text.empty();
-}
-
-/// "F8.2", "A12", "AHEX24"; none for anything else.
-std::optional<host::VORN_Format> FormatFrom(std::string_view text) {
-  std::size_t letters = 0;
-  std::string name;
-  while (letters < text.size() && std::isalpha(static_cast<unsigned char>(text[letters])) != 0) {
-    name += static_cast<char>(std::toupper(static_cast<unsigned char>(text[letters++])));
-  }
-  const std::string_view digits = text.substr(letters);
-  const std::size_t point = digits.find('.');
-  host::VORN_Format format{5, 0, 0};
-  if (!ToWhole(digits.substr(0, point), format.width) || format.width < 1) return std::nullopt;
-  if (point != std::string_view::npos && !ToWhole(digits.substr(point + 1), format.decimals))
-    return std::nullopt;
-  if (name == "F") {
-    const bool isSound = format.width <= kWidestNumber && format.decimals >= 0 &&
-                         format.decimals <= kMostDecimals && format.decimals < format.width;
-    return isSound ? std::optional(format) : std::nullopt;
-  }
-  if (point != std::string_view::npos) return std::nullopt;
-  format.type = name == "A" ? 1 : 2;
-  if (name != "A" && (name != "AHEX" || format.width % 2 != 0)) return std::nullopt;
-  const int bytes = name == "A" ? format.width : format.width / 2;
-  return bytes <= static_cast<int>(kWidestText) ? std::optional(format) : std::nullopt;
 }
 
 /// Goes through the document and stops at the first thing that is wrong.
@@ -80,6 +46,7 @@ class SchemaParser {
  private:
   bool ReadDocument(const json& document, const std::vector<int>& lines);
   bool ReadMissingTexts(const json& document);
+  bool ReadDocuments(const json& document);
   bool ReadField(const json& entry);
   bool ReadName(const json& entry);
   bool ReadType(const json& entry);
@@ -91,6 +58,7 @@ class SchemaParser {
   bool ReadFormat(const json& entry);
   bool ReadMeasure(const json& entry);
   bool ReadMissingRange(const json& entry);
+  bool ReadBlankMissing(const json& entry);
   bool ReadBound(const json& bound, double open, double& value);
   bool ReadValue(const json& value, std::string_view key, SchemaValue& result);
   void WarnOfUnknownKeys(const json& entry);
@@ -117,7 +85,7 @@ class SchemaParser {
 
 bool SchemaParser::ReadDocument(const json& document, const std::vector<int>& lines) {
   if (!document.is_object()) return Fail("a schema is a JSON object with an array \"fields\"");
-  if (!ReadMissingTexts(document)) return false;
+  if (!ReadMissingTexts(document) || !ReadDocuments(document)) return false;
   const auto fields = document.find("fields");
   if (fields == document.end())
     return Fail("there is no array \"fields\"; add one with an entry for each variable");
@@ -145,11 +113,22 @@ bool SchemaParser::ReadMissingTexts(const json& document) {
   return true;
 }
 
+bool SchemaParser::ReadDocuments(const json& document) {
+  const auto lines = document.find("x-documents");
+  if (lines == document.end()) return true;
+  if (!lines->is_array()) return FailKind("x-documents", "an array of strings", *lines);
+  for (const json& line : *lines) {
+    if (!line.is_string()) return FailKind("x-documents", "an array of strings", line);
+    fResult.schema.documents.push_back(line.get<std::string>());
+  }
+  return true;
+}
+
 bool SchemaParser::ReadField(const json& entry) {
   if (!ReadName(entry)) return false;
   const bool isRead = ReadType(entry) && ReadTitle(entry) && ReadMissingValues(entry) &&
                       ReadCategories(entry) && ReadOrdered(entry) && ReadFormat(entry) &&
-                      ReadMeasure(entry) && ReadMissingRange(entry);
+                      ReadMeasure(entry) && ReadMissingRange(entry) && ReadBlankMissing(entry);
   if (isRead) WarnOfUnknownKeys(entry);
   return isRead;
 }
@@ -248,7 +227,7 @@ bool SchemaParser::ReadOrdered(const json& entry) {
 bool SchemaParser::ReadFormat(const json& entry) {
   const auto format = entry.find("x-format");
   if (format == entry.end()) return true;
-  if (format->is_string()) fField.format = FormatFrom(format->get<std::string>());
+  if (format->is_string()) fField.format = FormatFromText(format->get<std::string>());
   if (fField.format) return true;
   return FailKind("x-format", "a format such as \"F8.2\", \"A12\" or \"AHEX24\"", *format);
 }
@@ -262,8 +241,10 @@ bool SchemaParser::ReadMeasure(const json& entry) {
     fField.measure = host::MeasurementLevel::kOrdinal;
   } else if (*measure == "scale") {
     fField.measure = host::MeasurementLevel::kScale;
+  } else if (*measure == "unknown") {
+    fField.measure = host::MeasurementLevel::kUnknown;
   } else {
-    return FailKind("x-measure", "\"nominal\", \"ordinal\" or \"scale\"", *measure);
+    return FailKind("x-measure", "\"nominal\", \"ordinal\", \"scale\" or \"unknown\"", *measure);
   }
   return true;
 }
@@ -287,13 +268,21 @@ bool SchemaParser::ReadMissingRange(const json& entry) {
   return true;
 }
 
+bool SchemaParser::ReadBlankMissing(const json& entry) {
+  const auto blank = entry.find("x-blank-missing");
+  if (blank == entry.end()) return true;
+  if (!blank->is_boolean()) return FailKind("x-blank-missing", "true or false", *blank);
+  fField.blankMissing = blank->get<bool>();
+  return true;
+}
+
 void SchemaParser::WarnOfUnknownKeys(const json& entry) {
   for (const auto& [key, value] : entry.items()) {
     const bool isOurs = key.starts_with("x-");
     if (!isOurs || std::find(kOwnKeys.begin(), kOwnKeys.end(), key) != kOwnKeys.end()) continue;
     fResult.warnings.push_back(
         fmt::format("{}the key \"{}\" is not known and does nothing; known are x-format, "
-                    "x-measure and x-missing-range",
+                    "x-measure, x-missing-range and x-blank-missing",
                     Place(), Shortened(key, 40)));
   }
 }
@@ -307,7 +296,7 @@ SchemaResult ParseTableSchema(const std::string& path, std::string_view text) {
 SchemaResult ReadTableSchema(const std::string& path) {
   FileText text;
   SchemaResult result;
-  if (const std::string failure = FileText::Read(path, text, kMostBytes); !failure.empty()) {
+  if (const std::string failure = FileText::Read(path, text, kMostSchemaBytes); !failure.empty()) {
     result.error = fmt::format("{}: the schema can't be read: {}", path, failure);
     return result;
   }

@@ -1,6 +1,7 @@
 // Table Schema documents: what a file of JSON says about the columns of a data file.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <utility>
@@ -9,6 +10,9 @@
 #include "host/data.h"
 
 namespace standalone {
+
+/// A schema with more bytes is refused.
+constexpr std::size_t kMostSchemaBytes = std::size_t{16} << 20;
 
 /// A value in a schema: a JSON number or a JSON string.
 struct SchemaValue {
@@ -36,11 +40,13 @@ struct SchemaField {
   std::optional<host::VORN_Format> format;                // x-format
   std::optional<host::MeasurementLevel> measure;          // x-measure
   std::optional<std::pair<double, double>> missingRange;  // x-missing-range: [low, high], null for no bound
+  std::optional<bool> blankMissing;                       // x-blank-missing, of a string; usually so
 };
 
 struct TableSchema {
   std::string path;
   std::vector<std::string> missingTexts;  // top `missingValues`: texts that count as empty
+  std::vector<std::string> documents;     // x-documents: lines that say how the file came about
   std::vector<SchemaField> fields;
 };
 

@@ -65,8 +65,8 @@ class UserCaseFileSpec {
 /// A case file that is open for reading. Nothing else shares its data source.
 class UserInputCaseFile {
  public:
-  /// Opens and checks the file that the specification names; null when that fails, and then `error` says what is
-  /// wrong and where, in the words that a user reads.
+  /// Opens and checks the file that the specification names; null when that fails, and then `error` says what
+  /// is wrong and where, in the words that a user reads.
   static std::unique_ptr<UserInputCaseFile> Open(const UserCaseFileSpec& spec, std::string& error);
   ~UserInputCaseFile();
   UserInputCaseFile(const UserInputCaseFile&) = delete;
@@ -142,11 +142,11 @@ class IndependentDataStore : public VORN_DataSource {
  public:
   /// Sets the document that the file carries.
   virtual void SaveDocuments(const DSDocument& document) = 0;
-  /// Checks the variables (at least one, legal and unique names) and ends their making. False when they can't be
-  /// kept in a file; `error` says why.
+  /// Checks the variables (at least one, legal and unique names) and ends their making. False when they can't
+  /// be kept in a file; `error` says why.
   virtual bool WriteDictionary(std::string& error) = 0;
-  /// Appends a case of this source's variables. False, with the reason, before WriteDictionary and for a case of
-  /// another shape.
+  /// Appends a case of this source's variables. False, with the reason, before WriteDictionary and for a case
+  /// of another shape.
   virtual bool AddCase(const VORN_Case& row, std::string& error) = 0;
 };
 
@@ -161,8 +161,8 @@ class UserOutputCaseFile {
 
   /// What to fill; lives as long as the file.
   IndependentDataStore& DataSource();
-  /// Writes dictionary, cases and documents to the file, whole or not at all. False when that fails: a file that
-  /// was there before is untouched, and `error` says why.
+  /// Writes dictionary, cases and documents to the file, whole or not at all. False when that fails: a file
+  /// that was there before is untouched, and `error` says why.
   bool Commit(std::string& error);
 
  private:
