@@ -98,7 +98,7 @@ std::vector<BadInput> IncompleteCases() {
                 "Stage 1 of the plan")),
       Refused("UnequalWithoutReplacement", PlanText({{"unequal_wor", {"st"}, {"psu"}}}),
               Error("Default joint probability file ^1 cannot be accessed...",
-                    "This version cannot analyse such a plan")),
+                    "unequal probabilities without replacement, which needs joint inclusion")),
   };
 }
 

@@ -212,10 +212,10 @@ TEST_P(Property, ADomainOfAllCasesIsTheWholePopulation) {
 /// The tables of an analysis of the sample survey, written into a file in one way.
 nlohmann::json TablesOf(const std::string& name, const std::string& text) {
   return RunJson({Fit("y BY g WITH x", "\n  /PRINT SAMPLEINFO VARIABLEINFO HISTORY CLASSTABLE"),
-              text,
-              SimplePlan(),
-              {},
-              name})["commands"][0]["tables"];
+                  text,
+                  SimplePlan(),
+                  {},
+                  name})["commands"][0]["tables"];
 }
 
 TEST(DataFiles, AreTheSameDataInEachWayOfWritingThem) {
