@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "command/suggestion.h"
+#include "files/data_writer.h"
 
 namespace standalone {
 
@@ -26,13 +27,16 @@ void AddFormat(CLI::App& app, std::string& name) {
 CLI::App* AddRun(CLI::App& app, RunArguments& run, std::string& format, bool& isQuiet) {
   CLI::App* command = app.add_subcommand("run", "Run the commands of a file on a data file");
   command->add_option("COMMANDS", run.commands, "a file of commands, or - for standard input")->required();
-  command->add_option("--data", run.data, "the data file (.csv, .tsv)")->type_name("FILE");
+  command->add_option("--data", run.data, "the data file (.csv, .tsv, .vdt)")->type_name("FILE");
   command->add_option("--schema", run.schema, "its Table Schema; without it NAME.schema.json beside the data")
       ->type_name("FILE");
   AddFormat(*command, format);
   command->add_option("--output", run.output, "write the output to a file; its ending says the format")
       ->type_name("FILE");
-  command->add_option("--save", run.save, "write the data with the new variables to a file")
+  command
+      ->add_option("--save", run.save,
+                   "write the data with the new variables to a file (.csv, .tsv, .vdt); done only when all\n"
+                   "commands ran without an error")
       ->type_name("FILE");
   command->add_option("--threads", run.threads, "threads to use; without it, as many as there are processors")
       ->check(CLI::Range(1, 1024))
@@ -43,7 +47,7 @@ CLI::App* AddRun(CLI::App& app, RunArguments& run, std::string& format, bool& is
 
 CLI::App* AddDescribe(CLI::App& app, DescribeArguments& describe, std::string& format) {
   CLI::App* command = app.add_subcommand("describe", "Show the dictionary of a data file");
-  command->add_option("FILE", describe.file, "the data file (.csv, .tsv)")->required();
+  command->add_option("FILE", describe.file, "the data file (.csv, .tsv, .vdt)")->required();
   command
       ->add_option("--schema", describe.schema,
                    "its Table Schema; without it NAME.schema.json beside the data")
@@ -52,17 +56,35 @@ CLI::App* AddDescribe(CLI::App& app, DescribeArguments& describe, std::string& f
   return command;
 }
 
+CLI::App* AddConvert(CLI::App& app, ConvertArguments& convert) {
+  CLI::App* command =
+      app.add_subcommand("convert", "Write a data file in another form: between .csv, .tsv and .vdt");
+  command->add_option("IN", convert.in, "the data file to read")->required();
+  command->add_option("OUT", convert.out, "the data file to write; text gets NAME.schema.json beside it")
+      ->required();
+  command
+      ->add_option("--schema", convert.schema,
+                   "the Table Schema of IN; without it NAME.schema.json beside the data")
+      ->type_name("FILE");
+  return command;
+}
+
 int Refuse(const std::string& text) {
   std::cerr << "tavoreg: " << text << '\n';
   return kBadCall;
+}
+
+/// Refuses a name under which no data can be written, before anything is read or run for it.
+int CheckDataOutput(const std::string& path) {
+  const std::string fault = OutputNameFault(path);
+  return fault.empty() ? kRan : Refuse(fault);
 }
 
 /// Completes the arguments of `run` and refuses what doesn't fit together; 0 when all is well.
 int CheckRun(RunArguments& run, const std::string& format) {
   run.format = FormatOfName(format);
   if (run.data.empty()) return Refuse("no data: name the file to analyse with --data FILE");
-  if (!run.save.empty())
-    return Refuse("--save is not available yet: the new variables can't be written to a file");
+  if (!run.save.empty() && CheckDataOutput(run.save) != kRan) return kBadCall;
   if (run.format.has_value()) return kRan;
   run.format = run.output.empty() ? OutputFormat::kText : FormatOfFile(run.output);
   if (run.format.has_value()) return kRan;
@@ -90,6 +112,7 @@ Arguments ReadArguments(int argc, char** argv) {
   Arguments arguments;
   RunArguments run;
   DescribeArguments describe;
+  ConvertArguments convert;
   std::string runFormat, describeFormat = "text";
   bool isQuiet = false;
 
@@ -99,6 +122,7 @@ Arguments ReadArguments(int argc, char** argv) {
   app.require_subcommand(1);
   const CLI::App* runCommand = AddRun(app, run, runFormat, isQuiet);
   const CLI::App* describeCommand = AddDescribe(app, describe, describeFormat);
+  const CLI::App* convertCommand = AddConvert(app, convert);
   if (const auto mistake = UnknownSubcommand(app, argc, argv)) {
     arguments.status = Refuse(*mistake);
     return arguments;
@@ -117,6 +141,9 @@ Arguments ReadArguments(int argc, char** argv) {
   } else if (describeCommand->parsed()) {
     describe.format = *FormatOfName(describeFormat);
     arguments.describe = std::move(describe);
+  } else if (convertCommand->parsed()) {
+    arguments.status = CheckDataOutput(convert.out);
+    if (arguments.status == kRan) arguments.convert = std::move(convert);
   }
   return arguments;
 }

@@ -30,11 +30,16 @@ struct DescribeArguments {
   OutputFormat format = OutputFormat::kText;
 };
 
+struct ConvertArguments {
+  std::string in, out, schema;
+};
+
 /// Exactly one of the requests is set, unless the parsing itself was the answer (help, version, a mistake):
 /// then `status` says how the program ends.
 struct Arguments {
   std::optional<RunArguments> run;
   std::optional<DescribeArguments> describe;
+  std::optional<ConvertArguments> convert;
   int status = kRan;
 };
 

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "cli/arguments.h"
+#include "cli/convert_command.h"
 #include "cli/describe_command.h"
 #include "cli/run_command.h"
 
@@ -11,6 +12,7 @@ int main(int argc, char** argv) {
     const standalone::Arguments arguments = standalone::ReadArguments(argc, argv);
     if (arguments.run) return standalone::RunCommandFile(*arguments.run);
     if (arguments.describe) return standalone::DescribeDataFile(*arguments.describe);
+    if (arguments.convert) return standalone::ConvertDataFile(*arguments.convert);
     return arguments.status;
   } catch (const std::exception& fault) {
     std::cerr << "error: The program met a fault of its own (" << fault.what()

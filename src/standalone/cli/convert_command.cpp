@@ -1,0 +1,32 @@
+#include "cli/convert_command.h"
+
+#include <iostream>
+
+#include "data/readers.h"
+#include "files/data_writer.h"
+#include "output/message_text.h"
+
+namespace standalone {
+
+namespace {
+
+void Show(const std::string& text, bool isError) {
+  WriteMessage(std::cerr, {isError, {}, text, {}, {}});
+}
+
+}  // namespace
+
+int ConvertDataFile(const ConvertArguments& arguments) {
+  const ReadResult read = ReadDataFile({arguments.in, arguments.schema, 1});
+  for (const std::string& warning : read.warnings)
+    Show(warning, false);
+  if (!read.ok) {
+    Show(read.error, true);
+    return kBadCall;
+  }
+  const std::string error = WriteDataFile(arguments.out, read.table);
+  if (!error.empty()) Show("The data file " + error + ".", true);
+  return error.empty() ? kRan : kOutputFailed;
+}
+
+}  // namespace standalone
