@@ -34,10 +34,14 @@ bool IsSettled(TerminationState state) {
          state == TerminationState::kParametersConverged || state == TerminationState::kBothConverged;
 }
 
-// Not worse than before. A NaN is never accepted.
+// A sum of logarithms is known to a few units in its last place. Near the maximum a good step raises it by
+// less than that, and may seem to lower it.
+constexpr double kRounding = 8 * std::numeric_limits<double>::epsilon();
+
+// Not worse than before, as far as rounding lets one tell. A NaN is never accepted.
 bool IsAcceptable(double before, double now) {
   if (IsMissing(now)) return false;
-  return IsMissing(before) || now >= before;
+  return IsMissing(before) || now >= before - kRounding * std::abs(before);
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ class BentStats : public tavo::TavoAccumStats {
   void Reset(int method, bool check) override {
     tavo::TavoAccumStats::Reset(method, check);
     ++fNPasses;
-    fLogLikelihood = fbTrialsAreWorse && fNPasses > 1 ? -1e6 : offset;
+    fLogLikelihood = fbTrialsAreWorse && fNPasses > 1 ? -1e6 : offset - fNPasses * drift;
   }
   int UpdateForRow(const std::vector<int>& indices, const std::vector<double>& values, int category,
                    double weight, bool likelihoodOnly) override {
@@ -29,6 +29,7 @@ class BentStats : public tavo::TavoAccumStats {
   }
   void MakeTrialsWorse() { fbTrialsAreWorse = true; }
   double offset = 0;
+  double drift = 0;  // what the sum loses from pass to pass
 
  private:
   bool fbTrialsAreWorse = false;

@@ -91,6 +91,22 @@ TEST(Optimizer, AStepWithExactlyTheSameLogLikelihoodIsAcceptedWithoutHalving) {
   }
 }
 
+TEST(Optimizer, ADecreaseBelowTheRoundingOfTheSumIsNone) {
+  // A unit in the last place of 1e6 is 1.2e-10; the last steps of the fit gain less than that.
+  FitBench bench(2, {}, 1);
+  AddOrdered(bench, true);
+  ASSERT_TRUE(bench.PrepareModel());
+  bench.PrepareFit<BentStats>();
+  auto& stats = static_cast<BentStats&>(*bench.accumulator);
+  stats.offset = -1e6;
+  stats.drift = 1.2e-10;
+  ASSERT_FALSE(bench.RunFit().IsError());
+  EXPECT_EQ(bench.optimizer->GetTerminationState(), TerminationState::kParametersConverged);
+  EXPECT_LT(bench.history.Rows().back().minusTwoLogLikelihood, 2e6 + 20);
+  for (const OrvIterationData::Row& row : bench.history.Rows())
+    EXPECT_EQ(row.stepHalvings, 0);
+}
+
 TEST(Optimizer, ALogLikelihoodOfZeroMakesTheRelativeChangeADivisionByZeroThatNeverConverges) {
   FitBench bench(2, {}, 1);
   AddOrdered(bench, true);
