@@ -23,12 +23,12 @@ StageEstimator EstimatorOf(PlanMethod method) {
   }
 }
 
-/// The plan file's name with the ending of a case file in place of its own.
-std::string DefaultJointProbName(const std::string& planFile) {
+/// The plan file's name with another ending in place of its own.
+std::string WithEnding(const std::string& planFile, const char* ending) {
   const std::size_t separator = planFile.find_last_of("/\\");
   const std::size_t point = planFile.find_last_of('.');
   const bool hasEnding = point != std::string::npos && (separator == std::string::npos || point > separator);
-  return planFile.substr(0, hasEnding ? point : std::string::npos) + ".vdt";
+  return planFile.substr(0, hasEnding ? point : std::string::npos) + ending;
 }
 
 class PlanResolver {
@@ -42,6 +42,7 @@ class PlanResolver {
   bool CheckCompleteness() const;
 
  private:
+  /// The case file beside the plan that has its name: .vdt, or .csv when there is only that.
   bool SetDefaultJointProbFile();
   bool ResolveStage(const OrvPlanStage& stage);
   bool ResolveDesignVariables(const std::vector<host::VornVarName>& names, const char* parameter,
@@ -102,8 +103,12 @@ bool PlanResolver::CheckCompleteness() const {
 
 bool PlanResolver::SetDefaultJointProbFile() {
   host::UserCaseFileSpec& file = fSpecs.JointProbFile();
-  file.Init(DefaultJointProbName(fSpecs.PlanFileName()), true, false);
-  if (file.Exists() && file.IsValid() && !file.IsInUse()) return true;
+  const auto isAccessible = [&](const char* ending) {
+    file.Init(WithEnding(fSpecs.PlanFileName(), ending), true, false);
+    return file.Exists() && file.IsValid() && !file.IsInUse();
+  };
+  if (isAccessible(".vdt") || isAccessible(".csv")) return true;
+  file.Init(WithEnding(fSpecs.PlanFileName(), ".vdt"), true, false);
   return fMessages.DefaultJointProbFileNotAccessible(file.DocumentationString());
 }
 

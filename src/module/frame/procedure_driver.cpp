@@ -5,6 +5,7 @@
 
 #include "frame/odds_ratio_check.h"
 #include "host/session.h"
+#include "input/proc_joint_incl_probs.h"
 #include "reporting/status_messages.h"
 
 namespace tavo {
@@ -148,7 +149,12 @@ bool TavoProcedureDriver::RunModel() {
   fpComponent = std::make_unique<TavoComponent>(*fSpecs.Settings());
   fStatus = fpComponent->Status();
   if (fStatus.IsError()) return false;
-  fStatus = fpComponent->BuildModel(*fpIterator);
+  std::unique_ptr<MCOrv::JointInclProbs> joint;
+  if (fSpecs.Settings()->IsFirstStageUnequalProbability()) {
+    joint = ReadJointInclProbs(*fpAdapter, fSpecs, fSource);
+    if (joint == nullptr) fStatus = OrvStatus::Error(StatusCode::kJointFileUnreadable);
+  }
+  if (!fStatus.IsError()) fStatus = fpComponent->BuildModel(*fpIterator, joint.get());
   const bool built = !fStatus.IsError();
   if (built) fStatus = fpComponent->Status();
   fpIterator->Close();

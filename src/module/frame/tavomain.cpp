@@ -37,16 +37,15 @@ bool HostHasError() {
   return host::pvGetCmnGlb().errorFlag != 0;
 }
 
-bool UsesUnequalProbabilities(const tavo::TavoValidSpecs& specs) {
-  return !specs.Stages().empty() &&
-         specs.Stages().front().stage.estimator == tavo::StageEstimator::kUnequalWor;
-}
-
 /// A status that has no message of its own must not end a run in silence.
 void ReportSilentEnd(const tavo::OrvStatus& status) {
   if (!status.IsError() || HostHasError() || status.Code() == tavo::StatusCode::kCancelled) return;
   if (status.Code() == tavo::StatusCode::kNoRecords) {  // the component left out every case that was valid
     BpError(Key("No case has a positive weight ..."), BpErrorLevel::kError);
+    return;
+  }
+  if (status.Code() == tavo::StatusCode::kJointFileUnreadable) {  // a warning has said what is wrong with it
+    BpError(Key("The joint inclusion probabilities cannot be used ..."), BpErrorLevel::kError);
     return;
   }
   host::BpComposite message("The analysis ended with status ^1: ^2");
@@ -74,10 +73,6 @@ void RunCommand(host::HostSession& session) {
   tavo::TavoValidSpecs specs;
   tavo::TavoCommandParser parser(*tokens, specs, *source);
   if (parser.Parse() == 0 || HostHasError() || !specs.BuildSettings() || HostHasError()) return;
-  if (UsesUnequalProbabilities(specs)) {
-    BpError(Key("Unequal probabilities without replacement are not available yet..."), BpErrorLevel::kError);
-    return;
-  }
   tavo::NoteInputFiles(specs);
   if (source->ColumnCount() == 0) {
     BpError(Key("There are no valid cases for selection ..."), BpErrorLevel::kError);

@@ -96,9 +96,9 @@ constexpr std::array kEntries = {
         "categories."},
 
     CatalogueEntry{
-        "Unequal probabilities without replacement are not available yet...",
-        "The plan samples with unequal probabilities without replacement, which this version cannot "
-        "analyse yet. Treat the first stage as sampled with replacement instead."},
+        "The joint inclusion probabilities cannot be used ...",
+        "The analysis needs joint inclusion probabilities, but their file cannot be used. Correct what the "
+        "warning before this message names."},
     CatalogueEntry{
         "The analysis ended with status ^1: ^2",
         "The analysis ended with status ^1: ^2 Please report the command and the data that lead here."},

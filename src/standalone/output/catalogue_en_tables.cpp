@@ -139,7 +139,7 @@ constexpr std::array kEntries = {
     CatalogueEntry{"Set to system missing due to overflow",
                    "Left empty because the number is too large to be held."},
     CatalogueEntry{"Parameter is redundant", "The parameter is redundant and stands at zero."},
-    CatalogueEntry{"Estimate was negative", "Left empty because the estimated variance is negative."},
+    CatalogueEntry{"Estimate was negative", "Zero because the estimated variance is negative."},
     CatalogueEntry{"Variance estimate was negative", "Left empty because an estimated variance is negative."},
     CatalogueEntry{"Parameter estimates was redundant", "Left empty because a parameter is redundant."},
 

@@ -157,6 +157,21 @@ TEST(PlanChecks, TheDefaultJointProbFileKeepsAllPointsButTheLast) {
   EXPECT_EQ(run.Specs().JointProbFile().DocumentationString(), "my.survey.vdt");
 }
 
+TEST(PlanChecks, TheDefaultJointProbFileMayBeACsvFileWhenThereIsNoOther) {
+  CommandRun run;
+  run.WritePlan(Plan(Stage(1, "unequal_wor", {"st"}, {"psu"})));
+  run.WriteFile("plan.csv", "x");
+  EXPECT_TRUE(run.Parse("TAVOREG y"));
+  EXPECT_EQ(run.Specs().JointProbFile().DocumentationString(), "plan.csv");
+
+  CommandRun both;
+  both.WritePlan(Plan(Stage(1, "unequal_wor", {"st"}, {"psu"})));
+  both.WriteFile("plan.csv", "x");
+  both.WriteFile("plan.vdt", "x");
+  EXPECT_TRUE(both.Parse("TAVOREG y"));
+  EXPECT_EQ(both.Specs().JointProbFile().DocumentationString(), "plan.vdt");
+}
+
 TEST(PlanChecks, APointInAFolderIsNoEndingOfThePlan) {
   CommandRun run;
   run.WriteFile("plan", Plan(Stage(1, "unequal_wor", {"st"}, {"psu"})));

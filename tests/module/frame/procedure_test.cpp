@@ -302,12 +302,6 @@ TEST(Cancelling, LeavesTheStatusInTheDriverAndNothingElse) {
 
 // Designs.
 
-TEST_F(Procedure, APlanOfUnequalProbabilitiesWithoutReplacementIsRefusedWithItsMessage) {
-  fRun.Folder().Write("plan.vdt", "joint probabilities");
-  fRun.WritePlan(PlanOf(PlanStage(1, "unequal_wor", PlanStrata("h") + PlanClusters("psu"))));
-  ExpectError("y WITH x", "Unequal probabilities without replacement are not available yet...");
-}
-
 TEST_F(Procedure, APopulationBelowItsSampleIsAnErrorThatNamesTheStage) {
   fRun.WritePlan(PlanOf(PlanStage(
       1, "equal_wor",

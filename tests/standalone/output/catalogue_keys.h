@@ -147,6 +147,7 @@ inline constexpr const char* kRunKeys[] = {
     "Invalid Unit_No_ value ...",
     "Unit_No_ value too big ...",
     "Some levels not in joint prob file ...",
+    "The joint inclusion probabilities cannot be used ...",
     "Some cluster levels not in sample file ...",
     "Invalid joint incl probability ...",
     "Joint incl prob out of range ...",
