@@ -66,6 +66,13 @@ void RunDriver(tavo::TavoValidSpecs& specs, host::ProcedureDataSource& source, h
   ReportSilentEnd(driver.Status());
 }
 
+/// What predictions may add to a case: a category like the dependent variable's, and one cell each for the
+/// probabilities.
+unsigned CellsAdded(const tavo::TavoValidSpecs& specs, const host::ProcedureDataSource& source) {
+  const host::VORN_Variable& dependent = *source.GetVariable(static_cast<unsigned>(specs.DependentVariable()));
+  return static_cast<unsigned>(host::CellCount(dependent.GetType()) + specs.NewVariableCount());
+}
+
 void RunCommand(host::HostSession& session) {
   const std::unique_ptr<host::BpProcedure> procedure = session.MakeProcedure("TavoReg");
   const std::unique_ptr<host::VORN_TokenSequence> tokens = session.MakeTokenSequence();
@@ -78,7 +85,7 @@ void RunCommand(host::HostSession& session) {
     BpError(Key("There are no valid cases for selection ..."), BpErrorLevel::kError);
     return;
   }
-  source->SetMaxObsAdded(0);
+  source->SetMaxObsAdded(CellsAdded(specs, *source));
   RunDriver(specs, *source, *procedure);
 }
 
