@@ -26,6 +26,7 @@ constexpr double kLargest = std::numeric_limits<double>::max();
 
 /// 1 - (1 - p)^m, without cancellation for small p. With m = 2 it is the square written out.
 double Sidak(double p, int m) {
+  if (m == 1) return p;
   if (m == 2) return p * (2.0 - p);
   return -std::expm1(m * std::log1p(-p));
 }
