@@ -200,7 +200,7 @@ constexpr std::array kEntries = {
 
     // Notes on odds ratios.
     CatalogueEntry{"Factors and covariates [%1=%2:, ^1=^2:]1",
-                   "The other factors and covariates are fixed at [%1 = %2:, ^1 = ^2:]1"},
+                   "Where they are not compared, factors and covariates are held at [%1 = %2:, ^1 = ^2:]1"},
     CatalogueEntry{"^1 has only one level.No odds ratios computed",
                    "^1 has only one category in use. No odds ratios are computed."},
     CatalogueEntry{"Factor out of range on Control keyword",
