@@ -43,6 +43,7 @@ struct Options {
   bool needsSRS = true;
   tavo::TestType type = tavo::TestType::WaldF;
   tavo::PAdjustMethod adjustment = tavo::PAdjustMethod::LeastSignificanceDifference;
+  host::MCStopProcessor* stop = nullptr;
 };
 
 struct EffectTest {
@@ -65,6 +66,7 @@ class FittedModel {
     fSettings.SetNeedSRS(options.needsSRS);
     fSettings.SetParamCriterion(1e-12);
     fSettings.SetTestType(options.type);
+    fSettings.SetStopProcessor(options.stop);
     fSettings.SetAdjustment(options.adjustment);
     fSettings.AddDesignCategorical(2, tavo::DesignVariableKind::kStrata, 1);
     fSettings.AddDesignCategorical(3, tavo::DesignVariableKind::kCluster, 1);
@@ -92,9 +94,13 @@ class FittedModel {
     fpOutput = std::make_unique<tavo::TavoOutputStats>(*fpAlgorithm);
   }
 
+  FittedModel(const FittedModel&) = delete;
+  FittedModel& operator=(const FittedModel&) = delete;
+
   const tavo::TavoOutputStats& Output() const { return *fpOutput; }
   const tavo::TavoModel& Model() const { return fpAlgorithm->Model(); }
   const tavo::TavoInference& Inference() const { return *fpAlgorithm->Inference(); }
+  const tavo::TavoCompSettings& Settings() const { return fSettings; }
   bool IsBuilt() const { return fpAlgorithm->IsModelBuilt(); }
   const tavo::OrvStatus& Status() const { return fStatus; }
 
