@@ -46,7 +46,6 @@ inline constexpr const char* kCommandKeys[] = {
     "^1 should be scalar when ^2 is not used, subcommand ^3...",
     "No denominator for numerator ^1 in fraction for ^2, subcommand ^3 ...",
     "No valid number after symbol ^1 in parameter ^2, subcommand ^3 ...",
-    "The parser cannot get plan file specifications...",
     "The plan doesn't have any stage...",
     "Parser cannot get information for the current stage...",
     "The command doesn't have any subcommand...",
@@ -92,6 +91,7 @@ inline constexpr const char* kCommandKeys[] = {
 };
 
 inline constexpr const char* kPlanKeys[] = {
+    "The parser cannot get plan file specifications...",
     "Invalid plan file...",
     "Variable is not a valid VORN variable...",
     "Variable is repeated more than once...",
