@@ -64,13 +64,15 @@ std::string ReadText(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-std::string Settled(const std::string& text) {
+std::string WithoutSeconds(const std::string& text) {
   static const std::regex seconds("\\([0-9]+\\.[0-9]+ s\\)");
   static const std::regex rule("(═)+");
+  return std::regex_replace(std::regex_replace(text, seconds, "(… s)"), rule, "═");
+}
+
+std::string Settled(const std::string& text) {
   static const std::regex lastChange("change of the log-likelihood is[^;]*;");
-  std::string settled = std::regex_replace(text, seconds, "(… s)");
-  settled = std::regex_replace(settled, rule, "═");
-  return std::regex_replace(settled, lastChange, "change of the log-likelihood is …;");
+  return std::regex_replace(WithoutSeconds(text), lastChange, "change of the log-likelihood is …;");
 }
 
 namespace {

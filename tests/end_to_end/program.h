@@ -35,8 +35,10 @@ class TemporaryFolder {
   std::filesystem::path fPath;
 };
 
-/// Printed output without what differs from run to run or from machine to machine: the seconds that a command
-/// took, and the last change of a likelihood that has converged, which is noise of rounding.
+/// Printed output without what differs from run to run: the seconds that a command took, with their rule.
+std::string WithoutSeconds(const std::string& text);
+/// Printed output without what differs from machine to machine as well: the last change of a likelihood that
+/// has converged is noise of rounding.
 std::string Settled(const std::string& text);
 
 std::string ReadText(const std::filesystem::path& path);

@@ -209,6 +209,15 @@ TEST_P(Property, ADomainOfAllCasesIsTheWholePopulation) {
              RunEstimates({Fit("y BY g WITH x", "\n  /DOMAIN VARIABLE=whole(1)"), data.Text(), Plan()}));
 }
 
+TEST(AnOrdinaryFit, ConvergesWithoutAWarning) {
+  for (unsigned seed = 1; seed <= 25; ++seed) {
+    const ProgramRun run =
+        RunAnalysis({"TAVOREG y BY g b WITH x z\n  /PLAN FILE='plan.xml'.", SurveyData(300, seed).Text()});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(run.messages, "") << "seed " << seed;
+  }
+}
+
 /// The tables of an analysis of the sample survey, written into a file in one way.
 nlohmann::json TablesOf(const std::string& name, const std::string& text) {
   return RunJson({Fit("y BY g WITH x", "\n  /PRINT SAMPLEINFO VARIABLEINFO HISTORY CLASSTABLE"),
