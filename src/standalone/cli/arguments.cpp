@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 
 #include <iostream>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "command/suggestion.h"
@@ -17,6 +19,8 @@ constexpr const char* kDescription =
 constexpr const char* kFooter =
     "Exit status: 0 the commands ran (warnings allowed), 1 a command ended with an error, 2 the program was\n"
     "called wrongly or a named file can't be read, 3 an output could not be written whole, 130 interrupted.";
+
+constexpr const char* kPlanCommand = "plan";
 
 void AddFormat(CLI::App& app, std::string& name) {
   app.add_option("--format", name, "text, markdown, html or json")
@@ -106,9 +110,23 @@ std::optional<std::string> UnknownSubcommand(const CLI::App& app, int argc, char
          "\nRun with --help for more information.";
 }
 
+/// The words behind `plan` have a reader of their own.
+Arguments TakePlan(PlanRequest request) {
+  Arguments arguments;
+  if (const int* status = std::get_if<int>(&request)) {
+    arguments.status = *status;
+  } else {
+    arguments.plan = std::move(std::get<PlanArguments>(request));
+  }
+  return arguments;
+}
+
 }  // namespace
 
 Arguments ReadArguments(int argc, char** argv) {
+  if (argc > 1 && std::string_view(argv[1]) == kPlanCommand) {
+    return TakePlan(ReadPlanArguments({argv + 2, argv + argc}));
+  }
   Arguments arguments;
   RunArguments run;
   DescribeArguments describe;
@@ -123,6 +141,7 @@ Arguments ReadArguments(int argc, char** argv) {
   const CLI::App* runCommand = AddRun(app, run, runFormat, isQuiet);
   const CLI::App* describeCommand = AddDescribe(app, describe, describeFormat);
   const CLI::App* convertCommand = AddConvert(app, convert);
+  app.add_subcommand(kPlanCommand, "Make, check and show plan files");
   if (const auto mistake = UnknownSubcommand(app, argc, argv)) {
     arguments.status = Refuse(*mistake);
     return arguments;

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "cli/plan_arguments.h"
 #include "output/renderers.h"
 
 namespace standalone {
@@ -40,6 +41,7 @@ struct Arguments {
   std::optional<RunArguments> run;
   std::optional<DescribeArguments> describe;
   std::optional<ConvertArguments> convert;
+  std::optional<PlanArguments> plan;
   int status = kRan;
 };
 

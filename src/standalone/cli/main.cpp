@@ -5,6 +5,7 @@
 #include "cli/arguments.h"
 #include "cli/convert_command.h"
 #include "cli/describe_command.h"
+#include "cli/plan_command.h"
 #include "cli/run_command.h"
 
 int main(int argc, char** argv) {
@@ -13,6 +14,7 @@ int main(int argc, char** argv) {
     if (arguments.run) return standalone::RunCommandFile(*arguments.run);
     if (arguments.describe) return standalone::DescribeDataFile(*arguments.describe);
     if (arguments.convert) return standalone::ConvertDataFile(*arguments.convert);
+    if (arguments.plan) return standalone::RunPlanCommand(*arguments.plan);
     return arguments.status;
   } catch (const std::exception& fault) {
     std::cerr << "error: The program met a fault of its own (" << fault.what()

@@ -1,0 +1,33 @@
+#include "cli/plan_command.h"
+
+#include <iostream>
+
+#include "cli/files.h"
+#include "cli/plan_check_command.h"
+#include "cli/plan_create.h"
+#include "cli/plan_show.h"
+#include "session.h"
+
+namespace standalone {
+
+namespace {
+
+struct Runner {
+  int operator()(const PlanCreateArguments& arguments) const { return CreatePlan(arguments); }
+  int operator()(const PlanShowArguments& arguments) const { return ShowPlan(arguments); }
+  int operator()(const PlanCheckArguments& arguments) const { return CheckPlanFile(arguments); }
+};
+
+}  // namespace
+
+int RunPlanCommand(const PlanArguments& arguments) {
+  SessionOptions options;
+  options.moduleFolder = FindModuleFolder();
+  options.version = TAVOREG_VERSION;
+  options.messages = &std::cerr;
+  Session session(options);
+  const SessionScope scope(session);
+  return std::visit(Runner(), arguments);
+}
+
+}  // namespace standalone

@@ -1,0 +1,58 @@
+#include "cli/plan_words.h"
+
+#include "command/plan/plan_reader.h"
+#include "output/catalogue.h"
+#include "output/template.h"
+
+namespace standalone {
+
+using tavo::PlanMethod;
+
+std::string StatusSentence(tavo::PlanStatus status, const std::string& detail) {
+  return FillTemplate(CatalogueText(tavo::OrvPlanMessages::Key(status)), {detail});
+}
+
+std::string MethodText(PlanMethod method) {
+  switch (method) {
+    case PlanMethod::NO_VALUE:
+      break;
+    case PlanMethod::WR:
+      return "with replacement";
+    case PlanMethod::EQUAL_WOR:
+      return "without replacement, equal probabilities";
+    case PlanMethod::UNEQUAL_WOR:
+      return "without replacement, unequal probabilities";
+    case PlanMethod::SIMPLE_WOR:
+      return "simple random, without replacement";
+    case PlanMethod::SIMPLE_WR:
+      return "simple random, with replacement";
+    case PlanMethod::SIMPLE_SYSTEMATIC:
+      return "systematic";
+    case PlanMethod::SIMPLE_CHROMY:
+      return "sequential (Chromy)";
+    case PlanMethod::PPS_WOR:
+      return "proportional to size, without replacement";
+    case PlanMethod::PPS_WR:
+      return "proportional to size, with replacement";
+    case PlanMethod::PPS_SYSTEMATIC:
+      return "proportional to size, systematic";
+    case PlanMethod::PPS_BREWER:
+      return "proportional to size (Brewer)";
+    case PlanMethod::PPS_MURTHY:
+      return "proportional to size (Murthy)";
+    case PlanMethod::PPS_SAMPFORD:
+      return "proportional to size (Sampford)";
+    case PlanMethod::PPS_CHROMY:
+      return "proportional to size, sequential (Chromy)";
+  }
+  return "not given";
+}
+
+std::string ListText(const std::vector<host::VornVarName>& names) {
+  std::string text;
+  for (const host::VornVarName& name : names)
+    text += (text.empty() ? "" : ", ") + name.Text();
+  return text.empty() ? "-" : text;
+}
+
+}  // namespace standalone

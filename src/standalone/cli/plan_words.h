@@ -1,0 +1,18 @@
+// How plans are spoken of.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "command/plan/plan_data.h"
+
+namespace standalone {
+
+/// The sentence of a status, as a run says it.
+std::string StatusSentence(tavo::PlanStatus status, const std::string& detail);
+/// A method in words, such as "with replacement".
+std::string MethodText(tavo::PlanMethod method);
+/// "a, b, c"; a dash for an empty list.
+std::string ListText(const std::vector<host::VornVarName>& names);
+
+}  // namespace standalone
