@@ -82,13 +82,14 @@ int RunAll(Session& session, const SourceText& source) {
   return result.failed > 0 ? kCommandFailed : kRan;
 }
 
-/// Writes the data with what the commands have added. A command that ended with an error may have left variables
-/// half filled, so the data are saved only when all went well.
+/// Writes the data with what the commands have added. A command that ended with an error may have left
+/// variables half filled, so the data are saved only when all went well.
 int SaveData(const RunArguments& arguments, Session& session, const Table& table, int status) {
   if (arguments.save.empty() || status == kBadCall) return status;
   if (status != kRan) {
-    session.AddTextMessage(false, "Data not saved...",
-                           "The data were not saved to " + arguments.save + ", as not all commands ran well.");
+    session.AddTextMessage(
+        false, "Data not saved...",
+        "The data were not saved to " + arguments.save + ", as not all commands ran well.");
     return status;
   }
   const std::string error = WriteDataFile(arguments.save, table);
@@ -121,7 +122,8 @@ int RunCommandFile(const RunArguments& arguments) {
   const InterruptHandler handler(session);
   session.SetTable(&table);
   const int status = isReady ? RunAll(session, *source) : static_cast<int>(kBadCall);
-  if (status == kInterrupted) return status;  // half a document is worth less than the one of the last whole run
+  if (status == kInterrupted)
+    return status;  // half a document is worth less than the one of the last whole run
   const int saved = SaveData(arguments, session, table, status);
   return WriteOutput(arguments, session.Output()) ? saved : static_cast<int>(kOutputFailed);
 }

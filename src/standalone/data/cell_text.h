@@ -9,6 +9,10 @@
 
 namespace standalone {
 
+/// Bytes that the values in one dictionary (value labels, missing values) may take. Each takes the full width
+/// of its variable, so that a file of few bytes could ask for very many.
+constexpr std::size_t kDictionaryRoom = std::size_t{256} << 20;
+
 /// The text without blanks and tabs at its ends.
 std::string_view TrimBlanks(std::string_view text);
 

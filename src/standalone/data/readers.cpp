@@ -47,6 +47,7 @@ class DelimitedReader {
   bool ReadSchema();
   bool ReadBody();
   bool AddVariables(ReadColumns read);
+  bool TakeRoom(const SchemaField& field, const host::VORN_Variable& variable);
   void WarnOfRenames();
 
   bool Fail(std::string error) {
@@ -67,6 +68,7 @@ class DelimitedReader {
   TableSchema fSchema;
   FieldMatch fMatch;
   ReadRules fRules;
+  std::size_t fDictionaryBytes = 0;  // that the fields' values take
 };
 
 bool DelimitedReader::ReadText() {
@@ -152,11 +154,23 @@ bool DelimitedReader::ReadBody() {
   return AddVariables(std::move(read));
 }
 
+bool DelimitedReader::TakeRoom(const SchemaField& field, const host::VORN_Variable& variable) {
+  const std::size_t values = field.categories.size() + field.missingValues.size();
+  fDictionaryBytes +=
+      values * static_cast<std::size_t>(host::CellCount(variable.GetType())) * sizeof(host::OBS);
+  if (fDictionaryBytes <= kDictionaryRoom) return true;
+  return Fail(
+      fmt::format("{}:{}: field \"{}\": its values, as wide as the variable, would fill the memory; leave "
+                  "out value labels, or make the variable narrower",
+                  fSchema.path, field.line, Shortened(field.name, kShownHeader)));
+}
+
 bool DelimitedReader::AddVariables(ReadColumns read) {
   for (std::size_t i = 0; i < read.columns.size(); ++i) {
     host::VORN_Variable variable = VariableOf(fNames.names[i], read.columns[i]);
     if (fHeaders[i] != fNames.names[i]) variable.SetLabel(fHeaders[i]);
     if (fMatch.fields[i] != nullptr) {
+      if (!TakeRoom(*fMatch.fields[i], variable)) return false;
       std::string error = ApplyField(fSchema, *fMatch.fields[i], variable);
       if (!error.empty()) return Fail(std::move(error));
     }

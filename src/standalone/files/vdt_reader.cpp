@@ -73,6 +73,7 @@ class VdtReader {
   Table& fTable;
   std::vector<Attributes> fAttributes;  // by variable
   std::size_t fAt = 0;                  // the variable of the row at hand
+  std::size_t fDictionaryBytes = 0;     // that labelled and missing values take
 };
 
 std::string Select(const vdt::TableLayout& layout) {
@@ -147,6 +148,10 @@ bool VdtReader::ReadValue(const Statement& row, const VORN_Variable& variable, c
     isFit = kind == Kind::kNumber || (row.Whole(1) >= -kExactWhole && row.Whole(1) <= kExactWhole);
     value = NumberValue(row.Number(1));
   }
+  fDictionaryBytes += value.size() * sizeof(host::OBS);
+  if (fDictionaryBytes > kDictionaryRoom)
+    return fDatabase.Fail(
+        "its value labels would fill the memory, as each takes the full width of its variable");
   return isFit || fDatabase.Fail(fmt::format("table {} has a value that variable {} can't have", table,
                                              variable.GetName()));
 }

@@ -285,4 +285,13 @@ TEST(TableSchema, ManyFieldsAreReadInReasonableTime) {
   EXPECT_EQ(result.schema.fields[49999].line, 50000);
 }
 
+TEST(TableSchema, CategoriesThatAskForMuchMemoryAreRefused) {
+  std::string categories = "\"v\"";
+  for (int i = 1; i < 9000; ++i)
+    categories += ", \"v\"";
+  const ReadResult read =
+      Read("x\na\n", OneField(", \"x-format\": \"A32767\", \"categories\": [" + categories + "]"));
+  EXPECT_NE(read.error.find("would fill the memory"), std::string::npos) << read.error;
+}
+
 }  // namespace

@@ -180,6 +180,15 @@ TEST_F(DamagedVdt, ASmallFileThatAsksForMuchMemoryIsRefused) {
   EXPECT_NE(Answer().find("its cases would fill the memory"), std::string::npos) << Answer();
 }
 
+TEST_F(DamagedVdt, ValueLabelsThatAskForMuchMemoryAreRefused) {
+  Table wide;
+  sample::AddTexts(wide, "s", 32767, {""});
+  ASSERT_EQ(standalone::WriteDataFile(fPath, wide), "");
+  Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<9000) "
+      "INSERT INTO value_labels SELECT 1, 'v', 'l' FROM n");
+  EXPECT_NE(Answer().find("its value labels would fill the memory"), std::string::npos) << Answer();
+}
+
 TEST_F(DamagedVdt, AFarRowNumberIsNoReasonToTakeMemory) {
   Run("INSERT INTO cases (_rowid_, x) VALUES (9223372036854775807, 4)");
   const ReadResult read = ReadDataFile({fPath, "", 1});
