@@ -31,6 +31,7 @@ class TavoProcedureDriver {
   /// Null until RunModel.
   TavoComponent* Component() { return fpComponent.get(); }
   const OrvRegInputAdapter& Adapter() const { return *fpAdapter; }
+  OrvRegInputAdapter& Adapter() { return *fpAdapter; }
   const OrvIterationData& Iterations() const { return *fpIterations; }
   OrvStatus Status() const { return fStatus; }
   const TavoValidSpecs& Specs() const { return fSpecs; }
