@@ -1,12 +1,10 @@
 #include "cli/plan_check.h"
 
 #include <algorithm>
-#include <functional>
 #include <memory>
-#include <optional>
 
+#include "cli/stage_value.h"
 #include "cli/unit_tally.h"
-#include "command/category_value.h"
 #include "command/suggestion.h"
 #include "data/active_data.h"
 #include "output/cell_text.h"
@@ -20,29 +18,10 @@ using host::kSystemMissing;
 using tavo::OrvPlanData;
 using tavo::OrvPlanStage;
 using tavo::PlanMethod;
-using tavo::PlanValueKind;
 using tavo::PlanValueWay;
-
-constexpr std::size_t kMostExamples = 20;
-
-void AddExample(PlanFinding& finding, const std::function<std::string()>& text) {
-  if (finding.examples.size() < kMostExamples) {
-    finding.examples.push_back(text());
-  } else {
-    ++finding.more;
-  }
-}
 
 std::string Plural(std::size_t count, const std::string& one, const std::string& many) {
   return count == 1 ? "1 " + one : std::to_string(count) + " " + many;
-}
-
-bool IsSize(const OrvPlanStage& stage) {
-  return stage.valueKind == PlanValueKind::POPSIZE;
-}
-
-const char* ValueName(const OrvPlanStage& stage) {
-  return IsSize(stage) ? "population size" : "inclusion probability";
 }
 
 // ---- the plan against the dictionary ----
@@ -89,7 +68,7 @@ class Dictionary {
     places.strata = FindAll(stage.strata, "stratum" + of);
     places.clusters = FindAll(stage.clusters, "cluster" + of);
     if (stage.valueWay == PlanValueWay::BY_VARNAME) {
-      places.value = Find(stage.valueVariable.Text(), ValueName(stage) + of, true);
+      places.value = Find(stage.valueVariable.Text(), StageValue::Name(stage) + of, true);
     }
     if (stage.valueWay == PlanValueWay::BY_VARCATLIST) {
       for (const std::string& name : stage.valueMatrix.copyVarList())
@@ -128,117 +107,6 @@ void CheckCompleteness(const OrvPlanData& plan, Dictionary& dictionary) {
   }
 }
 
-// ---- population sizes and probabilities of the cases ----
-
-class StageValue {
- public:
-  StageValue(const OrvPlanStage& stage, const StageVariables& places, const host::VORN_DataSource& source,
-             const host::VORN_InputCaseIterator& iterator)
-      : fStage(stage) {
-    if (stage.method != PlanMethod::EQUAL_WOR) return;
-    if (stage.valueWay == PlanValueWay::BY_VALUE) fConstant = stage.value;
-    if (stage.valueWay == PlanValueWay::BY_VARNAME) {
-      fValue.emplace(iterator, static_cast<unsigned>(places.value));
-    }
-    if (stage.valueWay == PlanValueWay::BY_VARCATLIST) FillMatrix(places.matrix, source, iterator);
-  }
-
-  /// True when the value is a matter of the cases.
-  bool Varies() const { return fValue.has_value() || fMatrix.has_value(); }
-  /// The value for all units; missing when there is none, or when it varies.
-  double Constant() const { return fConstant; }
-
-  /// The value of the current case, missing when it has none or one that can't be. `caseNumber` counts
-  /// from 1.
-  double Current(std::size_t caseNumber) {
-    if (fMatrix) return InMatrix();
-    if (fValue->IsMissing()) return kSystemMissing;
-    double value = fValue->Number();
-    if (IsPossible(value)) return value;
-    AddExample(fImpossible,
-               [&] { return "case " + std::to_string(caseNumber) + ": " + ShortestText(value); });
-    return kSystemMissing;
-  }
-
-  void AddFindings(const std::string& stageName, std::vector<PlanFinding>& findings) {
-    const auto add = [&](PlanFinding& finding, const std::string& text) {
-      if (finding.examples.empty()) return;
-      finding.stopsRun = true;
-      finding.text = stageName + ": " + text;
-      findings.push_back(finding);
-    };
-    const std::string name = ValueName(fStage);
-    add(fUnreadable, "rows of the matrix cannot be read as values of their variables.");
-    add(fNotInMatrix, "the matrix has no row for these cases, so they have no " + name + ".");
-    add(fImpossible, "the " + name + " in " + fStage.valueVariable.Text() +
-                         (IsSize(fStage) ? " is not a whole number above 0 in some cases."
-                                         : " is not above 0 and at most 1 in some cases."));
-  }
-
- private:
-  bool IsPossible(double& value) const {
-    if (!(value > 0)) return false;
-    return IsSize(fStage) ? host::FUZZYINTEGER(&value) : value <= 1;
-  }
-
-  void FillMatrix(const std::vector<int>& variables, const host::VORN_DataSource& source,
-                  const host::VORN_InputCaseIterator& iterator) {
-    fMatrix.emplace(host::ObsVecMap::MakeKeySpec(source, variables), 1);
-    for (const int variable : variables) {
-      fMatrixVariables.push_back(source.GetVariable(static_cast<unsigned>(variable)));
-      fMatrixValues.emplace_back(iterator, static_cast<unsigned>(variable));
-    }
-    const auto& rows = fStage.valueMatrix.copyMapKeyVal();
-    for (std::size_t i = 0; i < rows.size(); ++i)
-      EnterRow(rows[i], i + 1);
-  }
-
-  void EnterRow(const host::VarCatList::Row& row, std::size_t number) {
-    fKey.clear();
-    for (std::size_t i = 0; i < row.categories.size(); ++i) {
-      const auto value = tavo::ReadCategoryValue(*fMatrixVariables[i], row.categories[i]);
-      if (!value) {
-        AddExample(fUnreadable, [&] {
-          return "row " + std::to_string(number) + ": " + row.categories[i] + " for " +
-                 fMatrixVariables[i]->GetName();
-        });
-        return;
-      }
-      fKey.insert(fKey.end(), value->cells.begin(), value->cells.end());
-    }
-    fMatrix->Insert(fKey.data())->number = row.value;
-  }
-
-  double InMatrix() {
-    fKey.clear();
-    for (std::size_t i = 0; i < fMatrixValues.size(); ++i) {
-      if (fMatrixValues[i].IsMissing()) return kSystemMissing;
-      const int cells = host::CellCount(fMatrixVariables[i]->GetType());
-      fKey.insert(fKey.end(), fMatrixValues[i].Cells(), fMatrixValues[i].Cells() + cells);
-    }
-    if (const host::OBS* found = fMatrix->Contains(fKey.data())) return found->number;
-    fMatrix->Insert(fKey.data())->number = kSystemMissing;  // told once
-    AddExample(fNotInMatrix, [&] {
-      std::string text;
-      for (std::size_t i = 0; i < fMatrixValues.size(); ++i) {
-        text += (text.empty() ? "" : ", ") + fMatrixVariables[i]->GetName() + "=" +
-                ValueText(*fMatrixVariables[i], fMatrixValues[i].Cells());
-      }
-      return text;
-    });
-    return kSystemMissing;
-  }
-
-  const OrvPlanStage& fStage;
-  double fConstant = kSystemMissing;
-  std::optional<host::CaseValue> fValue;
-  std::optional<host::ObsVecMap> fMatrix;
-  std::vector<const host::VORN_Variable*> fMatrixVariables;
-  std::vector<host::CaseValue> fMatrixValues;
-  std::vector<host::OBS> fKey;
-  PlanFinding fUnreadable, fNotInMatrix, fImpossible;
-};
-
 // ---- the cases ----
 
 struct StageState {
@@ -260,7 +128,7 @@ class CasePass {
     for (std::size_t k = 0; k < plan.stages.size(); ++k) {
       fStages.push_back({&plan.stages[k],
                          {source, *fpIterator, places[k].strata, places[k].clusters},
-                         {plan.stages[k], places[k], source, *fpIterator}});
+                         {plan.stages[k], places[k].value, places[k].matrix, source, *fpIterator}});
     }
   }
 
@@ -340,7 +208,7 @@ class CasePass {
     for (const UnitTally::Stratum& stratum : fStages[k].tally.Strata()) {
       if (!applies(stratum)) continue;
       ++count;
-      AddExample(finding, [&] { return Place(k, stratum.firstCase) + describe(stratum); });
+      if (finding.TakesExample()) finding.examples.push_back(Place(k, stratum.firstCase) + describe(stratum));
     }
     if (count == 0) return;
     finding.text = StageName(k) + ": " + Plural(count, "stratum ", "strata ") + text;
@@ -350,7 +218,7 @@ class CasePass {
   void ReportStage(std::size_t k, bool addsVariance) {
     StageState& stage = fStages[k];
     const OrvPlanStage& plan = *stage.plan;
-    const std::string name = ValueName(plan);
+    const std::string name = StageValue::Name(plan);
     const auto nothing = [](const UnitTally::Stratum&) { return std::string(); };
     stage.value.AddFindings(StageName(k), fCheck.findings);
     if (stage.value.Varies()) {
@@ -364,7 +232,7 @@ class CasePass {
           k, false, "with more than one " + name + "; a run uses one of them.",
           [](const auto& s) { return s.hasUnequalValues; }, nothing);
     }
-    if (plan.method == PlanMethod::EQUAL_WOR && IsSize(plan)) {
+    if (plan.method == PlanMethod::EQUAL_WOR && StageValue::IsSize(plan)) {
       ListStrata(
           k, true, "with more units in the sample than in the population.",
           [&](const auto& s) {

@@ -5,17 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "cli/plan_finding.h"
 #include "command/plan/plan_data.h"
 #include "data/table.h"
 
 namespace standalone {
-
-struct PlanFinding {
-  bool stopsRun = false;  // otherwise the run goes on with results that may be wrong
-  std::string text;
-  std::vector<std::string> examples;  // the first ones
-  std::size_t more = 0;               // examples that are left out
-};
 
 /// What the data have of a stage.
 struct StageCounts {

@@ -62,9 +62,9 @@ class XmlLibrary {
   XmlLibrary& operator=(const XmlLibrary&) = delete;
 };
 
-/// Memory of one document. A file of moderate size can stand for a tree many times as large; when the limit is
-/// reached the XML library gives up as if the machine had no more. What the library doesn't give back after an
-/// exception goes with this object.
+/// Memory of one document. A file of moderate size can stand for a tree many times as large; when the limit
+/// is reached the XML library gives up as if the machine had no more. What the library doesn't give back
+/// after an exception goes with this object.
 class BoundedMemory final : public xml::MemoryManager {
  public:
   BoundedMemory() = default;

@@ -111,6 +111,18 @@ TEST(PlanSchema, EveryPlanOfTheExamplesAndReferenceCasesIsValid) {
   EXPECT_GE(count, 13);
 }
 
+TEST(PlanSchema, EveryWholeDocumentOfTheManualIsValid) {
+  const std::string manual = Content(TAVO_SOURCE_DIR "/docs/plan-files.md");
+  int count = 0;
+  for (std::size_t at = manual.find("<?xml"); at != std::string::npos; at = manual.find("<?xml", at + 1)) {
+    const std::string document = manual.substr(at, manual.find("```", at) - at);
+    EXPECT_EQ(AgainstSchema(document), "") << document;
+    EXPECT_EQ(AgainstDefinition(document), "") << document;
+    ++count;
+  }
+  EXPECT_GE(count, 4);
+}
+
 std::string InPlan(const std::string& content) {
   return "<VORNTessel>" + content + "</VORNTessel>";
 }
