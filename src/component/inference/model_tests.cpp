@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <utility>
 
@@ -46,6 +47,17 @@ void Minimise(double& smallest, double value) {
 /// Nothing was met when the running minimum hasn't moved.
 double MinimumOrMissing(double smallest) {
   return smallest < kLargest ? smallest : MCMV::gMissingValue;
+}
+
+/// By row, the column of its first element that isn't 0, or the number of columns.
+std::vector<int> FirstElements(const MCRectMatrix& L) {
+  std::vector<int> first;
+  for (int i = 0; i < L.GetNRows(); ++i) {
+    const double* row = L.AsVectorConst().data() + static_cast<std::ptrdiff_t>(i) * L.GetNCols();
+    const double* end = row + L.GetNCols();
+    first.push_back(static_cast<int>(std::find_if(row, end, [](double x) { return x != 0.0; }) - row));
+  }
+  return first;
 }
 
 double TraceOfSquare(const MCRectMatrix& d) {
@@ -221,19 +233,22 @@ int OrvModelTests::FindDistinctRows(const MCRectMatrix& L, const std::vector<dou
                                     std::vector<int>& marks) {
   const int n = L.GetNRows();
   const auto valueOf = [K](int i) { return K == nullptr ? 0.0 : (*K)[static_cast<std::size_t>(i)]; };
-  marks.assign(static_cast<std::size_t>(n), -1);
+  const std::vector<int> first = FirstElements(L);  // multiples start at the same column
+  marks.assign(first.size(), -1);
   int distinct = n;
-  for (int i = 0; i < n; ++i) {
-    if (L.IsRowZero(i)) {
-      marks[static_cast<std::size_t>(i)] = -2;
+  for (std::size_t i = 0; i < first.size(); ++i) {
+    const int row = static_cast<int>(i);
+    if (L.IsRowZero(row)) {
+      marks[i] = -2;
       --distinct;
       continue;
     }
-    for (int j = i + 1; j < n && marks[static_cast<std::size_t>(i)] == -1; ++j) {
+    for (std::size_t j = i + 1; j < first.size() && marks[i] == -1; ++j) {
+      if (marks[j] != -1 || first[j] != first[i]) continue;
+      const int other = static_cast<int>(j);
       double factor = 0.0;
-      int& mark = marks[static_cast<std::size_t>(j)];
-      if (mark == -1 && L.IsERowMultipleOfAnother(i, j, valueOf(i), valueOf(j), factor)) {
-        mark = i;
+      if (L.IsERowMultipleOfAnother(row, other, valueOf(row), valueOf(other), factor)) {
+        marks[j] = row;
         --distinct;
       }
     }
