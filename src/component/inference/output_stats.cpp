@@ -104,7 +104,9 @@ OrvStatus TavoOutputStats::TestCustom(const OrvCustomTest& test, TestType type, 
                                       MCCommonMath::MCRectMatrix& L, std::vector<OrvTestStats>& rows,
                                       OrvTestStats& overall) const {
   const TavoInference* inference = fAlgorithm.Inference();
-  if (inference == nullptr) return OrvStatus::Error(StatusCode::kUserError);
+  if (inference == nullptr) {  // a model all of whose parameters are redundant has nothing to be tested
+    return OrvStatus::Error(fAlgorithm.IsModelBuilt() ? StatusCode::kNoColumns : StatusCode::kUserError);
+  }
   return inference->TestCustom(test, type, method, L, rows, overall);
 }
 

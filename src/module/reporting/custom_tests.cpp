@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -124,8 +125,8 @@ void OutputCoefficients(const TavoOutputFrame& frame, host::BpHeading& heading, 
   }
 }
 
-void FillIndividualRow(host::BpDimension& statistics, const OrvTestStats& test, double hypothesized,
-                       bool noteCount) {
+void FillIndividualRow(const TavoValidSpecs& specs, host::BpDimension& statistics, const OrvTestStats& test,
+                       double hypothesized, bool noteCount) {
   const auto put = [&](const char* label, double value, host::BpFormatSpec format) {
     statistics.Category(Key(label)).Cell(BpNumber{value, format});
   };
@@ -135,7 +136,7 @@ void FillIndividualRow(host::BpDimension& statistics, const OrvTestStats& test, 
   put("Difference (Estimate - Hypothesized)",
       isMissing ? test.contrastEstimate : test.contrastEstimate - hypothesized, BpProcedure::Coefficient());
   put("Std. Error", test.standardError, BpProcedure::GeneralStat());
-  FillTestColumns(statistics, test, noteCount);
+  FillTestColumns(specs, statistics, test, noteCount);
 }
 
 void OutputIndividualTests(const TavoOutputFrame& frame, host::BpHeading& heading,
@@ -158,7 +159,8 @@ void OutputIndividualTests(const TavoOutputFrame& frame, host::BpHeading& headin
     const int contrast = static_cast<int>(i) % count;
     if (logits != nullptr) logits->Category(frame.DependentValue(static_cast<int>(i) / count));
     contrasts.Category(ContrastLabel(contrast + 1));
-    FillIndividualRow(statistics, result.rows[i], result.test.K()[static_cast<std::size_t>(contrast)],
+    FillIndividualRow(frame.Specs(), statistics, result.rows[i],
+                      result.test.K()[static_cast<std::size_t>(contrast)],
                       result.rows[i].contrastCount != static_cast<int>(result.rows.size()));
   }
 }
@@ -187,8 +189,18 @@ void OutputOverallTest(const TavoOutputFrame& frame, host::BpHeading& heading, c
   CaptionSubpopulation(frame, *table);
   host::BpDimension& statistics = table->Dimension(Key("Statistics"));
   statistics.Position(BpPlace::kColumn, 1, true, false);
-  FillTestColumns(statistics, result.overall, false);
+  FillTestColumns(frame.Specs(), statistics, result.overall, false);
   if (!result.overall.usedInOverall) table->Note(UsedContrasts(frame, result));
+}
+
+/// A warning of the run stops the test: each contrast has a row of empty cells.
+void LeaveUntested(const TavoOutputFrame& frame, CustomResult& result) {
+  const int contrasts = std::max(1, result.test.RowCount());
+  result.rows.assign(
+      static_cast<std::size_t>(contrasts * (result.IsPerLogit(frame) ? frame.EquationCount() : 1)),
+      OrvTestStats());
+  for (OrvTestStats& row : result.rows)
+    row.contrastCount = static_cast<int>(result.rows.size());
 }
 
 void OutputCustomTest(const TavoOutputFrame& frame, host::BpHeading& heading, const OrvCustomTest& test,
@@ -198,6 +210,7 @@ void OutputCustomTest(const TavoOutputFrame& frame, host::BpHeading& heading, co
   CustomResult result{test, {}, {}, {}, {}};
   result.status = frame.Stats()->TestCustom(test, type, method, result.L, result.rows, result.overall);
   if (result.status.IsError()) ReportFailure(result.status, number);
+  if (result.L.GetNRows() == 0) LeaveUntested(frame, result);
   OutputCoefficients(frame, heading, result);
   if (result.status.IsError()) return;
   OutputIndividualTests(frame, heading, result);

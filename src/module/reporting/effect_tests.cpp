@@ -37,12 +37,10 @@ class EffectTestRows {
     EffectHypothesis hypothesis;
     hypothesis.title = label;
     OrvTestStats overall;
-    overall.testType = fFrame.Specs().GetTestType();
-    overall.adjustment = fFrame.Specs().Adjustment();
     fFrame.Stats()->TestEffect(effect, hypothesis.L, hypothesis.columns, overall);
     if (show) {
       fRows.Category(label);
-      FillTestColumns(fStatistics, overall, false);
+      FillTestColumns(fFrame.Specs(), fStatistics, overall, false);
     }
     return hypothesis;
   }

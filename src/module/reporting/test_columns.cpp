@@ -50,16 +50,17 @@ void Put(host::BpGroup& group, const char* label, double value, host::BpFormatSp
 
 }  // namespace
 
-void FillTestColumns(host::BpGroup& statistics, const OrvTestStats& test, bool noteCount) {
-  if (HasTwoDegreesOfFreedom(test.testType)) {
+void FillTestColumns(const TavoValidSpecs& specs, host::BpGroup& statistics, const OrvTestStats& test,
+                     bool noteCount) {
+  if (HasTwoDegreesOfFreedom(specs.GetTestType())) {
     Put(statistics, "df1", test.df1, BpProcedure::GeneralStat());
     Put(statistics, "df2", test.df2, BpProcedure::GeneralStat());
   } else {
     Put(statistics, "degrees of freedom", test.df1, BpProcedure::GeneralStat());
   }
-  Put(statistics, StatisticLabel(test.testType), test.wald, BpProcedure::GeneralStat());
+  Put(statistics, StatisticLabel(specs.GetTestType()), test.wald, BpProcedure::GeneralStat());
   Put(statistics, "Sig.", test.significance, BpProcedure::Significance());
-  const char* adjusted = AdjustedLabel(test.adjustment);
+  const char* adjusted = AdjustedLabel(specs.Adjustment());
   if (adjusted == nullptr) return;
   host::BpCategory& column = statistics.Category(Key(adjusted));
   column.Cell(BpNumber{test.adjustedSignificance, BpProcedure::Significance()});

@@ -17,9 +17,10 @@ void OutputCustomTests(const TavoOutputFrame& frame);
 void OutputOddsRatios(const TavoOutputFrame& frame);
 
 /// Writes the columns of a test into the current row: degrees of freedom, statistic, significance and, unless
-/// nothing is adjusted, the adjusted significance. `noteCount`: the adjusted column says how many contrasts
-/// were counted.
-void FillTestColumns(host::BpGroup& statistics, const OrvTestStats& test, bool noteCount);
+/// nothing is adjusted, the adjusted significance. Which they are is the command's choice, also for a test
+/// that was not done. `noteCount`: the adjusted column says how many contrasts were counted.
+void FillTestColumns(const TavoValidSpecs& specs, host::BpGroup& statistics, const OrvTestStats& test,
+                     bool noteCount);
 
 /// "L" and a number from 1.
 host::BpComposite ContrastLabel(int number);
