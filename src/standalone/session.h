@@ -82,6 +82,7 @@ class Session final : public host::HostSession {
   host::TaskThreadService& Threads() override;
   host::ProgressDisplay& Progress() override;
   int GetThreads() const override { return fOptions.threads; }
+  host::AppParams GetAppParams() const override { return {"tavoreg", fOptions.version, ""}; }
 
  private:
   SessionOptions fOptions;

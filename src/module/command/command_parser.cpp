@@ -50,7 +50,6 @@ class TavoCommandParser::Impl {
   bool VisitEach(const char* name, ReadOne read);
   bool VisitCustomTests();
   bool VisitOddsRatios();
-  void WarnNotAvailable(const char* name);
   void SetDefaults();
   bool ReadPlan();
   bool CheckStageNumbers();
@@ -70,8 +69,6 @@ bool TavoCommandParser::Impl::Parse() {
   fContext.messages.SetSubcommand(nullptr);
   if (!ResolvePlan(fContext, fPlan, hasJointProbFile)) return false;
   if (!CheckOutputFiles(fContext, fCommand.getSubComObj("OUTFILE"))) return false;
-  WarnNotAvailable("SAVE");
-  WarnNotAvailable("OUTFILE");
   SwitchOffSplitAndWeight();
   return true;
 }
@@ -153,13 +150,6 @@ bool TavoCommandParser::Impl::VisitOddsRatios() {
   if (!VisitEach("ODDSRATIOS", read)) return false;
   fContext.specs.SetOddsRatios(std::move(requests), std::move(items));
   return true;
-}
-
-void TavoCommandParser::Impl::WarnNotAvailable(const char* name) {
-  const SubComObj* subcommand = fCommand.getSubComObj(name);
-  if (subcommand == nullptr) return;
-  fContext.messages.SetSubcommand(subcommand);
-  fContext.messages.SubcommandNotAvailable();
 }
 
 void TavoCommandParser::Impl::SetDefaults() {

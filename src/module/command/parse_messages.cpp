@@ -179,10 +179,6 @@ void TavoParseMessages::ValueIgnored(const std::string& parameter, const std::st
   Warning("Parameter ^1 of subcommand ^2 with value ^3 is ignored...", {parameter, SubcommandName(), value});
 }
 
-void TavoParseMessages::SubcommandNotAvailable() {
-  AtSubcommand().Warning("Subcommand ^1 is not available yet and is ignored...", {SubcommandName()});
-}
-
 bool TavoParseMessages::FileNotAccessible(const std::string& name) {
   return Error("File ^1 cannot be accessed...", {name});
 }

@@ -64,7 +64,6 @@ class TavoParseMessages {
   bool InvalidNumber(const std::string& parameter);
   bool BracketsRequired(const std::string& parameter);
   void ValueIgnored(const std::string& parameter, const std::string& value);
-  void SubcommandNotAvailable();
   bool FileNotAccessible(const std::string& name);
   bool NotTogether(const std::string& parameter, const std::string& other);
   bool EitherOrBothRequired(const std::string& parameter, const std::string& other);

@@ -1,65 +1,14 @@
 #include "reporting/param_names.h"
 
-#include <algorithm>
-
 #include "host/output.h"
+#include "reporting/term_text.h"
 
 namespace tavo {
 
 namespace {
 
-constexpr const char* kCross = " * ";
-
-/// One factor of a name: how it is written, and its nesting level (0 innermost).
-struct FactorTerm {
-  std::string text;
-  int level;
-};
-
-std::string Join(const std::vector<std::string>& texts) {
-  std::string joined;
-  for (const std::string& text : texts)
-    joined += (joined.empty() ? "" : kCross) + text;
-  return joined;
-}
-
-/// Factors from the outermost level inwards, each deeper level in parentheses: A(B(C)).
-std::string FactorText(const std::vector<FactorTerm>& terms) {
-  int top = -1;
-  for (const FactorTerm& term : terms)
-    top = std::max(top, term.level);
-  std::string text;
-  for (int level = top; level >= 0; --level) {
-    if (level < top) text += "(";
-    std::vector<std::string> onLevel;
-    for (const FactorTerm& term : terms) {
-      if (term.level == level) onLevel.push_back(term.text);
-    }
-    text += Join(onLevel);
-  }
-  if (top > 0) text.append(static_cast<std::size_t>(top), ')');
-  return text;
-}
-
-std::string NameOf(const std::vector<FactorTerm>& factors, const std::vector<std::string>& covariates,
-                   bool factorsInParentheses) {
-  const std::string factorText = FactorText(factors);
-  const std::string covariateText = Join(covariates);
-  if (factorText.empty()) return covariateText;
-  if (covariateText.empty()) return factorText;
-  return factorsInParentheses ? covariateText + "(" + factorText + ")" : factorText + kCross + covariateText;
-}
-
 std::string VariableName(const host::VORN_DataSource& source, int variable) {
   return source.GetVariable(static_cast<unsigned>(variable))->GetName();
-}
-
-std::vector<std::string> Repeated(const std::vector<std::string>& names, const std::vector<int>& powers) {
-  std::vector<std::string> texts;
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    texts.insert(texts.end(), static_cast<std::size_t>(powers[i]), names[i]);
-  }
-  return texts;
 }
 
 std::string EffectName(const OrvModelEffect& effect, const host::VORN_DataSource& source) {
@@ -74,7 +23,7 @@ std::string EffectName(const OrvModelEffect& effect, const host::VORN_DataSource
   std::vector<std::string> covariates;
   for (const int variable : variables)
     covariates.push_back(VariableName(source, variable));
-  return NameOf(factors, Repeated(covariates, numbers), effect.IsFactorAfterCovariates());
+  return TermText(factors, RepeatedTexts(covariates, numbers), effect.IsFactorAfterCovariates());
 }
 
 std::string Trimmed(std::string text) {
@@ -108,7 +57,8 @@ std::string ParameterName(const OrvRegrParameter& parameter, const TavoValidSpec
     covariates.push_back(VariableName(source, specs.RecordVariables()[static_cast<std::size_t>(column)]));
   }
   const OrvModelEffect& effect = specs.Effects()[static_cast<std::size_t>(parameter.effectIndex)];
-  return NameOf(factors, Repeated(covariates, parameter.multiplicities), effect.IsFactorAfterCovariates());
+  return TermText(factors, RepeatedTexts(covariates, parameter.multiplicities),
+                  effect.IsFactorAfterCovariates());
 }
 
 }  // namespace

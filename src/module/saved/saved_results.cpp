@@ -1,6 +1,7 @@
 #include "saved/saved_results.h"
 
 #include "saved/matrix_file.h"
+#include "saved/model_file.h"
 #include "saved/predicted_pass.h"
 
 namespace tavo {
@@ -37,6 +38,7 @@ void SaveResults(const TavoOutputFrame& frame, TavoProcedureDriver& driver,
     }
   }
   SaveMatrix(frame);
+  SaveModelFile(frame);
 }
 
 }  // namespace tavo

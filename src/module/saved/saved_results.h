@@ -5,8 +5,8 @@
 
 namespace tavo {
 
-/// Writes the predictions into the data and the matrix file, as the command asks, and notes the saved files.
-/// Each failure is reported; the tables aren't touched.
+/// Writes the predictions into the data, and the matrix and model files, as the command asks, and notes the
+/// saved files. Each failure is reported; the tables aren't touched.
 void SaveResults(const TavoOutputFrame& frame, TavoProcedureDriver& driver,
                  host::ProcedureDataSource& source);
 

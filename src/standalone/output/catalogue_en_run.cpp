@@ -8,12 +8,6 @@ namespace standalone {
 namespace {
 
 constexpr std::array kEntries = {
-    // The command.
-    CatalogueEntry{
-        "Subcommand ^1 is not available yet and is ignored...",
-        "Subcommand ^1 is not available yet, so the command runs without it. Remove it, or wait for a later "
-        "version."},
-
     // The host's settings.
     CatalogueEntry{
         "No split file ...",
@@ -104,10 +98,17 @@ constexpr std::array kEntries = {
         "The analysis ended with status ^1: ^2 Please report the command and the data that lead here."},
 
     // Saved results.
+    CatalogueEntry{"Predictions could not be written into the data...",
+                   "The predictions could not be written into the data: a variable for them could not be "
+                   "made, or the data could not be "
+                   "read again. The tables are complete."},
     CatalogueEntry{
-        "Predictions could not be written into the data...",
-        "The predictions could not be written into the data: a variable for them could not be made, or the data could not be "
-        "read again. The tables are complete."},
+        "Model file could not be saved ^1...",
+        "The model was not saved: ^1. The tables are complete. Check the name that OUTFILE gives."},
+    CatalogueEntry{"Model can not be exported, status ^1...",
+                   "The model was not saved: it does not agree with the variables of the data (status ^1). "
+                   "The tables are "
+                   "complete; please report the command and the data that lead here."},
     CatalogueEntry{
         "Predicted probabilities exceeds limit ^1",
         "The dependent variable has more categories than SAVE PREDPROB allows. Probabilities of the first ^1 "

@@ -37,18 +37,6 @@ std::vector<MessageCase> OutputCases() {
        {"Plan.XML", "JOINTPROB", "PARAMETER"},
        "TAVOREG y /PLAN FILE='./plan.xml' /JOINTPROB FILE='plan.xml' /OUTFILE PARAMETER=^'Plan.XML'"},
       {kFileKey, {"OUT.vdt", "CORB", "MODEL"}, "TAVOREG y /OUTFILE CORB='out.vdt' MODEL=^'OUT.vdt'"},
-
-      // What is still to come.
-      {"Subcommand ^1 is not available yet and is ignored...",
-       {"SAVE"},
-       "TAVOREG y /^SAVE PREDVAL",
-       SimplePlan(),
-       false},
-      {"Subcommand ^1 is not available yet and is ignored...",
-       {"OUTFILE"},
-       "TAVOREG y /^OUTFILE COVB='v.vdt'",
-       SimplePlan(),
-       false},
   };
 }
 

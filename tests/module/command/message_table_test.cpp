@@ -170,14 +170,13 @@ const std::map<std::string, const char*>& Unreachable() {
   return keys;
 }
 
-/// Messages beside the family: what a sound run can't be made from, and what is still to come.
+/// Messages beside the family: what a sound run can't be made from.
 const std::set<std::string>& Own() {
   static const std::set<std::string> keys = {
       "The plan doesn't name a weight variable...",
       "Stage ^1 of the plan has no estimation method...",
       "Stage ^1 of the plan is sampled without replacement but gives neither population sizes nor inclusion "
       "probabilities...",
-      "Subcommand ^1 is not available yet and is ignored...",
   };
   return keys;
 }

@@ -23,6 +23,8 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -41,6 +43,13 @@ bool CheckFileRef(std::string_view name);
 bool ValidateFileSpecification(std::string_view name);
 /// The folder that holds the definition files installed with the module ("vorn-tessel-1.0.dtd").
 std::string ModuleFolder();
+
+/// Writes a text file, whole or not at all: what `write` puts into the stream takes the place of the name's
+/// file only when `write` returns true and everything has reached the disk. False otherwise; a file that was
+/// there before is then untouched, and `error` says, in the words that a user reads, why the host failed. It
+/// is empty when `write` gave up.
+bool WriteTextFile(std::string_view name, const std::function<bool(std::ostream&)>& write,
+                   std::string& error);
 
 /// A case file by name, before it is opened.
 class UserCaseFileSpec {

@@ -20,7 +20,15 @@ struct CommonBlock {
   std::int64_t weightVariable = 0;  // above 0 while a case weight is on
 };
 
-/// Shows how far a long stage is. Called at most a few times a second by well-behaved callers; the host may ignore it.
+/// The program, as files that it writes name it; empty: not known.
+struct AppParams {
+  std::string name;
+  std::string version;
+  std::string copyright;
+};
+
+/// Shows how far a long stage is. Called at most a few times a second by well-behaved callers; the host may
+/// ignore it.
 class ProgressDisplay {
  public:
   virtual ~ProgressDisplay() = default;
@@ -40,15 +48,21 @@ class HostSession {
   virtual ProgressDisplay& Progress() = 0;
   /// The number of threads that a procedure may use; 0 leaves it at one.
   virtual int GetThreads() const = 0;
+  /// What files that procedures write say of the program; nothing unless the host says it.
+  virtual AppParams GetAppParams() const { return {}; }
 };
 
 /// The session in which a command runs. The host sets it before it calls an entry; there is always one then.
 HostSession& CurrentSession();
 
 /// The host's thread setting.
-inline int GETTHREADS() { return CurrentSession().GetThreads(); }
+inline int GETTHREADS() {
+  return CurrentSession().GetThreads();
+}
 /// The host's common block.
-inline CommonBlock& pvGetCmnGlb() { return CurrentSession().Common(); }
+inline CommonBlock& pvGetCmnGlb() {
+  return CurrentSession().Common();
+}
 
 }  // namespace host
 
