@@ -21,7 +21,7 @@ void AddUnits(benchmark::State& state) {
       value = normal(random);
   }
   for (auto _ : state) {
-    tavo::OrvCovariances sums({variables}, {0});
+    tavo::OrvCovariances sums({variables}, {0}, false);
     for (const auto& unit : units)
       sums.AddUnit(unit);
     if (sums.Count(0) != kUnits) state.SkipWithError("a unit was lost");

@@ -19,7 +19,7 @@ double ExpOrMissing(double exponent) {
 }
 
 int RequestOf(double control) {
-  return control >= 0 ? static_cast<int>(control + 0.5) : OrvOddsRatioSpec::kLowest;
+  return control >= 0 ? static_cast<int>(std::lround(control)) : OrvOddsRatioSpec::kLowest;
 }
 
 }  // namespace

@@ -69,8 +69,11 @@ class BoundedMemory final : public xml::MemoryManager {
  public:
   BoundedMemory() = default;
   ~BoundedMemory() override {
-    while (fpFirst != nullptr)
-      Remove(fpFirst);
+    for (Header* header = fpFirst; header != nullptr;) {
+      Header* const next = header->next;
+      ::operator delete(header);
+      header = next;
+    }
   }
   BoundedMemory(const BoundedMemory&) = delete;
   BoundedMemory& operator=(const BoundedMemory&) = delete;
