@@ -72,6 +72,8 @@ class ModuleRun {
   }
   const standalone::CommandOutput& Output() const { return fpSession->Output().commands.back(); }
   standalone::Session& Host() { return *fpSession; }
+  /// The table after the command, with what the command added.
+  const standalone::Table& Table() const { return fTable; }
   standalone::RunResult result;
 
   std::vector<std::string> Keys() const {

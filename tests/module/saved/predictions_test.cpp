@@ -149,7 +149,7 @@ TEST_F(Predictions, VariablesHaveFormatsLabelsAndNotes) {
   EXPECT_EQ(p.GetMeasurementLevel(), host::MeasurementLevel::kScale);
   EXPECT_EQ(p.GetLabel(), "Predicted Values for y = 1.00");
   EXPECT_THAT(Notes("Predicted Values"), ElementsAre("best"));
-  EXPECT_THAT(Notes("Predicted Probabilities"), ElementsAre("y = .00: p_1", "y = 1.00: p_2"));
+  EXPECT_THAT(Notes("Predicted Probabilities"), ElementsAre("y = 0.00: p_1", "y = 1.00: p_2"));
   EXPECT_EQ(fRun.Table().ColumnCount(), 12U + 3U);
 }
 
