@@ -1,6 +1,7 @@
 #include "reporting/param_names.h"
 
 #include "host/output.h"
+#include "input/value_text.h"
 #include "reporting/term_text.h"
 
 namespace tavo {
@@ -26,12 +27,6 @@ std::string EffectName(const OrvModelEffect& effect, const host::VORN_DataSource
   return TermText(factors, RepeatedTexts(covariates, numbers), effect.IsFactorAfterCovariates());
 }
 
-std::string Trimmed(std::string text) {
-  text.erase(text.find_last_not_of(' ') + 1);
-  text.erase(0, text.find_first_not_of(' '));
-  return text;
-}
-
 /// Writes "[A=1]" for a factor's column and code.
 std::string FactorValue(const host::VORN_DataSource& source, const OrvRegInputAdapter& adapter, int column,
                         int code) {
@@ -39,9 +34,7 @@ std::string FactorValue(const host::VORN_DataSource& source, const OrvRegInputAd
   const host::OBS* cells = adapter.ValueForColumnCode(column, code, variable);
   if (cells == nullptr) return "[]";
   const host::VORN_Variable& entry = *source.GetVariable(static_cast<unsigned>(variable));
-  std::string value;
-  host::ToString(cells, entry.GetFormat(), value);
-  return "[" + entry.GetName() + "=" + Trimmed(value) + "]";
+  return "[" + entry.GetName() + "=" + PrintedValue(entry, cells) + "]";
 }
 
 std::string ParameterName(const OrvRegrParameter& parameter, const TavoValidSpecs& specs,

@@ -1,6 +1,6 @@
 #include "saved/document_strings.h"
 
-#include <algorithm>
+#include "input/value_text.h"
 
 namespace tavo {
 
@@ -79,15 +79,6 @@ void AddStage(OrvRegDocumentStrings& lines, const PlanStageSpec& spec, std::size
   if (!parameter.empty()) lines.AddString(parameter);
 }
 
-std::string CategoryText(const TavoProcedureDriver& driver, const host::VORN_Variable& dependent, int code) {
-  const host::OBS* cells = driver.Adapter().ValueForCode(driver.Specs().DependentVariable(), code);
-  std::string text;
-  if (cells != nullptr) host::ToString(cells, dependent.GetFormat(), text);
-  text.erase(text.find_last_not_of(' ') + 1);
-  text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
-  return text;
-}
-
 std::string ModelLine(const TavoValidSpecs& specs, const host::VORN_Variable& dependent,
                       const std::vector<std::string>& effectNames) {
   std::string line =
@@ -129,8 +120,9 @@ OrvRegDocumentStrings DocumentLines(const TavoProcedureDriver& driver, const hos
   for (std::size_t k = 0; k < specs.Stages().size(); ++k)
     AddStage(lines, specs.Stages()[k], k + 1, source);
   const host::VORN_Variable& dependent = variable(specs.DependentVariable());
-  lines.AddString("Dependent Variable: " + dependent.GetName() +
-                  " (reference category = " + CategoryText(driver, dependent, referenceCode) + ")");
+  lines.AddString(
+      "Dependent Variable: " + dependent.GetName() + " (reference category = " +
+      PrintedValue(dependent, driver.Adapter().ValueForCode(specs.DependentVariable(), referenceCode)) + ")");
   if (!effectNames.empty()) lines.AddString(ModelLine(specs, dependent, effectNames));
   if (specs.DomainVariable() >= 0) {
     lines.AddString("Subpopulation: " + variable(specs.DomainVariable()).GetName() + " = " +

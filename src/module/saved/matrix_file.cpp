@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/output.h"
+#include "input/value_text.h"
 #include "saved/document_strings.h"
 
 namespace tavo {
@@ -22,12 +23,6 @@ std::vector<host::OBS> StringCells(const std::string& text, int width) {
   std::copy_n(text.data(), std::min(text.size(), static_cast<std::size_t>(width)),
               reinterpret_cast<char*>(cells.data()));
   return cells;
-}
-
-std::string Trimmed(std::string text) {
-  text.erase(text.find_last_not_of(' ') + 1);
-  text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
-  return text;
 }
 
 /// Makes the variables and writes the cases of one matrix file.
@@ -121,9 +116,7 @@ void MatrixWriter::NameLogits(const host::VORN_Variable& dependent) {
   for (std::size_t a = 0; a < LogitCount(); ++a) {
     const host::OBS* cells =
         fDriver.Adapter().ValueForCode(fDriver.Specs().DependentVariable(), fStats.DependentCategories()[a]);
-    std::string text;
-    if (cells != nullptr) host::ToString(cells, dependent.GetFormat(), text);
-    fLogitNames.push_back(Trimmed(text));
+    fLogitNames.push_back(PrintedValue(dependent, cells));
   }
 }
 

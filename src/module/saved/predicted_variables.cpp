@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/output.h"
+#include "input/value_text.h"
 
 namespace tavo {
 
@@ -11,18 +12,6 @@ namespace {
 constexpr std::size_t kLongestName = 64;
 constexpr int kSavedVariables = 3;  // the group of notes
 constexpr host::VORN_Format kProbabilityFormat = {5, 8, 6};
-
-std::string Trimmed(std::string text) {
-  text.erase(text.find_last_not_of(' ') + 1);
-  text.erase(0, std::min(text.find_first_not_of(' '), text.size()));
-  return text;
-}
-
-std::string ValueText(const host::VORN_Variable& variable, const host::OBS* cells) {
-  std::string text;
-  if (cells != nullptr) host::ToString(cells, variable.GetFormat(), text);
-  return Trimmed(text);
-}
 
 std::string Padded(int number, std::size_t digits) {
   const std::string text = std::to_string(number);
@@ -83,7 +72,7 @@ bool MakeProbability(const TavoValidSpecs& specs, host::ProcedureDataSource& sou
   const host::VORN_Variable* dependent = source.GetVariable(static_cast<unsigned>(specs.DependentVariable()));
   const host::OBS* cells = adapter.ValueForCode(specs.DependentVariable(), code);
   const std::string label = host::FacSTDictionaryLookUp("Predicted Values for") + " " + dependent->GetName() +
-                            " = " + ValueText(*dependent, cells);
+                            " = " + PrintedValue(*dependent, cells);
   host::BpComposite note("^1 = ^2: ^3", false);
   note.Add(host::BpVariable{dependent, host::BpShow::kValue});
   note.Add(host::BpDataValue(dependent, cells, host::BpShow::kValue));
