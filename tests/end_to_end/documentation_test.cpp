@@ -1,4 +1,4 @@
-// The manual of plan files: what it shows is run.
+// The manuals of plan files and of the command language: what they show is run.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -119,6 +119,33 @@ TEST(PlanManual, ThePlansThatItMakesAreThoseThatItShows) {
     EXPECT_TRUE(isMade) << made;
     EXPECT_EQ(Content(made, folder), Content(shown, folder)) << made;
   }
+}
+
+TEST(CommandManual, EveryCommandRunsOnTheExampleSurvey) {
+  const std::filesystem::path source = TAVO_SOURCE_DIR;
+  const std::filesystem::path survey = source / "examples" / "nhanes";
+  const TemporaryFolder folder;
+  folder.Write("plan.xml", ReadText(survey / "plan.xml"));
+  int count = 0;
+  for (const Block& block : BlocksOf(source / "docs" / "command-language.md")) {
+    if (block.language != "tavoreg") continue;
+    folder.Write("command.tvs", block.text);
+    const ProgramRun run =
+        RunProgram({"run", "command.tvs", "--data", (survey / "nhanes.csv").string(), "--format", "json"},
+                   folder.Path());
+    EXPECT_EQ(run.exitStatus, 0) << block.text << run.messages;
+    const nlohmann::json document = run.Json();
+    ASSERT_TRUE(document.is_object()) << block.text;
+    ASSERT_FALSE(document["commands"].empty()) << block.text;
+    for (const nlohmann::json& command : document["commands"]) {
+      EXPECT_EQ(command["status"], "ok") << block.text;
+      EXPECT_FALSE(command["tables"].empty()) << block.text;
+      for (const nlohmann::json& message : command["messages"])
+        EXPECT_NE(message["level"], "error") << message["text"];
+    }
+    ++count;
+  }
+  EXPECT_GE(count, 9);
 }
 
 }  // namespace
