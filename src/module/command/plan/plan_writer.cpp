@@ -203,7 +203,9 @@ class SectionWriter {
     fLines.Close();
   }
 
+  /// An element without a value says no more than none at all, and the definition forbids it.
   void WriteValue(std::string_view element, const OrvPlanStage& stage) {
+    if (stage.valueWay == PlanValueWay::NOT_GIVEN) return;
     fLines.Open(element);
     switch (stage.valueWay) {
       case PlanValueWay::BY_VALUE:

@@ -237,6 +237,15 @@ TEST_F(PlanReading, ASmallPlanIsWrittenLikeThis) {
             "</VORNTessel>\n");
 }
 
+// Found by fuzzing: the empty element that was written in its place broke the definition that the file names.
+TEST_F(PlanReading, APopulationSizeWithoutAValueIsNotWritten) {
+  ASSERT_EQ(ReadDesign(Stage("equal_wor", Strata(Variable("h")) + "<PopulationSize/>")), PlanStatus::kOK);
+  EXPECT_EQ(FirstStage().valueWay, PlanValueWay::NOT_GIVEN);
+  const std::string text = OrvPlanWriter::Write({}, nullptr, &fPlan);
+  EXPECT_THAT(text, Not(HasSubstr("PopulationSize")));
+  EXPECT_EQ(ReadText(text), PlanStatus::kOK) << fDetail;
+}
+
 TEST(OrvPlanWriter, WhatXMLCannotHoldIsReplacedAndCanBeAskedFor) {
   for (const char* bad : {"a\x01", "\x1b[31m", "\xff", "\xc3", "\xef\xbf\xbf", "\xed\xa0\x80"}) {
     EXPECT_FALSE(OrvPlanWriter::CanHold(bad));
