@@ -121,8 +121,8 @@ void TavoValidSpecs::SetPredictedValue(std::string name, int variable) {
   fPredictedValueVariable = variable;
 }
 
-int TavoValidSpecs::NewVariableCount() const {
-  const int probabilities = fPredictedProbabilityRoot.empty() ? 0 : fMaximumPredictedProbabilities;
+std::int64_t TavoValidSpecs::NewVariableCount() const {
+  const std::int64_t probabilities = fPredictedProbabilityRoot.empty() ? 0 : fMaximumPredictedProbabilities;
   return probabilities + (fPredictedValueName.empty() ? 0 : 1);
 }
 

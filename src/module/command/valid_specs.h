@@ -1,6 +1,7 @@
 // A checked TAVOREG command.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -180,7 +181,7 @@ class TavoValidSpecs final : public OrvPlanValidSpecs {
   const std::string& PredictedValueName() const { return fPredictedValueName; }
   int PredictedValueVariable() const { return fPredictedValueVariable; }
   /// The most variables that saving adds to the active data.
-  int NewVariableCount() const;
+  std::int64_t NewVariableCount() const;
 
   // Output files; not set or empty: not asked for.
   host::UserCaseFileSpec& CovarianceFile() { return fCovarianceFile; }

@@ -66,6 +66,12 @@ TEST(Save, PredValTakesANewName) {
   EXPECT_EQ(run.Specs().NewVariableCount(), 3);
 }
 
+TEST(Save, TheLargestCountOfProbabilitiesLeavesRoomForThePredictedValue) {
+  CommandRun run;
+  ASSERT_TRUE(run.Parse("TAVOREG y /SAVE PREDVAL(best) PREDPROB(p:2147483647)"));
+  EXPECT_EQ(run.Specs().NewVariableCount(), 2147483648);
+}
+
 TEST(Outfile, NamesReachTheSpecification) {
   CommandRun run;
   ASSERT_TRUE(run.Parse("TAVOREG y /OUTFILE COVB='c.vdt' MODEL=m.xml"));
