@@ -69,7 +69,8 @@ void RunDriver(tavo::TavoValidSpecs& specs, host::ProcedureDataSource& source, h
 /// What predictions may add to a case: a category like the dependent variable's, and one cell each for the
 /// probabilities.
 unsigned CellsAdded(const tavo::TavoValidSpecs& specs, const host::ProcedureDataSource& source) {
-  const host::VORN_Variable& dependent = *source.GetVariable(static_cast<unsigned>(specs.DependentVariable()));
+  const host::VORN_Variable& dependent =
+      *source.GetVariable(static_cast<unsigned>(specs.DependentVariable()));
   return static_cast<unsigned>(host::CellCount(dependent.GetType()) + specs.NewVariableCount());
 }
 

@@ -180,7 +180,8 @@ void OrvRegInputAdapter::BeginPredictionPass(const host::VORN_InputCaseIterator&
     fRequiredContinuous.push_back(required);
     filled.variable.Rebind(iterator, !required);
   }
-  for (auto& filled : fMatrices) filled.variable.Rebind(iterator);
+  for (auto& filled : fMatrices)
+    filled.variable.Rebind(iterator);
 }
 
 bool OrvRegInputAdapter::FillCategorical(double* record) {

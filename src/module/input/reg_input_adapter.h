@@ -87,9 +87,10 @@ class OrvRegInputAdapter final : public OrvInputAdapter {
   /// Recodes so that codes rise (or fall) with the value.
   void SortCategories(int variable, bool ascending);
 
-  /// Starts a pass that scores cases: a case stays when it has the required variables (dictionary indices), whatever
-  /// else it lacks; nothing is inserted and no message is sent. The mode stays for good.
-  void BeginPredictionPass(const host::VORN_InputCaseIterator& iterator, const std::vector<int>& requiredCategorical,
+  /// Starts a pass that scores cases: a case stays when it has the required variables (dictionary indices),
+  /// whatever else it lacks; nothing is inserted and no message is sent. The mode stays for good.
+  void BeginPredictionPass(const host::VORN_InputCaseIterator& iterator,
+                           const std::vector<int>& requiredCategorical,
                            const std::vector<int>& requiredContinuous);
   bool IsPredictionMode() const override { return fbPredictionMode; }
   bool FillCategorical(double* record) override;
