@@ -22,6 +22,6 @@ if(TAVO_FUZZ)
 endif()
 
 if(TAVO_SANITIZE)
-  add_compile_options(-fsanitize=${TAVO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -g1)
+  add_compile_options(-fsanitize=${TAVO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -g1 -O1)
   add_link_options(-fsanitize=${TAVO_SANITIZE})
 endif()
