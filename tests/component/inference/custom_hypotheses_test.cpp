@@ -289,7 +289,7 @@ TEST(PrepareTests, AreNotReachedByAModelWithoutParameters) {
   std::vector<int> columns;
   EXPECT_EQ(model.Test(0).status.Code(), StatusCode::kUserError);
   EXPECT_EQ(model.Output().GeneralEstimableFunction(L, columns).Code(), StatusCode::kUserError);
-  EXPECT_EQ(Ask(model, Rows({EffectRow(0, {1})})).status.Code(), StatusCode::kUserError);
+  EXPECT_EQ(Ask(model, Rows({EffectRow(0, {1})})).status.Code(), StatusCode::kNoColumns);
 }
 
 class Stop final : public host::MCStopProcessor {
