@@ -61,7 +61,8 @@ class TavoOutputStats {
   OrvStatus TestCustom(const OrvCustomTest& test, TestType type, PAdjustMethod method,
                        MCCommonMath::MCRectMatrix& L, std::vector<OrvTestStats>& rows,
                        OrvTestStats& overall) const;
-  /// The odds ratios of a request over record columns; see TavoOddsRatioEstimator. 91000 without a covariance.
+  /// The odds ratios of a request over record columns; see TavoOddsRatioEstimator. 91000 without a
+  /// covariance.
   OrvStatus OddsRatios(const OrvOddsRatioSpec& request, std::vector<TavoOddsRatioStats>& results,
                        std::vector<TavoOddsRatioEstimator::FixedPair>& fixedPairs,
                        std::vector<OrvStatus>& warnings) const;

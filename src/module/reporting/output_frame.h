@@ -8,8 +8,8 @@
 namespace tavo {
 
 /// Builds all tables of a finished run. A table that lacks its data is left out silently.
-void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs,
-               host::ProcedureDataSource& source, host::BpHeading& heading);
+void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, host::ProcedureDataSource& source,
+               host::BpHeading& heading);
 /// The notes on the files that a command reads; sent before the first pass.
 void NoteInputFiles(TavoValidSpecs& specs);
 

@@ -5,8 +5,8 @@
 
 namespace host {
 
-/// One task of a pool. The pool calls `Run` once per posting, on any of its threads. `Run` must not throw; its
-/// result is 0 and reserved.
+/// One task of a pool. The pool calls `Run` once per posting, on any of its threads. `Run` must not throw;
+/// its result is 0 and reserved.
 class CallBackObject {
  public:
   virtual ~CallBackObject() = default;

@@ -1,6 +1,6 @@
-// The host's command language: tokens, the descriptor of a command's grammar, and the parser that checks a token
-// sequence against a descriptor. The value classes are plain and implemented by the host as they stand; only the
-// token sequence itself is the host's own.
+// The host's command language: tokens, the descriptor of a command's grammar, and the parser that checks a
+// token sequence against a descriptor. The value classes are plain and implemented by the host as they stand;
+// only the token sequence itself is the host's own.
 #pragma once
 
 #include <cstddef>
@@ -56,8 +56,10 @@ class TokenInfoObj {
   bool IsLiteral() const { return kind == TokenKind::kLiteral; }
   bool IsPlainString() const { return kind == TokenKind::kWord; }
   bool IsOperator() const { return kind == TokenKind::kOperator && code < OperatorCode::kTo; }
-  bool IsReservedWord() const { return code == OperatorCode::kTo || code == OperatorCode::kWith ||
-                                       code == OperatorCode::kBy || code == OperatorCode::kAll; }
+  bool IsReservedWord() const {
+    return code == OperatorCode::kTo || code == OperatorCode::kWith || code == OperatorCode::kBy ||
+           code == OperatorCode::kAll;
+  }
   OperatorCode getOperatorCode() const { return code; }
   const std::string& getString() const { return text; }
   std::string getUpperString() const;
@@ -77,13 +79,13 @@ class VORN_TokenSequence {
 namespace UPSpecTypes {
 enum class SubComSpec { kTokens = 0, kNamed = 1, kList = 2 };
 enum class ParamSpec {
-  kBare = 1,            // the keyword alone
-  kTokens = 2,          // a free token list
-  kWord = 3,            // one word
-  kLiteral = 4,         // a quoted literal
-  kNumber = 7,          // one number
-  kVariable = 15,       // one variable name
-  kFilePath = 20,       // a file path
+  kBare = 1,       // the keyword alone
+  kTokens = 2,     // a free token list
+  kWord = 3,       // one word
+  kLiteral = 4,    // a quoted literal
+  kNumber = 7,     // one number
+  kVariable = 15,  // one variable name
+  kFilePath = 20,  // a file path
   kStringOrLiteral = 23
 };
 enum class BracketOptions { kDefault = 0 };
@@ -120,7 +122,8 @@ struct CommandDescriptor {
   void addSubComDesc(SubComDescriptor descriptor) { subcommands.push_back(std::move(descriptor)); }
 };
 
-/// One keyword that a command gave, with its value tokens. The getters return false when the value is of another type.
+/// One keyword that a command gave, with its value tokens. The getters return false when the value is of
+/// another type.
 class ParamObj {
  public:
   std::string name;                 // as the descriptor writes it; empty for the nameless parameter
@@ -165,12 +168,13 @@ class CommandSpec {
   std::size_t getSubComObj(std::vector<const SubComObj*>& list, std::string_view name) const;
 };
 
-/// Checks a token sequence against a descriptor. Reports its own syntax errors to the host, with the place, the line
-/// and a caret, and the nearest known word; unknown keywords, missing required ones, repeated subcommands and values
-/// of a wrong type are all its errors.
+/// Checks a token sequence against a descriptor. Reports its own syntax errors to the host, with the place,
+/// the line and a caret, and the nearest known word; unknown keywords, missing required ones, repeated
+/// subcommands and values of a wrong type are all its errors.
 class UniversalParser {
  public:
-  UniversalParser(const VORN_TokenSequence& tokens, CommandSpec& specification, const CommandDescriptor& descriptor)
+  UniversalParser(const VORN_TokenSequence& tokens, CommandSpec& specification,
+                  const CommandDescriptor& descriptor)
       : fTokens(tokens), fSpecification(specification), fDescriptor(descriptor) {}
   /// 0 on success.
   int getCommandSpecifications();
@@ -187,11 +191,14 @@ class ParserMessage {
  public:
   void SetCommandName(std::string name) { fCommandName = std::move(name); }
   void SetProcedureTitle(std::string title) { fTitle = std::move(title); }
-  /// The token that the next message is about: the host shows the line with a caret under it. Forgotten after use.
+  /// The token that the next message is about: the host shows the line with a caret under it. Forgotten after
+  /// use.
   void SetPosition(const SourcePosition& position) { fPosition = position; }
-  /// The known words among which the next message may suggest the nearest to its first argument. Forgotten after use.
+  /// The known words among which the next message may suggest the nearest to its first argument. Forgotten
+  /// after use.
   void SetCandidates(std::vector<std::string> words) { fCandidates = std::move(words); }
-  /// A text put in front of the next message, such as the stage of a plan; empty for none. Forgotten after use.
+  /// A text put in front of the next message, such as the stage of a plan; empty for none. Forgotten after
+  /// use.
   void SetGroupText(std::string text) { fGroupText = std::move(text); }
   void GenericError(std::string_view key, const std::vector<std::string>& arguments);
   void GenericWarning(std::string_view key, const std::vector<std::string>& arguments);
@@ -209,8 +216,8 @@ bool IsValidInteger(double value);
 std::string GetUpperString(std::string_view text);
 std::string IntegerToString(long value);
 
-/// A table of values by category lists: the matrix form of sizes and probabilities in a plan. Rows keep their order;
-/// lists and values are texts and numbers as the plan file holds them.
+/// A table of values by category lists: the matrix form of sizes and probabilities in a plan. Rows keep their
+/// order; lists and values are texts and numbers as the plan file holds them.
 class VarCatList {
  public:
   void addVarName(std::string name) { fVariables.push_back(std::move(name)); }

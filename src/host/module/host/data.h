@@ -1,8 +1,8 @@
 // The active data, as a host shows it to the module: a dictionary of variables and passes over the cases.
 //
 // Values travel in cells of 8 bytes (`OBS`). A numeric value takes one cell; a string of width w takes
-// CellCount(w) cells, laid end to end, UTF-8, padded with blanks. All data operations are called from the module's
-// main thread only.
+// CellCount(w) cells, laid end to end, UTF-8, padded with blanks. All data operations are called from the
+// module's main thread only.
 #pragma once
 
 #include <cstddef>
@@ -26,7 +26,9 @@ union OBS {
 static_assert(sizeof(OBS) == 8);
 
 /// Cells of a value of the given type (0 numeric, otherwise the string width in bytes).
-constexpr int CellCount(int type) { return type < 9 ? 1 : (type + 7) >> 3; }
+constexpr int CellCount(int type) {
+  return type < 9 ? 1 : (type + 7) >> 3;
+}
 
 /// A print format. Type bytes used here: 1 string (A), 2 hexadecimal string (AHEX, two digits per byte),
 /// 5 plain number (F). Others may occur in dictionaries and print as F.
@@ -98,9 +100,9 @@ class VORN_Variable {
   VORN_MissingValues fMissingValues;
 };
 
-/// Where the cells of one column lie for the current case: `cells + *row * stride`. A host with columns in memory
-/// points at the column and at the row number that its cursor moves, so binding costs nothing per case; a host that
-/// reads row by row points at its row buffer and at a constant 0.
+/// Where the cells of one column lie for the current case: `cells + *row * stride`. A host with columns in
+/// memory points at the column and at the row number that its cursor moves, so binding costs nothing per
+/// case; a host that reads row by row points at its row buffer and at a constant 0.
 struct ColumnBinding {
   const OBS* cells = nullptr;
   const std::size_t* row = nullptr;
@@ -113,7 +115,8 @@ class VORN_DataSource;
 class VORN_InputCaseIterator {
  public:
   virtual ~VORN_InputCaseIterator() = default;
-  /// Moves on to the next case. 0 at the end of the source or after a failure (see ProcedureDataSource::FatalError).
+  /// Moves on to the next case. 0 at the end of the source or after a failure (see
+  /// ProcedureDataSource::FatalError).
   virtual int NextCase() = 0;
   virtual const VORN_DataSource& GetDataSource() const = 0;
   /// The place of a column's cells (column from 0); stays valid for the iterator's life.
@@ -181,9 +184,10 @@ class CaseValue {
   const VORN_MissingValues* fpMissing = nullptr;  // null when nothing is declared
 };
 
-/// A hash map from a key of cells to value cells. The key and value cells of an entry adjoin in memory, and pointers
-/// handed out stay valid until the map is destroyed. Numbers are compared as numbers (-0 equals 0), strings byte by
-/// byte over their cells. Look-up takes constant time; keys of small whole numbers are answered from a direct table.
+/// A hash map from a key of cells to value cells. The key and value cells of an entry adjoin in memory, and
+/// pointers handed out stay valid until the map is destroyed. Numbers are compared as numbers (-0 equals 0),
+/// strings byte by byte over their cells. Look-up takes constant time; keys of small whole numbers are
+/// answered from a direct table.
 class ObsVecMap {
  public:
   using KeySpec = std::vector<std::uint16_t>;  // per key variable: 0 numeric, otherwise the string width
@@ -208,8 +212,8 @@ class ObsVecMap {
     }
     return Find(key);
   }
-  /// Makes an entry (value cells zero) and returns its value cells; the key starts CellSize() - valueCells cells
-  /// before them. Inserting a key that is there already returns the existing cells.
+  /// Makes an entry (value cells zero) and returns its value cells; the key starts CellSize() - valueCells
+  /// cells before them. Inserting a key that is there already returns the existing cells.
   OBS* Insert(const OBS* key);
   std::size_t Size() const;
   const KeySpec& GetKeySpec() const;
@@ -230,9 +234,9 @@ bool FUZZYINTEGER(const double* value);
 /// The nearest whole number.
 double FUZZYROUND(const double* value);
 
-/// Text to value by a format: 0 on success. `value` must have room for the format's cells. A string shorter than the
-/// width is padded with blanks; a number must fill the whole text but for blanks around it. Blank numeric text, and
-/// a lone ".", give system-missing.
+/// Text to value by a format: 0 on success. `value` must have room for the format's cells. A string shorter
+/// than the width is padded with blanks; a number must fill the whole text but for blanks around it. Blank
+/// numeric text, and a lone ".", give system-missing.
 long FromString(std::string_view text, const VORN_Format& format, OBS* value);
 /// Value to text by a format: 0 on success. Numbers are trimmed; strings keep their padding.
 long ToString(const OBS* value, const VORN_Format& format, std::string& text);
@@ -255,8 +259,8 @@ class VornVarName {
 
 /// Upper case of ASCII letters; other bytes stay.
 std::string GetUpperVarName(std::string_view name);
-/// True for a text that may name a variable: a letter or one of @ # $ (or a byte above 127) first, then letters, digits
-/// and . _ @ # $, not ending in a period, 1 to 64 bytes, no reserved word.
+/// True for a text that may name a variable: a letter or one of @ # $ (or a byte above 127) first, then
+/// letters, digits and . _ @ # $, not ending in a period, 1 to 64 bytes, no reserved word.
 bool ValidateVORNName(std::string_view name);
 
 }  // namespace host

@@ -1,9 +1,9 @@
 // The host's output: pivot tables, messages and notes.
 //
-// Texts are either literal or keys into the host's dictionary (`translate`); a key is also the English template.
-// A template holds ^1, ^2, … for its arguments and [first:rest:]n for an argument that is a list: the first group of
-// its elements goes through `first`, in which %k is the k-th element of the group, each later group through `rest`,
-// in which ^k is the k-th. Numbers become text only when the host renders them.
+// Texts are either literal or keys into the host's dictionary (`translate`); a key is also the English
+// template. A template holds ^1, ^2, … for its arguments and [first:rest:]n for an argument that is a list:
+// the first group of its elements goes through `first`, in which %k is the k-th element of the group, each
+// later group through `rest`, in which ^k is the k-th. Numbers become text only when the host renders them.
 #pragma once
 
 #include <memory>
@@ -63,13 +63,14 @@ class BpComposite;
 class BpCellText {
  public:
   BpCellText() : fContent(BpString{}) {}
-  BpCellText(BpString text) : fContent(std::move(text)) {}        // NOLINT: implicit on purpose, as all below
-  BpCellText(BpNumber number) : fContent(number) {}               // NOLINT
-  BpCellText(BpVariable variable) : fContent(variable) {}         // NOLINT
-  BpCellText(BpDataValue value) : fContent(std::move(value)) {}   // NOLINT
-  BpCellText(const BpComposite& composite);                       // NOLINT
+  BpCellText(BpString text) : fContent(std::move(text)) {}       // NOLINT: implicit on purpose, as all below
+  BpCellText(BpNumber number) : fContent(number) {}              // NOLINT
+  BpCellText(BpVariable variable) : fContent(variable) {}        // NOLINT
+  BpCellText(BpDataValue value) : fContent(std::move(value)) {}  // NOLINT
+  BpCellText(const BpComposite& composite);                      // NOLINT
 
-  using Content = std::variant<BpString, BpNumber, BpVariable, BpDataValue, std::shared_ptr<const BpComposite>>;
+  using Content =
+      std::variant<BpString, BpNumber, BpVariable, BpDataValue, std::shared_ptr<const BpComposite>>;
   const Content& Get() const { return fContent; }
 
  private:
@@ -99,9 +100,13 @@ class BpComposite {
 };
 
 /// A key of the host's dictionary as a text.
-inline BpString Key(std::string text) { return {std::move(text), true}; }
+inline BpString Key(std::string text) {
+  return {std::move(text), true};
+}
 /// A text that prints as it stands.
-inline BpString Plain(std::string text) { return {std::move(text), false}; }
+inline BpString Plain(std::string text) {
+  return {std::move(text), false};
+}
 
 /// One category of a dimension. All handles below are lent by their table and live as long as it.
 class BpCategory {
@@ -119,8 +124,8 @@ class BpCategory {
 class BpGroup {
  public:
   virtual ~BpGroup() = default;
-  /// The inner group, or category, of that label; made at the end when it isn't there yet. Labels are told apart by
-  /// the text that they show, and data values by their cells.
+  /// The inner group, or category, of that label; made at the end when it isn't there yet. Labels are told
+  /// apart by the text that they show, and data values by their cells.
   virtual BpGroup& Group(const BpCellText& label) = 0;
   virtual BpCategory& Category(const BpCellText& label) = 0;
   virtual void Note(const BpCellText& note) = 0;
@@ -131,9 +136,9 @@ enum class BpPlace { kRow = 0, kColumn = 1 };
 /// A dimension is the outermost group of its categories.
 class BpDimension : public BpGroup {
  public:
-  /// Rows or columns; level 1 is the innermost dimension of its place, higher levels lie outside it. `hideLabel`: the
-  /// dimension's own label is not shown beside its categories. `hideWhenSingle`: the dimension isn't shown at all when
-  /// it has one category only.
+  /// Rows or columns; level 1 is the innermost dimension of its place, higher levels lie outside it.
+  /// `hideLabel`: the dimension's own label is not shown beside its categories. `hideWhenSingle`: the
+  /// dimension isn't shown at all when it has one category only.
   virtual void Position(BpPlace place, int level, bool hideLabel, bool hideWhenSingle) = 0;
 };
 
@@ -177,8 +182,8 @@ enum class BpErrorLevel { kWarning = 2, kError = 3 };
 
 /// Sends a message. An error sets the host's error flag, which ends the command at its next stage.
 void BpError(const BpCellText& text, BpErrorLevel level);
-/// A note of the command: a label (a key) with its text. Groups order the notes: 1 input files, 2 saved files, 3 saved
-/// variables.
+/// A note of the command: a label (a key) with its text. Groups order the notes: 1 input files, 2 saved
+/// files, 3 saved variables.
 void AddNotes(int group, std::string_view label, const BpCellText& text);
 /// The user's text of a dictionary key.
 std::string FacSTDictionaryLookUp(std::string_view key);

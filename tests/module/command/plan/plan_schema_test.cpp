@@ -18,7 +18,9 @@
 namespace tavo {
 // What the XML library itself leaves behind when it is used without a memory of its own, as these checks do.
 extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() { return "leak:libxerces-c-3.2\n"; }
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:libxerces-c-3.2\n";
+}
 
 namespace {
 
