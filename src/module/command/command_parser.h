@@ -8,7 +8,7 @@
 namespace tavo {
 
 /// Parses the tokens, reads the plan and checks both against the dictionary. Messages go out at the point of
-/// failure. The parser owns what the specification refers to and must outlive the specification's readers.
+/// failure. The parser owns what `specs` refers to and must outlive its readers.
 class TavoCommandParser {
  public:
   /// Everything is lent.

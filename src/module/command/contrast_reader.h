@@ -8,8 +8,8 @@
 
 namespace tavo {
 
-/// Adds the rows of an L matrix to the test. Effects are those of the specification, which must be complete.
-/// False after a message.
+/// Adds the rows of an L matrix to the test. Effects are those of the validated specs, which must be
+/// complete. False after a message.
 bool ReadLMatrix(ParseContext& context, const std::vector<host::TokenInfoObj>& tokens, OrvCustomTest& test);
 
 /// Sets K, one number per row: as many as the test has rows of L, or without rows the one value that the

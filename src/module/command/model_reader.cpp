@@ -23,7 +23,7 @@ std::vector<OrvModelEffect> MainEffects(const CommandPredictors& predictors) {
   return effects;
 }
 
-/// Hands the predictors that stand in an effect to the specification, and warns of the others.
+/// Hands the predictors that stand in an effect to the validated specs, and warns of the others.
 void SetUsedPredictors(ParseContext& context, const std::vector<OrvModelEffect>& effects) {
   const CommandPredictors& predictors = context.predictors;
   const MCCommonMath::MCBitSet used = OrvModelEffect::UsedPositions(effects);

@@ -12,9 +12,9 @@ namespace tavo {
 bool ReadModel(ParseContext& context, const std::vector<host::TokenInfoObj>& tokens,
                std::vector<OrvModelEffect>& effects);
 
-/// Settles the model once INTERCEPT is read and hands predictors and effects to the specification. `model` is
-/// the MODEL subcommand or null; `effects` are those it gave. Without it every predictor gets a main effect,
-/// covariates first. False after a message.
+/// Settles the model once INTERCEPT is read and hands predictors and effects to the validated specs. `model`
+/// is the MODEL subcommand or null; `effects` are those it gave. Without it every predictor gets a main
+/// effect, covariates first. False after a message.
 bool FixModel(ParseContext& context, const host::SubComObj* model, std::vector<OrvModelEffect> effects);
 
 }  // namespace tavo

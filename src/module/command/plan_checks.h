@@ -7,10 +7,10 @@
 namespace tavo {
 
 /// Checks that every variable of the plan exists, is numeric where a number is needed and has no role in the
-/// command that it can't have; turns the stages into the specification's and reads their matrices. Stages
-/// that would leave the estimation without weight, method or inclusion data are refused. `plan` has passed
-/// the checks of its reader; the command has been read, with `hasJointProbFile` when it names a file of joint
-/// probabilities. False after a message.
+/// command that it can't have; turns the stages into those of the validated specs and reads their matrices.
+/// Stages that would leave the estimation without weight, method or inclusion data are refused. `plan` has
+/// passed the checks of its reader; the command has been read, with `hasJointProbFile` when it names a file
+/// of joint probabilities. False after a message.
 bool ResolvePlan(ParseContext& context, const OrvPlanData& plan, bool hasJointProbFile);
 
 }  // namespace tavo

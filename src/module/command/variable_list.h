@@ -8,7 +8,7 @@
 
 namespace tavo {
 
-/// Reads `dependent [(reference)] [BY factors] [WITH covariates]` into the specification and the context's
+/// Reads `dependent [(reference)] [BY factors] [WITH covariates]` into the validated specs and the context's
 /// predictors. False after a message.
 bool ReadVariableList(ParseContext& context, const std::vector<host::TokenInfoObj>& tokens);
 

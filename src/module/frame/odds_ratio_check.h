@@ -7,9 +7,9 @@
 
 namespace tavo {
 
-/// Codes the categories that each request names and appends the requests' record forms to the specification.
-/// Call it once, after the first pass has collected the categories. A category that no case has is replaced
-/// by the highest one, with one warning per request for references and one for controls.
+/// Codes the categories that each request names and appends the requests' record forms to the validated
+/// specs. Call it once, after the first pass has collected the categories. A category that no case has is
+/// replaced by the highest one, with one warning per request for references and one for controls.
 void CheckOddsRatios(TavoValidSpecs& specs, OrvRegInputAdapter& adapter, const host::VORN_DataSource& source);
 
 }  // namespace tavo

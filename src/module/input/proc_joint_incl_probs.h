@@ -24,8 +24,8 @@ class OrvProcJointInclProbs final : public MCOrv::JointInclProbs {
   Error fError;
 };
 
-/// Opens and reads the file of joint inclusion probabilities of the specification. Null when that fails; the
-/// user has been told then.
+/// Opens and reads the file of joint inclusion probabilities that the validated specs name. Null when that
+/// fails; the user has been told then.
 std::unique_ptr<OrvProcJointInclProbs> ReadJointInclProbs(OrvInputAdapter& adapter,
                                                           const TavoValidSpecs& specs,
                                                           const host::VORN_DataSource& active);

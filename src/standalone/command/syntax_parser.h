@@ -29,7 +29,7 @@ class SyntaxParser {
   SyntaxParser(const std::vector<host::TokenInfoObj>& tokens, const host::CommandDescriptor& descriptor,
                host::CommandSpec& specification, MessageSink& messages);
 
-  /// True when the command fits its grammar; the specification then holds its subcommands in command order.
+  /// True when the command fits its grammar; its `CommandSpec` then holds its subcommands in command order.
   bool Parse();
 
  private:

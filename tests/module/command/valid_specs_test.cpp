@@ -115,7 +115,7 @@ TEST(ValidSpecs, EffectsInRecordFormReferToRecordColumns) {
   EXPECT_EQ(run.Specs().RecordEffects()[0].Predictors(), crossing.Predictors());
 }
 
-/// A variable that is stratum and factor at once can't come from a command, so the specification is filled by
+/// A variable that is stratum and factor at once can't come from a command, so the specs are filled by
 /// hand.
 TEST(ValidSpecs, AVariableThatIsStratumAndFactorTakesOneColumn) {
   standalone::Session session;

@@ -74,7 +74,7 @@ class UserCaseFileSpec {
 /// A case file that is open for reading. Nothing else shares its data source.
 class UserInputCaseFile {
  public:
-  /// Opens and checks the file that the specification names; null when that fails, and then `error` says what
+  /// Opens and checks the file that `spec` names; null when that fails, and then `error` says what
   /// is wrong and where, in the words that a user reads.
   static std::unique_ptr<UserInputCaseFile> Open(const UserCaseFileSpec& spec, std::string& error);
   ~UserInputCaseFile();
