@@ -1,4 +1,4 @@
-// One row of the likelihood: with scores and information, and without.
+// One row of the likelihood: with scores and information, and without; alone, and in a block of its pattern.
 
 #include <benchmark/benchmark.h>
 
@@ -55,6 +55,35 @@ void EvaluateRows(benchmark::State& state, bool likelihoodOnly) {
   state.SetItemsProcessed(state.iterations() * kRows);
 }
 
+/// The same row, as one of a pattern's: four constants, four columns.
+void EvaluateBlocks(benchmark::State& state, bool likelihoodOnly) {
+  const int categories = static_cast<int>(state.range(0));
+  const SparseRows rows = MakeRows();
+  tavo::TavoRowBlock block;
+  for (int e = 0; e < 4; ++e)
+    block.AddConstant(2 * e, 1.0);
+  for (std::size_t e = 4; e < kNonZeros; ++e)
+    block.AddColumn(static_cast<int>(2 * e), e);
+  block.SetRowCount(tavo::TavoRowBlock::kMaxRows);
+  for (std::size_t r = 0; r < block.RowCount(); ++r) {
+    block.Categories()[r] = static_cast<double>(r % static_cast<std::size_t>(categories));
+    block.Weights()[r] = 1.5;
+    for (std::size_t v = 0; v < block.ColumnCount(); ++v)
+      block.Column(v)[r] = rows.values[r][block.Source(v)];
+  }
+  const tavo::TavoCompSettings settings;
+  const std::vector<double> estimates(static_cast<std::size_t>((categories - 1) * kParameters), 0.1);
+  tavo::TavoAccumStats sums(settings, kParameters, categories, estimates);
+  for (auto _ : state) {
+    sums.Reset(0, false);
+    for (std::size_t r = 0; r < kRows; r += block.RowCount()) {
+      if (sums.UpdateForBlock(block, likelihoodOnly) != 0) state.SkipWithError("a block was refused");
+    }
+    benchmark::DoNotOptimize(sums.LogLikelihood());
+  }
+  state.SetItemsProcessed(state.iterations() * kRows);
+}
+
 void EvaluateFully(benchmark::State& state) {
   EvaluateRows(state, false);
 }
@@ -62,7 +91,16 @@ void EvaluateLikelihood(benchmark::State& state) {
   EvaluateRows(state, true);
 }
 
+void EvaluateBlocksFully(benchmark::State& state) {
+  EvaluateBlocks(state, false);
+}
+void EvaluateBlocksLikelihood(benchmark::State& state) {
+  EvaluateBlocks(state, true);
+}
+
 BENCHMARK(EvaluateFully)->Arg(2)->Arg(5);
+BENCHMARK(EvaluateBlocksFully)->Arg(2)->Arg(5);
 BENCHMARK(EvaluateLikelihood)->Arg(2)->Arg(5);
+BENCHMARK(EvaluateBlocksLikelihood)->Arg(2)->Arg(5);
 
 }  // namespace

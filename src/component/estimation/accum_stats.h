@@ -4,7 +4,9 @@
 #include <memory>
 #include <vector>
 
+#include "estimation/block_probabilities.h"
 #include "estimation/numerics/sym_matrix.h"
+#include "estimation/row_block.h"
 #include "estimation/sparse_vector.h"
 #include "input/comp_settings.h"
 
@@ -59,6 +61,10 @@ class TavoAccumStats {
   /// category out of range, weight not above 0).
   virtual int UpdateForRow(const std::vector<int>& indices, const std::vector<double>& values, int category,
                            double weight, bool likelihoodOnly);
+  /// Adds the rows of a block: the same sums, many rows at a time, but for rounding. A block with a row whose
+  /// predictors aren't finite goes through UpdateForRow, which says what they count for. 0, or -1 with a
+  /// refused row among them. Memory that runs out throws std::bad_alloc.
+  int UpdateForBlock(const TavoRowBlock& block, bool likelihoodOnly);
   /// Probabilities of all categories and the log-probability of the reference, safe for any size of the
   /// linear predictors. False for unusable arguments.
   virtual bool ComputeProbabilities(const OrvSparseVector& row, const std::vector<double>& parameters,
@@ -107,6 +113,13 @@ class TavoAccumStats {
   void NoteProbabilities(double observed);
   void AddScoresAndInformation(const OrvSparseVector& row, int category, double weight);
   bool HasSameShape(const TavoAccumStats& other) const;
+  bool IsAcceptable(const TavoRowBlock& block) const;
+  int UpdateForRowsOf(const TavoRowBlock& block, bool likelihoodOnly);
+  void NoteProbabilitiesOf(const TavoRowBlock& block);
+  void AddLogLikelihoodOf(const TavoRowBlock& block);
+  void AddScoresAndInformationOf(const TavoRowBlock& block);
+
+  TavoBlockProbabilities fBlockProbabilities;  // of the block at work
 };
 
 }  // namespace tavo

@@ -11,6 +11,7 @@
 #include "estimation/numerics/sym_matrix.h"
 #include "estimation/rank_update.h"
 #include "estimation/regr_parameter.h"
+#include "estimation/row_block.h"
 #include "frame/orv_cancel_info.h"
 #include "frame/orv_status.h"
 #include "input/comp_settings.h"
@@ -62,6 +63,12 @@ class TavoModel {
   /// they keep their capacity.
   virtual void BuildSparseRow(const double* patternRow, const std::vector<int>& parameters,
                               std::vector<int>& indices, std::vector<double>& values) const;
+  /// The same for many rows of a pattern: StartBlock gives the block its entries, FillBlock the values of up
+  /// to TavoRowBlock::kMaxRows pattern rows that lie end to end. A row's zeros may stay among its entries.
+  /// Memory that runs out throws std::bad_alloc.
+  void StartBlock(const std::vector<int>& parameters, TavoRowBlock& block) const;
+  void FillBlock(const double* patternRows, std::size_t rowLength, std::size_t rows,
+                 TavoRowBlock& block) const;
   /// Takes the estimates of the kept parameters and the inverse of their information, both on the internal
   /// scale. 91000 when their sizes don't fit the kept parameters, 95045, 1.
   OrvStatus SetEstimates(const std::vector<double>& estimates, const MCSymMatrix& hessianInverse);
@@ -175,6 +182,8 @@ class TavoModel {
   void RepeatForOtherLogits();
   void AllocateMatrices();
   double DesignValue(const double* row, std::size_t effect, bool usePatternOffsets) const;
+  void FillColumn(const double* patternRows, std::size_t rowLength, std::size_t rows, std::size_t effect,
+                  double* column) const;
   bool FindParameters(const double* dataRow) const;
   bool FillScoringRow(const double* dataRow);
   void EvaluateScoringRow(std::vector<double>& probabilities, int& local);

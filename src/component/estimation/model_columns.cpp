@@ -1,4 +1,5 @@
 // Design columns: their values, which of them depend on others, and the start values of the fit.
+#include <algorithm>
 #include <cmath>
 
 #include "estimation/model.h"
@@ -129,6 +130,47 @@ void TavoModel::BuildSparseRow(const double* patternRow, const std::vector<int>&
     indices.push_back(0);
     values.push_back(0.0);
   }
+}
+
+void TavoModel::StartBlock(const std::vector<int>& parameters, TavoRowBlock& block) const {
+  block.Clear();
+  for (std::size_t e = 0; e < parameters.size(); ++e) {
+    const std::size_t k = static_cast<std::size_t>(parameters[e]);
+    if (k >= fCompressedIndex.size() || fCompressedIndex[k] < 0) continue;
+    if (fFirstTerm[e] == fFirstTerm[e + 1]) {
+      block.AddConstant(fCompressedIndex[k], fConstantValues[e]);
+    } else {
+      block.AddColumn(fCompressedIndex[k], e);
+    }
+  }
+}
+
+void TavoModel::FillBlock(const double* patternRows, std::size_t rowLength, std::size_t rows,
+                          TavoRowBlock& block) const {
+  block.SetRowCount(rows);
+  const double* row = patternRows;
+  for (std::size_t r = 0; r < rows; ++r, row += rowLength) {
+    block.Categories()[r] = row[fPatternLayout.response];
+    block.Weights()[r] = row[fPatternLayout.weight];
+  }
+  for (std::size_t v = 0; v < block.ColumnCount(); ++v)
+    FillColumn(patternRows, rowLength, rows, block.Source(v), block.Column(v));
+}
+
+// What DesignValue answers, for many rows.
+void TavoModel::FillColumn(const double* patternRows, std::size_t rowLength, std::size_t rows,
+                           std::size_t effect, double* column) const {
+  const double scale = fEffectScales[effect];
+  std::fill(column, column + rows, scale == 0 ? 0.0 : 1.0);
+  if (scale == 0) return;
+  for (std::size_t t = fFirstTerm[effect]; t < fFirstTerm[effect + 1]; ++t) {
+    const double* cell = patternRows + fCovariateTerms[t].patternOffset;
+    for (std::size_t r = 0; r < rows; ++r, cell += rowLength)
+      column[r] *= Power(*cell, fCovariateTerms[t].power);
+  }
+  const double centre = fNIntercepts > 0 ? fEffectCentres[effect] : 0.0;
+  for (std::size_t r = 0; r < rows; ++r)
+    column[r] = (column[r] - centre) / scale;
 }
 
 }  // namespace tavo

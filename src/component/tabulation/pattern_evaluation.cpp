@@ -11,8 +11,8 @@ namespace tavo {
 
 namespace {
 
-// Asking a stop source costs a call, so inside a pattern it is asked only now and then.
-constexpr std::size_t kRowsBetweenStopChecks = 1024;
+// Below this many rows a block costs more to set up than it saves.
+constexpr std::size_t kShortRun = 16;
 
 OrvStatus OutOfMemory() {
   return OrvStatus::Error(StatusCode::kTooManyParameters);
@@ -171,17 +171,36 @@ OrvStatus TavoPatternTabulator::EvaluatePattern(const Pattern& pattern, std::siz
                                                 PatternWalk& walk, TavoAccumStats& accumulator) const {
   if (first >= last) return OrvStatus();
   ParametersOfPattern(pattern, walk);
-  const double* row = pattern.payload.RecordData().data() + first * fRowLength;
-  for (std::size_t i = first; i < last; ++i, row += fRowLength) {
-    if ((i - first) % kRowsBetweenStopChecks == kRowsBetweenStopChecks - 1 && fCancel.IsCancelled()) break;
+  const double* const rows = pattern.payload.RecordData().data() + first * fRowLength;
+  const bool isShort = last - first < kShortRun;
+  const bool isAdded = isShort ? EvaluateRowByRow(rows, last - first, walk, accumulator)
+                               : EvaluateInBlocks(rows, last - first, walk, accumulator);
+  return isAdded ? OrvStatus() : OrvStatus::Error(StatusCode::kUserError);
+}
+
+bool TavoPatternTabulator::EvaluateRowByRow(const double* rows, std::size_t count, PatternWalk& walk,
+                                            TavoAccumStats& accumulator) const {
+  const double* row = rows;
+  for (std::size_t i = 0; i < count; ++i, row += fRowLength) {
     fpModel->BuildSparseRow(row, walk.parameters, walk.indices, walk.values);
     const int category = static_cast<int>(row[0]);
     const double weight = row[fRowLength - 1];
     if (accumulator.UpdateForRow(walk.indices, walk.values, category, weight, fbLikelihoodOnly) < 0) {
-      return OrvStatus::Error(StatusCode::kUserError);
+      return false;
     }
   }
-  return OrvStatus();
+  return true;
+}
+
+bool TavoPatternTabulator::EvaluateInBlocks(const double* rows, std::size_t count, PatternWalk& walk,
+                                            TavoAccumStats& accumulator) const {
+  fpModel->StartBlock(walk.parameters, walk.block);
+  for (std::size_t done = 0; done < count && !fCancel.IsCancelled(); done += TavoRowBlock::kMaxRows) {
+    const std::size_t share = std::min(count - done, TavoRowBlock::kMaxRows);
+    fpModel->FillBlock(rows + done * fRowLength, fRowLength, share, walk.block);
+    if (accumulator.UpdateForBlock(walk.block, fbLikelihoodOnly) < 0) return false;
+  }
+  return true;
 }
 
 }  // namespace tavo

@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "estimation/row_block.h"
 #include "frame/orv_cancel_info.h"
 #include "frame/orv_status.h"
 #include "input/comp_settings.h"
@@ -84,6 +85,7 @@ class TavoPatternTabulator {
     std::vector<int> parameters;  // by model effect
     std::vector<int> indices;     // of the sparse design row
     std::vector<double> values;
+    TavoRowBlock block;
   };
 
   bool TakeLayout(OrvFactorTables& tables, const TavoModel& model);
@@ -100,6 +102,11 @@ class TavoPatternTabulator {
   OrvStatus EvaluateRange(int slice, TavoAccumStats& accumulator) const;
   OrvStatus EvaluatePattern(const Pattern& pattern, std::size_t first, std::size_t last, PatternWalk& walk,
                             TavoAccumStats& accumulator) const;
+  /// False for a refused row. The two differ in speed only.
+  bool EvaluateRowByRow(const double* rows, std::size_t count, PatternWalk& walk,
+                        TavoAccumStats& accumulator) const;
+  bool EvaluateInBlocks(const double* rows, std::size_t count, PatternWalk& walk,
+                        TavoAccumStats& accumulator) const;
 
   const TavoCompSettings& fSettings;
   const OrvRecordExtractor& fRowExtractor;

@@ -1,0 +1,94 @@
+#include "estimation/block_probabilities.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "estimation/numerics/vector_kernels.h"
+
+namespace tavo {
+
+namespace vectors = MCCommonMath::vectors;
+
+bool TavoBlockProbabilities::Evaluate(const TavoRowBlock& block, const double* parameters,
+                                      std::size_t categories, std::size_t parameterCount) {
+  fNRows = block.RowCount();
+  fNCategories = categories;
+  fValues.resize(std::max(fValues.size(), categories * TavoRowBlock::kMaxRows));
+  const std::size_t logits = categories - 1;
+  for (std::size_t j = 0; j < logits; ++j)
+    block.LinearPredictors(parameters + j * parameterCount, Values(j));
+  std::fill(Values(logits), Values(logits) + fNRows, 0.0);
+  if (!FindHighestPredictors()) return false;
+  CopyObserved(block, fLogObserved);
+  TakeExponentials();
+  TakeLogObserved();
+  Normalise();
+  CopyObserved(block, fObserved);
+  return true;
+}
+
+bool TavoBlockProbabilities::FindHighestPredictors() {
+  std::fill(fHighest.begin(), fHighest.end(), 0.0);
+  double* const highest = fHighest.data();
+  double unbounded = 0;
+  for (std::size_t j = 0; j + 1 < fNCategories; ++j) {
+    const double* const predictors = Of(j);
+    for (std::size_t r = 0; r < fNRows; ++r) {
+      const double predictor = predictors[r];
+      highest[r] = predictor > highest[r] ? predictor : highest[r];
+      unbounded += std::abs(predictor) <= std::numeric_limits<double>::max() ? 0.0 : 1.0;
+    }
+  }
+  return unbounded == 0;
+}
+
+// Relative to the row's highest predictor, so that none overflows. That one's own is exactly 1 and is left
+// out of the sum of the others, which keeps its digits beside it.
+void TavoBlockProbabilities::TakeExponentials() {
+  std::fill(fOthers.begin(), fOthers.end(), 0.0);
+  std::fill(fTies.begin(), fTies.end(), -1.0);
+  const double* const highest = fHighest.data();
+  double* const others = fOthers.data();
+  double* const ties = fTies.data();
+  for (std::size_t c = 0; c < fNCategories; ++c) {
+    double* const values = Values(c);
+    for (std::size_t r = 0; r < fNRows; ++r)
+      values[r] -= highest[r];
+    vectors::Exp(values, fNRows);
+    for (std::size_t r = 0; r < fNRows; ++r) {
+      others[r] += values[r] < 1 ? values[r] : 0.0;
+      ties[r] += values[r] < 1 ? 0.0 : 1.0;
+    }
+  }
+  for (std::size_t r = 0; r < fNRows; ++r)
+    others[r] += ties[r];
+}
+
+// On entry the predictors of the observed categories.
+void TavoBlockProbabilities::TakeLogObserved() {
+  double* const logs = fTies.data();  // free again
+  std::copy(fOthers.data(), fOthers.data() + fNRows, logs);
+  vectors::Log1p(logs, fNRows);
+  for (std::size_t r = 0; r < fNRows; ++r)
+    fLogObserved[r] -= logs[r] + fHighest[r];
+}
+
+void TavoBlockProbabilities::Normalise() {
+  const double* const others = fOthers.data();
+  for (std::size_t c = 0; c < fNCategories; ++c) {
+    double* const values = Values(c);
+    for (std::size_t r = 0; r < fNRows; ++r) {
+      const double probability = values[r] / (1 + others[r]);
+      values[r] = probability < std::numeric_limits<double>::min() ? 0.0 : probability;
+    }
+  }
+}
+
+void TavoBlockProbabilities::CopyObserved(const TavoRowBlock& block, RowVector& observed) const {
+  const double* const categories = block.Categories();
+  for (std::size_t r = 0; r < fNRows; ++r)
+    observed[r] = Of(static_cast<std::size_t>(categories[r]))[r];
+}
+
+}  // namespace tavo
