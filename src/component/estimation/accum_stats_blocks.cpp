@@ -46,8 +46,8 @@ int TavoAccumStats::UpdateForRowsOf(const TavoRowBlock& block, bool likelihoodOn
 }
 
 void TavoAccumStats::NoteProbabilitiesOf(const TavoRowBlock& block) {
-  const auto [least, most] = std::minmax_element(fBlockProbabilities.Observed(),
-                                                 fBlockProbabilities.Observed() + block.RowCount());
+  const auto [least, most] =
+      std::minmax_element(fBlockProbabilities.Observed(), fBlockProbabilities.Observed() + block.RowCount());
   if (least == fBlockProbabilities.Observed() + block.RowCount()) return;
   fMinObserved = std::min(fMinObserved, *least);
   fMaxObserved = std::max(fMaxObserved, *most);

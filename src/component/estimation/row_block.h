@@ -55,7 +55,7 @@ class TavoRowBlock {
   std::vector<double> fConstantValues;
   std::vector<int> fColumnIndices;
   std::vector<std::size_t> fSources;
-  std::vector<double> fColumns;  // ColumnCount times kMaxRows
+  std::vector<double> fColumns;                                     // ColumnCount times kMaxRows
   std::vector<double> fCategories = std::vector<double>(kMaxRows);  // local indices, whole numbers
   std::vector<double> fWeights = std::vector<double>(kMaxRows);
   mutable std::vector<double> fScaled = std::vector<double>(kMaxRows);  // work

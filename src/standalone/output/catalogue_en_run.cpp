@@ -68,7 +68,7 @@ constexpr std::array kEntries = {
     CatalogueEntry{
         "Variance for all parameters is zero",
         "The design gives every parameter a variance of zero, so nothing can be tested. Check that each "
-        "stratum has more than one unit."},
+        "stratum has more than one unit, and take from a covariate that lies far from 0 its mean."},
     CatalogueEntry{
         "Atleast one estimate was negative",
         "The estimated variance of at least one parameter is negative, which the variance of unequal "

@@ -110,13 +110,14 @@ TEST(RowBlock, ForgetsThePatternBefore) {
 struct TwoWays {
   TwoWays(const TavoRowBlock& block, int categories, const std::vector<double>& estimates,
           bool likelihoodOnly = false)
-      : whole(settings, kParameters, categories, estimates), rows(settings, kParameters, categories, estimates) {
+      : whole(settings, kParameters, categories, estimates),
+        rows(settings, kParameters, categories, estimates) {
     whole.Reset(0, true);
     rows.Reset(0, true);
     EXPECT_EQ(whole.UpdateForBlock(block, likelihoodOnly), 0);
     ForEachRow(block, [&](const std::vector<int>& indices, const std::vector<double>& values, std::size_t r) {
-      EXPECT_EQ(rows.UpdateForRow(indices, values, static_cast<int>(block.Categories()[r]), block.Weights()[r],
-                                  likelihoodOnly),
+      EXPECT_EQ(rows.UpdateForRow(indices, values, static_cast<int>(block.Categories()[r]),
+                                  block.Weights()[r], likelihoodOnly),
                 0);
     });
   }

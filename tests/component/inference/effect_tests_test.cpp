@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "effect_bench.h"
@@ -562,6 +563,24 @@ TEST(EffectTests, OfACovariateFarFromZeroBesideItsSlopesKeepExactContrasts) {
   EXPECT_TRUE(run.Output()
                   .TestCustom(test, tavo::TestType::WaldF, tavo::PAdjustMethod::Sidak, L, rows, overall)
                   .IsOK());
+}
+
+TEST(EffectTests, OfCovariatesFarFromZeroBesideTheirSlopesKeepTheirDigits) {
+  // Neither column is centred then, and both are nearly collinear with the intercept: a calendar year in a
+  // survey of a few years lies 2000 standard deviations from 0.
+  auto cases = Survey(600, {3, 3}, 1, 2, 5, NoHoles);
+  for (Case& c : cases)  // so that the shifts below are exact
+    c.covariates[0] = std::ldexp(std::nearbyint(std::ldexp(c.covariates[0], 24)), -24);
+  const FittedModel plain(cases, kTwoWay);
+  const std::vector<int> effects = {-2, 3, 4};
+  for (const auto& [distance, tolerance] :
+       {std::pair(100, 1e-9), std::pair(2000, 1e-7), std::pair(20000, 1e-4)}) {
+    auto shifted = cases;
+    for (Case& c : shifted)
+      c.covariates[0] += distance;
+    ExpectSameTests(plain, FittedModel(shifted, kTwoWay), effects, effects, std::to_string(distance),
+                    tolerance);
+  }
 }
 
 }  // namespace

@@ -45,6 +45,20 @@ TEST(ComputeGMG, KeepsAZeroRowZeroWhateverMHoldsThere) {
   EXPECT_EQ(v.GetElem(1, 0), 0.0);
 }
 
+TEST(ComputeGMG, OfNearlyCollinearColumnsKeepsItsDigits) {
+  // G = C C' and M = inverse(C') A inverse(C) with C = [[k, 0], [-k, 1]], so that G M G = C A C'. It is
+  // large, k squared times 2, but for the sum of both parameters, whose variance is 1.7. Multiplied as it
+  // stands, rounding in G M G is of the size of k to the fourth times a machine epsilon.
+  const double k = 49153;
+  MCSymMatrix g(2);
+  g.AsVector() = {k * k, -k * k, k * k + 1};
+  const Vector m{(2 / k + 0.3) / k + 0.3 / k + 1.7, 0.3 / k + 1.7, 1.7};
+  MCSymMatrix v;
+  ASSERT_TRUE(g.ComputeGMG(m, v));
+  EXPECT_NEAR(v.GetElem(0, 0) + 2 * v.GetElem(1, 0) + v.GetElem(1, 1), 1.7, 1e-4);
+  EXPECT_NEAR(v.GetElem(0, 0) / (k * k), 2.0, 1e-6);
+}
+
 TEST(ComputeGMG, RefusesSizesThatDoNotMatchAndTakesAnEmptyMatrix) {
   MCSymMatrix v(2);
   EXPECT_FALSE(MCSymMatrix(2).ComputeGMG({1, 0}, v));

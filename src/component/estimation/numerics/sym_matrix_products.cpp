@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
+#include <span>
 #include <utility>
 
 #include "bit_set.h"
 #include "dense_kernels.h"
+#include "rect_matrix.h"
 #include "sym_matrix.h"
 
 namespace MCCommonMath {
@@ -68,7 +70,7 @@ void ForEachPanelOfGM(const RestrictedSymmetric& g, const RestrictedSymmetric& m
 }
 
 // Row i, column j of the panel's matrix stands at (kept[first + i], kept[j]) of the packed triangle.
-void StoreRestrictedLower(const Panel& panel, int first, const std::vector<int>& kept,
+void StoreRestrictedLower(const Panel& panel, int first, std::span<const int> kept,
                           std::vector<double>& packed) {
   for (int r = 0; r < panel.fNRows; ++r) {
     const int row = first + r;
@@ -77,6 +79,74 @@ void StoreRestrictedLower(const Panel& panel, int first, const std::vector<int>&
       packedRow[kept[static_cast<std::size_t>(j)]] = panel.At(r, j);
     }
   }
+}
+
+// The matrix on its kept rows. False when memory ran out.
+bool CopyRestricted(const RestrictedSymmetric& s, MCSymMatrix& copy) {
+  if (!copy.SetNRows(s.Size())) {
+    return false;
+  }
+  double* element = copy.AsVector().data();
+  for (int i = 0; i < s.Size(); ++i) {
+    for (int j = 0; j <= i; ++j) {
+      *element++ = s.At(i, j);
+    }
+  }
+  return true;
+}
+
+// A lower triangle, or its transpose, with zeros elsewhere. False when memory ran out.
+bool CopyTriangle(const MCSymMatrix& factor, bool isTransposed, MCRectMatrix& copy) {
+  const int n = factor.GetNRows();
+  if (!copy.SetNRowsCols(n, n)) {
+    return false;
+  }
+  const double* element = factor.AsVectorConst().data();
+  for (int i = 0; i < n; ++i) {
+    for (int j = 0; j <= i; ++j, ++element) {
+      copy.SetElem(isTransposed ? j : i, isTransposed ? i : j, *element);
+    }
+  }
+  return true;
+}
+
+// G M G as C (C' M C) C' with G = C C', C lower triangular. Where columns of the design are nearly collinear,
+// G is large and M small in the same directions. G M G multiplied as it stands loses there the square of what
+// inverting the information lost; C' M C is of the size of what it stands for, and only loses as much again.
+// False, with nothing written, when rounding leaves G without such a factor, or memory ran out.
+bool MultiplyByFactors(const RestrictedSymmetric& g, const RestrictedSymmetric& m, MCSymMatrix& product) {
+  MCSymMatrix factor;
+  MCSymMatrix square;
+  MCSymMatrix inner;
+  MCRectMatrix rows;
+  double measure = 0.0;
+  const bool isDone = CopyRestricted(g, factor) && factor.LTChol(0.0, measure, true) == 0 &&
+                      CopyRestricted(m, square) && CopyTriangle(factor, true, rows) &&
+                      square.ComputeRSRTrans(rows, inner) && CopyTriangle(factor, false, rows) &&
+                      inner.ComputeRSRTrans(rows, square);
+  if (!isDone) {
+    return false;
+  }
+  const double* element = square.AsVectorConst().data();
+  for (int i = 0; i < g.Size(); ++i) {
+    double* packedRow =
+        product.AsVector().data() + MCSymMatrixData::PackedSize(g.fKept[static_cast<std::size_t>(i)]);
+    for (int j = 0; j <= i; ++j) {
+      packedRow[g.fKept[static_cast<std::size_t>(j)]] = *element++;
+    }
+  }
+  return true;
+}
+
+// G M G panel by panel, for a G of any kind.
+void MultiplyDirectly(const RestrictedSymmetric& g, const RestrictedSymmetric& m, MCSymMatrix& product) {
+  PanelBuffer work(g.Size());
+  PanelBuffer gmgBuffer(g.Size());
+  ForEachPanelOfGM(g, m, [&](int first, const Panel&, const Panel& gmRows) {
+    const Panel gmgRows = gmgBuffer.Shape(gmRows.fNRows, first + gmRows.fNRows);
+    dense::MultiplyBySymmetric(gmRows, g, work, gmgRows);
+    StoreRestrictedLower(gmgRows, first, g.fKept, product.AsVector());
+  });
 }
 
 // The diagonal of G M G.
@@ -224,13 +294,9 @@ bool MCSymMatrix::ComputeGMG(const std::vector<double>& central, MCSymMatrix& re
     }
     const std::vector<int> kept = NonZeroRows(AsVectorConst(), n);
     const RestrictedSymmetric g{AsVectorConst(), kept};
-    PanelBuffer work(g.Size());
-    PanelBuffer gmgBuffer(g.Size());
-    ForEachPanelOfGM(g, {central, kept}, [&](int first, const Panel&, const Panel& gmRows) {
-      const Panel gmgRows = gmgBuffer.Shape(gmRows.fNRows, first + gmRows.fNRows);
-      dense::MultiplyBySymmetric(gmRows, g, work, gmgRows);
-      StoreRestrictedLower(gmgRows, first, kept, product.AsVector());
-    });
+    if (!MultiplyByFactors(g, {central, kept}, product)) {
+      MultiplyDirectly(g, {central, kept}, product);
+    }
     result = std::move(product);
     return true;
   } catch (const std::exception&) {
