@@ -28,7 +28,7 @@ class OrvVariances {
   explicit OrvVariances(int variables = 0) : fValues(4 * static_cast<std::size_t>(variables), 0.0) {}
   int Variables() const { return static_cast<int>(fValues.size() / 4); }
   /// The four numbers of a variable.
-  const double* Values(int variable) const { return fValues.data() + 4 * variable; }
+  const double* Values(int variable) const { return fValues.data() + std::ptrdiff_t{4} * variable; }
 
   /// One unit's totals; a missing value is skipped.
   void AddUnit(const std::vector<double>& totals);

@@ -108,7 +108,7 @@ TavoAccumStats::TavoAccumStats(const TavoCompSettings& settings, int parameters,
   }
   fHessian = OrvSymStructure(categories - 1, parameters);
   fbValid = fHessian.IsValid();
-  Reset(0, false);
+  TavoAccumStats::Reset(0, false);  // a derived class is not there yet
 }
 
 void TavoAccumStats::Reset(int method, bool separationCheck) {
