@@ -26,6 +26,9 @@ using MCCommonMath::MCSymMatrix;
 
 class OrvFactorTables;
 
+/// The design columns that a block of rows holds.
+enum class BlockColumns { kKept, kAll };
+
 /// A baseline-category logit. With K response categories, the reference last, there are K-1 logits, each with
 /// the same p basic design columns; logit j of a row x is x'b_j, and category j has probability exp(x'b_j) /
 /// (1 + sum over all logits). The list of all parameters is the basic list repeated K-1 times: parameter j*p
@@ -37,8 +40,8 @@ class OrvFactorTables;
 ///
 /// Calling order: SetRecordLayout, SetupDependent, BuildParameters, AddPatternToXPrimeX for each row,
 /// FindRedundancies, GetInitialEstimates, SetCaseCounts, the optimizer with BuildSparseRow, SetEstimates, the
-/// design pass with ComputeCaseScores or AddCaseScores, ScaleSRSCovariance. BuildSparseRow and ParameterValue
-/// may be called from several threads at once; everything else from one.
+/// design pass with ComputeCaseScores or AddCaseScores, ScaleSRSCovariance. BuildSparseRow, StartBlock,
+/// FillBlock and ParameterValue may be called from several threads at once; everything else from one.
 class TavoModel {
  public:
   /// Settings and cancel object are lent.
@@ -54,6 +57,8 @@ class TavoModel {
   virtual OrvStatus BuildParameters(int maxCount);
   /// Adds one pattern row to X'WX; `parameters` holds one basic parameter index per model effect.
   virtual bool AddPatternToXPrimeX(const double* patternRow, const std::vector<int>& parameters);
+  /// The same for the rows of a block that was started with all columns.
+  bool AddBlockToXPrimeX(const TavoRowBlock& block);
   /// Sweeps X'WX: a column that depends on earlier ones is aliased. 95004, 95005, 1.
   virtual OrvStatus FindRedundancies();
   /// Start values of the kept parameters: the exact solution of the model with intercepts only.
@@ -63,10 +68,11 @@ class TavoModel {
   /// they keep their capacity.
   virtual void BuildSparseRow(const double* patternRow, const std::vector<int>& parameters,
                               std::vector<int>& indices, std::vector<double>& values) const;
-  /// The same for many rows of a pattern: StartBlock gives the block its entries, FillBlock the values of up
-  /// to TavoRowBlock::kMaxRows pattern rows that lie end to end. A row's zeros may stay among its entries.
-  /// Memory that runs out throws std::bad_alloc.
-  void StartBlock(const std::vector<int>& parameters, TavoRowBlock& block) const;
+  /// The same for many rows of a pattern: StartBlock gives the block its entries, those of the kept columns
+  /// under their compressed indices or those of all columns under their basic ones; FillBlock gives it the
+  /// values of up to TavoRowBlock::kMaxRows pattern rows that lie end to end. A row's zeros may stay among
+  /// its entries. Memory that runs out throws std::bad_alloc.
+  void StartBlock(const std::vector<int>& parameters, BlockColumns which, TavoRowBlock& block) const;
   void FillBlock(const double* patternRows, std::size_t rowLength, std::size_t rows,
                  TavoRowBlock& block) const;
   /// Takes the estimates of the kept parameters and the inverse of their information, both on the internal
@@ -184,6 +190,7 @@ class TavoModel {
   double DesignValue(const double* row, std::size_t effect, bool usePatternOffsets) const;
   void FillColumn(const double* patternRows, std::size_t rowLength, std::size_t rows, std::size_t effect,
                   double* column) const;
+  bool TakesXPrimeX() const;
   bool FindParameters(const double* dataRow) const;
   bool FillScoringRow(const double* dataRow);
   void EvaluateScoringRow(std::vector<double>& probabilities, int& local);

@@ -51,11 +51,12 @@ double TavoModel::DesignValue(const double* row, std::size_t effect, bool usePat
   return value / scale;
 }
 
+bool TavoModel::TakesXPrimeX() const {
+  return fbStructureReady && !fbBuilt && fpXPrimeX != nullptr && !fCancel.IsCancelled();
+}
+
 bool TavoModel::AddPatternToXPrimeX(const double* patternRow, const std::vector<int>& parameters) {
-  if (!fbStructureReady || fbBuilt || patternRow == nullptr || fpXPrimeX == nullptr ||
-      fCancel.IsCancelled()) {
-    return false;
-  }
+  if (!TakesXPrimeX() || patternRow == nullptr) return false;
   if (parameters.size() != static_cast<std::size_t>(fNEffects)) return false;
   fWorkValues.clear();
   for (std::size_t e = 0; e < parameters.size(); ++e)
@@ -63,6 +64,13 @@ bool TavoModel::AddPatternToXPrimeX(const double* patternRow, const std::vector<
   if (!fpXPrimeX->UpdateXXSparse(fNEffects, parameters, fWorkValues, patternRow[fPatternLayout.weight]))
     return false;
   ++fNRecordsAdded;
+  return true;
+}
+
+bool TavoModel::AddBlockToXPrimeX(const TavoRowBlock& block) {
+  if (!TakesXPrimeX() || block.MaxIndexPlusOne() > BasicParameterCount()) return false;
+  block.AddOuterTo(*fpXPrimeX, block.Weights());
+  fNRecordsAdded += static_cast<int>(block.RowCount());
   return true;
 }
 
@@ -132,15 +140,18 @@ void TavoModel::BuildSparseRow(const double* patternRow, const std::vector<int>&
   }
 }
 
-void TavoModel::StartBlock(const std::vector<int>& parameters, TavoRowBlock& block) const {
+void TavoModel::StartBlock(const std::vector<int>& parameters, BlockColumns which,
+                           TavoRowBlock& block) const {
   block.Clear();
   for (std::size_t e = 0; e < parameters.size(); ++e) {
     const std::size_t k = static_cast<std::size_t>(parameters[e]);
-    if (k >= fCompressedIndex.size() || fCompressedIndex[k] < 0) continue;
+    if (k >= fBasicParameters.size()) continue;
+    const int index = which == BlockColumns::kAll ? parameters[e] : fCompressedIndex[k];
+    if (index < 0) continue;
     if (fFirstTerm[e] == fFirstTerm[e + 1]) {
-      block.AddConstant(fCompressedIndex[k], fConstantValues[e]);
+      block.AddConstant(index, fConstantValues[e]);
     } else {
-      block.AddColumn(fCompressedIndex[k], e);
+      block.AddColumn(index, e);
     }
   }
 }

@@ -11,9 +11,6 @@ namespace tavo {
 
 namespace {
 
-// Below this many rows a block costs more to set up than it saves.
-constexpr std::size_t kShortRun = 16;
-
 OrvStatus OutOfMemory() {
   return OrvStatus::Error(StatusCode::kTooManyParameters);
 }
@@ -194,7 +191,7 @@ bool TavoPatternTabulator::EvaluateRowByRow(const double* rows, std::size_t coun
 
 bool TavoPatternTabulator::EvaluateInBlocks(const double* rows, std::size_t count, PatternWalk& walk,
                                             TavoAccumStats& accumulator) const {
-  fpModel->StartBlock(walk.parameters, walk.block);
+  fpModel->StartBlock(walk.parameters, BlockColumns::kKept, walk.block);
   for (std::size_t done = 0; done < count && !fCancel.IsCancelled(); done += TavoRowBlock::kMaxRows) {
     const std::size_t share = std::min(count - done, TavoRowBlock::kMaxRows);
     fpModel->FillBlock(rows + done * fRowLength, fRowLength, share, walk.block);

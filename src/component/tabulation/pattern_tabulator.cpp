@@ -165,14 +165,29 @@ OrvStatus TavoPatternTabulator::ReplayPatterns(TavoModel& model) {
   PatternWalk walk;
   for (const Pattern* pattern : fPatterns) {
     if (fCancel.IsCancelled()) break;
-    ParametersOfPattern(*pattern, walk);
-    const double* row = pattern->payload.RecordData().data();
-    for (std::size_t i = 0; i < RowsOf(*pattern); ++i, row += fRowLength) {
-      if (model.AddPatternToXPrimeX(row, walk.parameters)) continue;
-      return OrvStatus::Error(fCancel.IsCancelled() ? StatusCode::kCancelled : StatusCode::kUserError);
-    }
+    if (ReplayPattern(*pattern, model, walk)) continue;
+    return OrvStatus::Error(fCancel.IsCancelled() ? StatusCode::kCancelled : StatusCode::kUserError);
   }
   return fCancel.IsCancelled() ? OrvStatus::Error(StatusCode::kCancelled) : OrvStatus();
+}
+
+bool TavoPatternTabulator::ReplayPattern(const Pattern& pattern, TavoModel& model, PatternWalk& walk) const {
+  const std::size_t count = RowsOf(pattern);
+  const double* const rows = pattern.payload.RecordData().data();
+  ParametersOfPattern(pattern, walk);
+  bool isAdded = true;
+  if (count < kShortRun) {
+    for (std::size_t i = 0; i < count && isAdded; ++i)
+      isAdded = model.AddPatternToXPrimeX(rows + i * fRowLength, walk.parameters);
+    return isAdded;
+  }
+  model.StartBlock(walk.parameters, BlockColumns::kAll, walk.block);
+  for (std::size_t done = 0; done < count && isAdded; done += TavoRowBlock::kMaxRows) {
+    const std::size_t share = std::min(count - done, TavoRowBlock::kMaxRows);
+    model.FillBlock(rows + done * fRowLength, fRowLength, share, walk.block);
+    isAdded = model.AddBlockToXPrimeX(walk.block);
+  }
+  return isAdded;
 }
 
 }  // namespace tavo

@@ -43,7 +43,7 @@ class TavoPatternTabulator {
   /// Second pass; takes the response categories from the model. Cuts the slices at its end.
   OrvStatus CreatePatterns(MCCommon::RecordIterator& iterator, OrvFactorTables& tables,
                            const TavoModel& model);
-  /// Hands every row to the model's AddPatternToXPrimeX.
+  /// Hands every row to the model's X'WX.
   OrvStatus ReplayPatterns(TavoModel& model);
 
   /// Cuts the rows into min(rows, count) slices, at least one, and prepares as many workers. One slice
@@ -74,6 +74,8 @@ class TavoPatternTabulator {
  private:
   using PatternTable = OrvKeyTable<TavoRowPatterns>;
   using Pattern = PatternTable::Node;
+  /// Below this many rows a block costs more to set up than it saves.
+  static constexpr std::size_t kShortRun = 16;
   /// A place between two rows.
   struct RowPlace {
     std::size_t pattern = 0;
@@ -88,6 +90,7 @@ class TavoPatternTabulator {
     TavoRowBlock block;
   };
 
+  bool ReplayPattern(const Pattern& pattern, TavoModel& model, PatternWalk& walk) const;
   bool TakeLayout(OrvFactorTables& tables, const TavoModel& model);
   OrvStatus ExtractRecord(const double* record, OrvFactorTables& tables);
   bool IsInSubpopulation(const double* record) const;

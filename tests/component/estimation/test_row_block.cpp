@@ -246,16 +246,22 @@ TEST(UpdateForBlock, WithoutParametersAllCategoriesAreEquallyProbable) {
   ExpectClose(sums.LogLikelihood(), -10 * std::log(4.0), 0);
 }
 
+/// Pattern rows of `count` records from `first` on, end to end.
+std::vector<double> PatternRows(const FitBench& bench, std::size_t first, std::size_t count) {
+  std::vector<double> rows;
+  for (std::size_t r = first; r < first + count; ++r) {
+    const std::vector<double> row = bench.PatternRow(bench.records[r]);
+    rows.insert(rows.end(), row.begin(), row.end());
+  }
+  return rows;
+}
+
 /// The model's block of one pattern against its rows.
 void ExpectBlockOfRows(FitBench& bench, std::size_t first, std::size_t count) {
   ASSERT_TRUE(bench.PrepareModel());
-  std::vector<double> patternRows;
-  for (std::size_t r = first; r < first + count; ++r) {
-    const std::vector<double> row = bench.PatternRow(bench.records[r]);
-    patternRows.insert(patternRows.end(), row.begin(), row.end());
-  }
+  const std::vector<double> patternRows = PatternRows(bench, first, count);
   TavoRowBlock block;
-  bench.model->StartBlock(bench.ParametersOf(bench.records[first]), block);
+  bench.model->StartBlock(bench.ParametersOf(bench.records[first]), tavo::BlockColumns::kKept, block);
   bench.model->FillBlock(patternRows.data(), patternRows.size() / count, count, block);
   ASSERT_EQ(block.RowCount(), count);
   ForEachRow(block, [&](std::vector<int> indices, std::vector<double> values, std::size_t r) {
@@ -295,6 +301,47 @@ TEST(FillBlock, OfAConstantCovariateBesideAnInterceptHasNoColumnForIt) {
   bench.Effect({}, {0}).Effect({}, {1});
   bench.Case(1, {}, {3, 0}).Case(2, {}, {3, 1}).Case(1, {}, {3, 2}).Case(2, {}, {3, 7});
   ExpectBlockOfRows(bench, 0, 4);
+}
+
+/// A factor of three levels, with four cases in each, and slopes.
+void AddThreePatterns(FitBench& bench) {
+  bench.Effect({0}, {}).Effect({}, {0}).Effect({0}, {1});
+  for (int i = 0; i < 12; ++i)
+    bench.Case(1 + i % 2, {1 + i / 4}, {i * i * 0.3 - 2, 1.0 / (i + 1)}, 1 + i);
+  bench.SetUp();
+  bench.BuildParameters();
+}
+
+TEST(AddBlockToXPrimeX, AddsWhatTheRowsAddAloneRedundantColumnsIncluded) {
+  FitBench byRow(2, {3}, 2);
+  FitBench byBlock(2, {3}, 2);
+  AddThreePatterns(byRow);
+  AddThreePatterns(byBlock);
+  ASSERT_TRUE(byRow.AddAllRecords());
+  TavoRowBlock block;
+  for (std::size_t first = 0; first < 12; first += 4) {
+    const std::vector<double> rows = PatternRows(byBlock, first, 4);
+    byBlock.model->StartBlock(byBlock.ParametersOf(byBlock.records[first]), tavo::BlockColumns::kAll, block);
+    byBlock.model->FillBlock(rows.data(), rows.size() / 4, 4, block);
+    EXPECT_TRUE(byBlock.model->AddBlockToXPrimeX(block));
+  }
+  const std::vector<double>& expected = byRow.model->XPrimeX()->AsVectorConst();
+  const std::vector<double>& actual = byBlock.model->XPrimeX()->AsVectorConst();
+  ASSERT_EQ(actual.size(), expected.size());
+  for (std::size_t e = 0; e < expected.size(); ++e)
+    ExpectClose(actual[e], expected[e], 1e2);
+  EXPECT_FALSE(byBlock.model->FindRedundancies().IsError());
+}
+
+TEST(AddBlockToXPrimeX, RefusesAnUnbuiltModelAndColumnsThatItDoesNotHave) {
+  FitBench bench(2, {3}, 2);
+  TavoRowBlock block = MakeBlock(3, 2);
+  block.AddConstant(50, 1.0);
+  bench.SetUp();
+  EXPECT_FALSE(bench.model->AddBlockToXPrimeX(block));
+  FitBench built(2, {3}, 2);
+  AddThreePatterns(built);
+  EXPECT_FALSE(built.model->AddBlockToXPrimeX(block));
 }
 
 }  // namespace
