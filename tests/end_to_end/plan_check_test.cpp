@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "plan_program.h"
 #include "survey_files.h"
 
@@ -206,6 +208,21 @@ TEST(PlanCheck, ListsTwentyStrataAndCountsTheOthers) {
   EXPECT_THAT(finding["text"].get<std::string>(), HasSubstr("100 strata with a single unit"));
   EXPECT_EQ(finding["examples"].size(), 20U);
   EXPECT_EQ(finding["more"], 80);
+}
+
+TEST(PlanCheck, ListsStrataInTheOrderOfTheirValuesNotOfTheFile) {
+  const TemporaryFolder folder;
+  folder.Write("plan.xml", SizedPlan(SizeValue("PopulationSize", "4")));
+  DataFile data = SurveyData();
+  std::reverse(data.rows.begin(), data.rows.end());
+  folder.Write("data.csv", data.Text());
+  const ProgramRun run = Plan({"check", "plan.xml", "--data", "data.csv"}, folder.Path());
+  EXPECT_NE(run.output.find("  st=1: 5 units, population 4\n"
+                            "  st=2: 5 units, population 4\n"
+                            "  st=3: 5 units, population 4\n"
+                            "  st=4: 5 units, population 4\n"),
+            std::string::npos)
+      << run.output;
 }
 
 TEST(PlanCheck, UnreadableFilesEndWithTwo) {

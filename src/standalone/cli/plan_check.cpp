@@ -203,15 +203,17 @@ class CasePass {
   template <class Applies, class Describe>
   void ListStrata(std::size_t k, bool stopsRun, const std::string& text, Applies&& applies,
                   Describe&& describe) {
-    PlanFinding finding{stopsRun, {}, {}, 0};
-    std::size_t count = 0;
-    for (const UnitTally::Stratum& stratum : fStages[k].tally.Strata()) {
-      if (!applies(stratum)) continue;
-      ++count;
-      if (finding.TakesExample()) finding.examples.push_back(Place(k, stratum.firstCase) + describe(stratum));
-    }
+    const UnitTally& tally = fStages[k].tally;
+    const auto count = std::count_if(tally.Strata().begin(), tally.Strata().end(), applies);
     if (count == 0) return;
-    finding.text = StageName(k) + ": " + Plural(count, "stratum ", "strata ") + text;
+    PlanFinding finding{stopsRun, {}, {}, 0};
+    for (const UnitTally::Stratum* stratum : tally.SortedStrata()) {
+      if (!applies(*stratum)) continue;
+      if (finding.TakesExample())
+        finding.examples.push_back(Place(k, stratum->firstCase) + describe(*stratum));
+    }
+    finding.text =
+        StageName(k) + ": " + Plural(static_cast<std::size_t>(count), "stratum ", "strata ") + text;
     fCheck.findings.push_back(std::move(finding));
   }
 

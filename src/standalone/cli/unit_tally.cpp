@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 namespace standalone {
 
@@ -90,6 +91,14 @@ void UnitTally::EnterValue(double value) {
   } else if (Differ(stratum.value, value)) {
     stratum.hasUnequalValues = true;
   }
+}
+
+std::vector<const UnitTally::Stratum*> UnitTally::SortedStrata() const {
+  const int keyCells = std::accumulate(fStrataCells.begin(), fStrataCells.end(), 1);
+  std::vector<const Stratum*> sorted;
+  for (const host::OBS* key : fStrataMap.Sort())
+    sorted.push_back(&fStrata[static_cast<std::size_t>(key[keyCells].number)]);
+  return sorted;
 }
 
 }  // namespace standalone

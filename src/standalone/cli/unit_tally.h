@@ -31,7 +31,11 @@ class UnitTally {
   /// Enters the value of the last entered case's stratum; the missing value when there is none.
   void EnterValue(double value);
 
+  /// In order of arrival.
   const std::vector<Stratum>& Strata() const { return fStrata; }
+  /// Pointers into Strata(), by the unit of the stage above in its order of arrival, then ascending by the
+  /// values of the strata variables.
+  std::vector<const Stratum*> SortedStrata() const;
   std::size_t UnitCount() const { return fNUnits; }
 
  private:
