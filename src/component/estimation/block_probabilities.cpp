@@ -46,6 +46,10 @@ bool TavoBlockProbabilities::FindHighestPredictors() {
 // Relative to the row's highest predictor, so that none overflows. That one's own is exactly 1 and is left
 // out of the sum of the others, which keeps its digits beside it.
 void TavoBlockProbabilities::TakeExponentials() {
+  if (fNCategories == 2) {
+    TakeOneExponential();
+    return;
+  }
   std::fill(fOthers.begin(), fOthers.end(), 0.0);
   std::fill(fTies.begin(), fTies.end(), -1.0);
   const double* const highest = fHighest.data();
@@ -63,6 +67,21 @@ void TavoBlockProbabilities::TakeExponentials() {
   }
   for (std::size_t r = 0; r < fNRows; ++r)
     others[r] += ties[r];
+}
+
+// Of two categories one has the highest predictor, and its exponential is 1.
+void TavoBlockProbabilities::TakeOneExponential() {
+  double* const first = Values(0);
+  double* const reference = Values(1);
+  double* const others = fOthers.data();
+  for (std::size_t r = 0; r < fNRows; ++r)
+    others[r] = -std::abs(first[r]);
+  vectors::Exp(others, fNRows);
+  for (std::size_t r = 0; r < fNRows; ++r) {
+    const bool isFirstHigher = first[r] > 0;
+    first[r] = isFirstHigher ? 1.0 : others[r];
+    reference[r] = isFirstHigher ? others[r] : 1.0;
+  }
 }
 
 // On entry the predictors of the observed categories.

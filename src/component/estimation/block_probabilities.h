@@ -30,6 +30,7 @@ class TavoBlockProbabilities {
   double* Values(std::size_t category) { return fValues.data() + category * TavoRowBlock::kMaxRows; }
   bool FindHighestPredictors();
   void TakeExponentials();
+  void TakeOneExponential();
   void TakeLogObserved();
   void Normalise();
   void CopyObserved(const TavoRowBlock& block, RowVector& observed) const;

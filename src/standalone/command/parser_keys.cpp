@@ -39,7 +39,7 @@ constexpr std::array kCatalogue = {
     CatalogueEntry{
         keys::kNoCommandName,
         "A command must begin with its name, but ^1 was found. If it belongs to the command above, remove "
-        "the blank line or the period that ended that command."},
+        "the blank line or the period that ended that command. A comment stands between /* and */."},
 
     CatalogueEntry{keys::kVariableListRequired,
                    "The variables of ^1 are missing. Name them right behind ^1, before the first slash."},

@@ -27,7 +27,7 @@ class CasesReader {
     for (std::size_t i = 0; i < table.ColumnCount(); ++i)
       cells += table.At(i).Stride();
     fMostRows = MostVdtRows(bytes);
-    fRoomRows = (kRoom + kRoomPerByte * bytes) / (cells * sizeof(host::OBS));
+    fRoomRows = (kRoom + kRoomPerByte * bytes) / (std::max(cells, std::size_t{1}) * sizeof(host::OBS));
   }
 
   void Read();

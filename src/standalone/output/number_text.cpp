@@ -92,7 +92,7 @@ std::string NumberText(double value, const host::BpFormatSpec& format) {
 }
 
 std::string NumberLabel(double value, const host::BpFormatSpec& format) {
-  const std::string text = NumberText(value, format);
+  std::string text = NumberText(value, format);
   if (text.empty() || std::strtod(text.c_str(), nullptr) == value) return text;
   return InTableStyle(ShortestText(value));
 }

@@ -38,6 +38,7 @@ std::vector<int> Ranks(const PivotDimension& dimension) {
 /// The lines of an axis that have cells, in the order of the categories.
 std::vector<std::vector<int>> UsedLines(const PivotTable& table, const std::vector<std::size_t>& dimensions) {
   std::vector<std::vector<int>> ranks;
+  ranks.reserve(dimensions.size());
   for (const std::size_t d : dimensions)
     ranks.push_back(Ranks(table.dimensions[d]));
   const auto before = [&ranks](const std::vector<int>& a, const std::vector<int>& b) {
