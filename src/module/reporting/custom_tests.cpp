@@ -195,10 +195,9 @@ void OutputOverallTest(const TavoOutputFrame& frame, host::BpHeading& heading, c
 
 /// A warning of the run stops the test: each contrast has a row of empty cells.
 void LeaveUntested(const TavoOutputFrame& frame, CustomResult& result) {
-  const int contrasts = std::max(1, result.test.RowCount());
-  result.rows.assign(
-      static_cast<std::size_t>(contrasts * (result.IsPerLogit(frame) ? frame.EquationCount() : 1)),
-      OrvTestStats());
+  const auto contrasts = static_cast<std::size_t>(std::max(1, result.test.RowCount()));
+  const auto logits = static_cast<std::size_t>(result.IsPerLogit(frame) ? frame.EquationCount() : 1);
+  result.rows.assign(contrasts * logits, OrvTestStats());
   for (OrvTestStats& row : result.rows)
     row.contrastCount = static_cast<int>(result.rows.size());
 }

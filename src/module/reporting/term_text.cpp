@@ -36,8 +36,8 @@ std::string FactorText(const std::vector<FactorTerm>& terms) {
 
 std::string TermText(const std::vector<FactorTerm>& factors, const std::vector<std::string>& covariates,
                      bool factorsInParentheses) {
-  const std::string factorText = FactorText(factors);
-  const std::string covariateText = Join(covariates);
+  std::string factorText = FactorText(factors);
+  std::string covariateText = Join(covariates);
   if (factorText.empty()) return covariateText;
   if (covariateText.empty()) return factorText;
   return factorsInParentheses ? covariateText + "(" + factorText + ")" : factorText + kCross + covariateText;
