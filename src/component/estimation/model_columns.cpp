@@ -86,8 +86,10 @@ OrvStatus TavoModel::FindRedundancies() {
   }
   CompressBasicParameters();
   fAllBits.Resize(ParameterCount(), false);
-  for (int k = 0; k < ParameterCount(); ++k)
-    fAllBits.Set(k, fBasicBits.IsIn(k % basic));
+  for (int logit = 0; logit < fNEquations; ++logit) {
+    for (int k = 0; k < basic; ++k)
+      fAllBits.Set(logit * basic + k, fBasicBits.IsIn(k));
+  }
   fNAllNonRedundant = fNBasicNonRedundant * fNEquations;
   return EndOfLongStep();
 }
