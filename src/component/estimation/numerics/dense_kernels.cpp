@@ -40,10 +40,6 @@ void AddTransposedProduct(double alpha, const Panel& a, const Panel& b, const Pa
   }
 }
 
-double Dot(const double* x, const double* y, int n) {
-  return Eigen::Map<const Eigen::VectorXd>(x, n).dot(Eigen::Map<const Eigen::VectorXd>(y, n));
-}
-
 void LoadLower(const std::vector<double>& packed, int first, const Panel& panel) {
   for (int r = 0; r < panel.fNRows; ++r) {
     const int count = std::min(first + r + 1, panel.fNCols);

@@ -5,6 +5,8 @@
 #include <span>
 #include <vector>
 
+#include "vector_kernels.h"
+
 namespace MCCommonMath::dense {
 
 // Dense kernels behind the packed matrices. They work on panels: a few rows of a matrix, copied out of the
@@ -34,7 +36,9 @@ void AddProduct(double alpha, const Panel& a, const Panel& b, const Panel& c);
 void AddProductTransposed(double alpha, const Panel& a, const Panel& b, const Panel& c);
 void AddTransposedProduct(double alpha, const Panel& a, const Panel& b, const Panel& c);
 
-[[nodiscard]] double Dot(const double* x, const double* y, int n);
+[[nodiscard]] inline double Dot(const double* x, const double* y, int n) {
+  return vectors::Dot(x, y, static_cast<std::size_t>(n));
+}
 
 // Storage of one panel of at most `kPanelRows` rows. The constructor may throw std::bad_alloc.
 class PanelBuffer {
