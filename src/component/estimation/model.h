@@ -26,9 +26,6 @@ using MCCommonMath::MCSymMatrix;
 
 class OrvFactorTables;
 
-/// The design columns that a block of rows holds.
-enum class BlockColumns { kKept, kAll };
-
 /// A baseline-category logit. With K response categories, the reference last, there are K-1 logits, each with
 /// the same p basic design columns; logit j of a row x is x'b_j, and category j has probability exp(x'b_j) /
 /// (1 + sum over all logits). The list of all parameters is the basic list repeated K-1 times: parameter j*p

@@ -34,8 +34,8 @@ double TavoModel::ParameterValue(const double* row, const OrvRegrParameter& para
   return value;
 }
 
-// The one place that decides what a column holds on the internal scale. A column without spread holds 0, not
-// the 0/0 of the formula.
+// What a column holds on the internal scale; FillColumn says the same for many rows. A column without spread
+// holds 0, not the 0/0 of the formula.
 double TavoModel::DesignValue(const double* row, std::size_t effect, bool usePatternOffsets) const {
   const std::size_t first = fFirstTerm[effect];
   const std::size_t end = fFirstTerm[effect + 1];

@@ -191,13 +191,9 @@ bool TavoPatternTabulator::EvaluateRowByRow(const double* rows, std::size_t coun
 
 bool TavoPatternTabulator::EvaluateInBlocks(const double* rows, std::size_t count, PatternWalk& walk,
                                             TavoAccumStats& accumulator) const {
-  fpModel->StartBlock(walk.parameters, BlockColumns::kKept, walk.block);
-  for (std::size_t done = 0; done < count && !fCancel.IsCancelled(); done += TavoRowBlock::kMaxRows) {
-    const std::size_t share = std::min(count - done, TavoRowBlock::kMaxRows);
-    fpModel->FillBlock(rows + done * fRowLength, fRowLength, share, walk.block);
-    if (accumulator.UpdateForBlock(walk.block, fbLikelihoodOnly) < 0) return false;
-  }
-  return true;
+  return ForEachBlock(rows, count, *fpModel, BlockColumns::kKept, walk, [&](const TavoRowBlock& block) {
+    return accumulator.UpdateForBlock(block, fbLikelihoodOnly) == 0;
+  });
 }
 
 }  // namespace tavo

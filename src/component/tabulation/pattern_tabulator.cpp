@@ -175,19 +175,26 @@ bool TavoPatternTabulator::ReplayPattern(const Pattern& pattern, TavoModel& mode
   const std::size_t count = RowsOf(pattern);
   const double* const rows = pattern.payload.RecordData().data();
   ParametersOfPattern(pattern, walk);
-  bool isAdded = true;
-  if (count < kShortRun) {
-    for (std::size_t i = 0; i < count && isAdded; ++i)
-      isAdded = model.AddPatternToXPrimeX(rows + i * fRowLength, walk.parameters);
-    return isAdded;
+  if (count >= kShortRun) {
+    return ForEachBlock(rows, count, model, BlockColumns::kAll, walk,
+                        [&model](const TavoRowBlock& block) { return model.AddBlockToXPrimeX(block); });
   }
-  model.StartBlock(walk.parameters, BlockColumns::kAll, walk.block);
-  for (std::size_t done = 0; done < count && isAdded; done += TavoRowBlock::kMaxRows) {
+  bool isAdded = true;
+  for (std::size_t i = 0; i < count && isAdded; ++i)
+    isAdded = model.AddPatternToXPrimeX(rows + i * fRowLength, walk.parameters);
+  return isAdded;
+}
+
+bool TavoPatternTabulator::ForEachBlock(const double* rows, std::size_t count, const TavoModel& model,
+                                        BlockColumns columns, PatternWalk& walk,
+                                        const std::function<bool(const TavoRowBlock&)>& take) const {
+  model.StartBlock(walk.parameters, columns, walk.block);
+  for (std::size_t done = 0; done < count && !fCancel.IsCancelled(); done += TavoRowBlock::kMaxRows) {
     const std::size_t share = std::min(count - done, TavoRowBlock::kMaxRows);
     model.FillBlock(rows + done * fRowLength, fRowLength, share, walk.block);
-    isAdded = model.AddBlockToXPrimeX(walk.block);
+    if (!take(walk.block)) return false;
   }
-  return isAdded;
+  return true;
 }
 
 }  // namespace tavo

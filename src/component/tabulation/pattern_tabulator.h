@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -91,6 +92,10 @@ class TavoPatternTabulator {
   };
 
   bool ReplayPattern(const Pattern& pattern, TavoModel& model, PatternWalk& walk) const;
+  /// Hands rows of the walk's pattern to `take`, a block at a time, until it answers false: then false. Ends
+  /// early on a cancel.
+  bool ForEachBlock(const double* rows, std::size_t count, const TavoModel& model, BlockColumns columns,
+                    PatternWalk& walk, const std::function<bool(const TavoRowBlock&)>& take) const;
   bool TakeLayout(OrvFactorTables& tables, const TavoModel& model);
   OrvStatus ExtractRecord(const double* record, OrvFactorTables& tables);
   bool IsInSubpopulation(const double* record) const;

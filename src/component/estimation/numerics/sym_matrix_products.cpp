@@ -120,22 +120,19 @@ bool MultiplyByFactors(const RestrictedSymmetric& g, const RestrictedSymmetric& 
   MCSymMatrix inner;
   MCRectMatrix rows;
   double measure = 0.0;
+  MCBitSet kept(product.GetNRows());
+  for (const int row : g.fKept) {
+    kept.Set(row, true);
+  }
+  MCSymMatrix expanded;
   const bool isDone = CopyRestricted(g, factor) && factor.LTChol(0.0, measure, true) == 0 &&
                       CopyRestricted(m, square) && CopyTriangle(factor, true, rows) &&
                       square.ComputeRSRTrans(rows, inner) && CopyTriangle(factor, false, rows) &&
-                      inner.ComputeRSRTrans(rows, square);
-  if (!isDone) {
-    return false;
+                      inner.ComputeRSRTrans(rows, square) && square.Expand(kept, expanded);
+  if (isDone) {
+    product = std::move(expanded);
   }
-  const double* element = square.AsVectorConst().data();
-  for (int i = 0; i < g.Size(); ++i) {
-    double* packedRow =
-        product.AsVector().data() + MCSymMatrixData::PackedSize(g.fKept[static_cast<std::size_t>(i)]);
-    for (int j = 0; j <= i; ++j) {
-      packedRow[g.fKept[static_cast<std::size_t>(j)]] = *element++;
-    }
-  }
-  return true;
+  return isDone;
 }
 
 // G M G panel by panel, for a G of any kind.
