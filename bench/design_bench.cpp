@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "design/variances.h"
+#include "component/design/variances.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <random>
 #include <vector>
 
-#include "estimation/accum_stats.h"
+#include "component/estimation/accum_stats.h"
 
 namespace {
 

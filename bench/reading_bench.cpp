@@ -8,7 +8,7 @@
 #include <fstream>
 #include <random>
 
-#include "data/readers.h"
+#include "standalone/files/data_reader.h"
 
 namespace {
 

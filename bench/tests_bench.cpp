@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
-#include "inference/output_stats.h"
-#include "input/record_iterator.h"
-#include "tabulation/algorithm.h"
+#include "component/input/record_iterator.h"
+#include "component/run/algorithm.h"
+#include "component/run/output_stats.h"
 
 namespace {
 

@@ -9,10 +9,10 @@
 #include <cstdio>
 #include <vector>
 
-#include "inference/output_stats.h"
-#include "input/comp_settings.h"
-#include "input/record_iterator.h"
-#include "tabulation/component.h"
+#include "component/input/comp_settings.h"
+#include "component/input/record_iterator.h"
+#include "component/run/component.h"
+#include "component/run/output_stats.h"
 
 namespace {
 

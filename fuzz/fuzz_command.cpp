@@ -11,13 +11,14 @@
 #include <variant>
 #include <vector>
 
-#include "command/command_file.h"
-#include "command/utf8.h"
-#include "data/readers.h"
-#include "output/catalogue.h"
-#include "output/renderers.h"
-#include "run.h"
-#include "session.h"
+#include "source_folder.h"
+#include "standalone/command/command_file.h"
+#include "standalone/files/data_reader.h"
+#include "standalone/output/catalogue.h"
+#include "standalone/output/renderers.h"
+#include "standalone/session/embedded_session.h"
+#include "standalone/session/run_commands.h"
+#include "standalone/text/utf8.h"
 #include "target.h"
 #include "test_folder.h"
 

@@ -1,5 +1,5 @@
 // Delimited text, with a schema behind the first byte 0xFF (which no text in UTF-8 holds).
-#include "data/readers.h"
+#include "standalone/files/data_reader.h"
 #include "table_checks.h"
 #include "target.h"
 

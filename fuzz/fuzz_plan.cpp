@@ -1,10 +1,11 @@
 // Plan files, through every entry of their reader.
 #include <algorithm>
 
-#include "command/plan/plan_document.h"
-#include "command/plan/plan_reader.h"
-#include "command/plan/plan_writer.h"
-#include "session.h"
+#include "module/command/plan/plan_document.h"
+#include "module/command/plan/plan_reader.h"
+#include "module/command/plan/plan_writer.h"
+#include "source_folder.h"
+#include "standalone/session/embedded_session.h"
 #include "target.h"
 #include "test_folder.h"
 

@@ -1,5 +1,5 @@
 // A schema for data that stay the same: numbers, texts, blanks and texts that a schema may declare missing.
-#include "data/readers.h"
+#include "standalone/files/data_reader.h"
 #include "table_checks.h"
 #include "target.h"
 

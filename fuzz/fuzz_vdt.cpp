@@ -1,5 +1,5 @@
 // Case files.
-#include "data/readers.h"
+#include "standalone/files/data_reader.h"
 #include "table_checks.h"
 #include "target.h"
 

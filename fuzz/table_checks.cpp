@@ -1,8 +1,8 @@
 #include "table_checks.h"
 
-#include "files/data_writer.h"
-#include "files/dictionary_check.h"
 #include "sample_tables.h"
+#include "standalone/files/data_writer.h"
+#include "standalone/files/dictionary_check.h"
 #include "target.h"
 
 namespace fuzz {

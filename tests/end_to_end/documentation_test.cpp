@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "plan_program.h"
+#include "source_folder.h"
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "program.h"
+#include "source_folder.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "plan_program.h"
+#include "source_folder.h"
 #include "survey_files.h"
 
 namespace {

@@ -11,6 +11,7 @@
 
 #include "bad_input.h"
 #include "markup.h"
+#include "source_folder.h"
 
 namespace {
 

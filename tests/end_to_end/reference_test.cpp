@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "program.h"
+#include "source_folder.h"
 
 namespace {
 

@@ -8,10 +8,11 @@
 #include <memory>
 #include <string>
 
-#include "data/readers.h"
-#include "output/document.h"
-#include "run.h"
-#include "session.h"
+#include "source_folder.h"
+#include "standalone/files/data_reader.h"
+#include "standalone/output/document.h"
+#include "standalone/session/embedded_session.h"
+#include "standalone/session/run_commands.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "estimation/numerics/record.h"
-#include "input/record_iterator.h"
+#include "component/input/record_iterator.h"
+#include "component/numerics/record.h"
 
 namespace tavo_test {
 

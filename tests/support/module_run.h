@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "output/catalogue.h"
-#include "run.h"
-#include "session.h"
+#include "standalone/output/catalogue.h"
+#include "standalone/session/embedded_session.h"
+#include "standalone/session/run_commands.h"
 #include "test_folder.h"
 
 namespace test_support {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "output/document.h"
-#include "output/number_text.h"
+#include "standalone/output/document.h"
+#include "standalone/output/number_text.h"
 
 namespace test_support {
 

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "estimation/numerics/missing_value.h"
-#include "input/comp_settings.h"
+#include "component/input/comp_settings.h"
+#include "component/numerics/missing_value.h"
 #include "memory_record_iterator.h"
 
 namespace tavo_test {

@@ -1,4 +1,4 @@
-#include "design/design_nodes.h"
+#include "component/design/design_nodes.h"
 
 namespace tavo {
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "design/variances.h"
+#include "component/design/variances.h"
 
 namespace tavo {
 

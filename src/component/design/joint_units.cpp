@@ -1,4 +1,4 @@
-#include "design/joint_units.h"
+#include "component/design/joint_units.h"
 
 namespace tavo {
 

@@ -1,9 +1,9 @@
-#include "design/psu_node.h"
+#include "component/design/psu_node.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <vector>
 
-#include "design/design_nodes.h"
-#include "design/joint_units.h"
+#include "component/design/design_nodes.h"
+#include "component/design/joint_units.h"
 
 namespace tavo {
 

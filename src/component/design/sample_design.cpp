@@ -1,12 +1,12 @@
-#include "design/sample_design.h"
+#include "component/design/sample_design.h"
 
 #include <algorithm>
 #include <cmath>
 #include <exception>
 #include <utility>
 
-#include "estimation/numerics/machine_constants.h"
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/machine_constants.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

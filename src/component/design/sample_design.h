@@ -4,9 +4,9 @@
 #include <memory>
 #include <vector>
 
-#include "design/design_nodes.h"
-#include "design/psu_node.h"
-#include "input/design_stage.h"
+#include "component/design/design_nodes.h"
+#include "component/design/psu_node.h"
+#include "component/input/design_stage.h"
 
 namespace tavo {
 

@@ -1,9 +1,9 @@
-#include "design/variances.h"
+#include "component/design/variances.h"
 
 #include <algorithm>
 
-#include "design/joint_units.h"
-#include "estimation/numerics/missing_value.h"
+#include "component/design/joint_units.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

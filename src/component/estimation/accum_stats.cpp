@@ -1,12 +1,12 @@
-#include "estimation/accum_stats.h"
+#include "component/estimation/accum_stats.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <new>
 
-#include "estimation/numerics/machine_constants.h"
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/machine_constants.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

@@ -4,11 +4,11 @@
 #include <memory>
 #include <vector>
 
-#include "estimation/block_probabilities.h"
-#include "estimation/numerics/sym_matrix.h"
-#include "estimation/row_block.h"
-#include "estimation/sparse_vector.h"
-#include "input/comp_settings.h"
+#include "component/estimation/block_probabilities.h"
+#include "component/estimation/row_block.h"
+#include "component/estimation/sparse_vector.h"
+#include "component/input/comp_settings.h"
+#include "component/numerics/sym_matrix.h"
 
 namespace tavo {
 

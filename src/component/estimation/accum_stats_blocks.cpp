@@ -3,8 +3,8 @@
 #include <array>
 #include <cmath>
 
-#include "estimation/accum_stats.h"
-#include "estimation/numerics/vector_kernels.h"
+#include "component/estimation/accum_stats.h"
+#include "component/numerics/vector_kernels.h"
 
 namespace tavo {
 

@@ -1,10 +1,10 @@
-#include "estimation/block_probabilities.h"
+#include "component/estimation/block_probabilities.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "estimation/numerics/vector_kernels.h"
+#include "component/numerics/vector_kernels.h"
 
 namespace tavo {
 

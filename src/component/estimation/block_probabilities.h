@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "estimation/row_block.h"
+#include "component/estimation/row_block.h"
 
 namespace tavo {
 

@@ -1,14 +1,14 @@
 // The structure of the model: record layout, response categories, parameters, and what the estimates equal.
-#include "estimation/model.h"
+#include "component/estimation/model.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
 
-#include "estimation/numerics/machine_constants.h"
-#include "estimation/numerics/math_functions.h"
-#include "tabulation/factor_tables.h"
+#include "component/numerics/machine_constants.h"
+#include "component/numerics/math_functions.h"
+#include "component/tabulation/factor_tables.h"
 
 namespace tavo {
 

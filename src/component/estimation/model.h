@@ -6,17 +6,17 @@
 #include <memory>
 #include <vector>
 
-#include "estimation/numerics/bit_set.h"
-#include "estimation/numerics/rect_matrix.h"
-#include "estimation/numerics/sym_matrix.h"
-#include "estimation/rank_update.h"
-#include "estimation/regr_parameter.h"
-#include "estimation/row_block.h"
-#include "frame/orv_cancel_info.h"
-#include "frame/orv_status.h"
-#include "input/comp_settings.h"
-#include "input/custom_test.h"
-#include "input/record_extractor.h"
+#include "component/estimation/rank_update.h"
+#include "component/estimation/regr_parameter.h"
+#include "component/estimation/row_block.h"
+#include "component/frame/orv_cancel_info.h"
+#include "component/frame/orv_status.h"
+#include "component/input/comp_settings.h"
+#include "component/input/custom_test.h"
+#include "component/input/record_extractor.h"
+#include "component/numerics/bit_set.h"
+#include "component/numerics/rect_matrix.h"
+#include "component/numerics/sym_matrix.h"
 
 namespace tavo {
 

@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "estimation/model.h"
-#include "estimation/numerics/missing_value.h"
-#include "tabulation/factor_tables.h"
+#include "component/estimation/model.h"
+#include "component/numerics/missing_value.h"
+#include "component/tabulation/factor_tables.h"
 
 namespace tavo {
 

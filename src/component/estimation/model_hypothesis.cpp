@@ -1,6 +1,6 @@
 // Rows of custom hypotheses as numbers.
-#include "estimation/model.h"
-#include "estimation/numerics/missing_value.h"
+#include "component/estimation/model.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "estimation/model.h"
-#include "tabulation/factor_tables.h"
+#include "component/estimation/model.h"
+#include "component/tabulation/factor_tables.h"
 
 namespace tavo {
 

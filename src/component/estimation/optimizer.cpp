@@ -1,15 +1,15 @@
-#include "estimation/optimizer.h"
+#include "component/estimation/optimizer.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "estimation/accum_stats.h"
-#include "estimation/model.h"
-#include "estimation/numerics/machine_constants.h"
-#include "estimation/numerics/math_functions.h"
-#include "estimation/numerics/missing_value.h"
-#include "tabulation/pattern_tabulator.h"
+#include "component/estimation/accum_stats.h"
+#include "component/estimation/model.h"
+#include "component/numerics/machine_constants.h"
+#include "component/numerics/math_functions.h"
+#include "component/numerics/missing_value.h"
+#include "component/run/pattern_tabulator.h"
 
 namespace tavo {
 

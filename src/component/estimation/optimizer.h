@@ -6,11 +6,11 @@
 #include <memory>
 #include <vector>
 
-#include "estimation/numerics/sym_matrix.h"
-#include "estimation/progress.h"
-#include "frame/orv_cancel_info.h"
-#include "frame/orv_status.h"
-#include "input/comp_settings.h"
+#include "component/estimation/fit_progress.h"
+#include "component/frame/orv_cancel_info.h"
+#include "component/frame/orv_status.h"
+#include "component/input/comp_settings.h"
+#include "component/numerics/sym_matrix.h"
 
 namespace tavo {
 

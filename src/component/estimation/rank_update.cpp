@@ -1,4 +1,4 @@
-#include "estimation/rank_update.h"
+#include "component/estimation/rank_update.h"
 
 #include <algorithm>
 #include <new>

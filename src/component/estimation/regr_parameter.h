@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "input/model_effect.h"
+#include "component/input/model_effect.h"
 
 namespace tavo {
 

@@ -1,9 +1,9 @@
-#include "estimation/row_block.h"
+#include "component/estimation/row_block.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "estimation/numerics/vector_kernels.h"
+#include "component/numerics/vector_kernels.h"
 
 namespace tavo {
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "estimation/numerics/sym_matrix.h"
+#include "component/numerics/sym_matrix.h"
 
 namespace tavo {
 

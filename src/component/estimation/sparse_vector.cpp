@@ -1,9 +1,9 @@
-#include "estimation/sparse_vector.h"
+#include "component/estimation/sparse_vector.h"
 
 #include <algorithm>
 #include <cstddef>
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "estimation/numerics/sym_matrix.h"
+#include "component/numerics/sym_matrix.h"
 
 namespace tavo {
 

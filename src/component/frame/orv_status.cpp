@@ -1,4 +1,4 @@
-#include "frame/orv_status.h"
+#include "component/frame/orv_status.h"
 
 #include <algorithm>
 #include <array>

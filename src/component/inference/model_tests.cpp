@@ -1,4 +1,4 @@
-#include "inference/model_tests.h"
+#include "component/inference/model_tests.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,9 +6,9 @@
 #include <limits>
 #include <utility>
 
-#include "estimation/numerics/distributions.h"
-#include "estimation/numerics/math_functions.h"
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/distributions.h"
+#include "component/numerics/math_functions.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

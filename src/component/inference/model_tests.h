@@ -4,11 +4,11 @@
 
 #include <vector>
 
-#include "estimation/numerics/bit_set.h"
-#include "estimation/numerics/rect_matrix.h"
-#include "estimation/numerics/sym_matrix.h"
-#include "frame/orv_status.h"
-#include "inference/test_stats.h"
+#include "component/frame/orv_status.h"
+#include "component/inference/test_stats.h"
+#include "component/numerics/bit_set.h"
+#include "component/numerics/rect_matrix.h"
+#include "component/numerics/sym_matrix.h"
 
 namespace tavo {
 

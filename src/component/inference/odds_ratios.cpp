@@ -1,10 +1,10 @@
-#include "inference/odds_ratios.h"
+#include "component/inference/odds_ratios.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "design/inference.h"
-#include "estimation/numerics/machine_constants.h"
+#include "component/inference/inference.h"
+#include "component/numerics/machine_constants.h"
 
 namespace tavo {
 

@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include "estimation/model.h"
-#include "estimation/numerics/missing_value.h"
-#include "frame/orv_status.h"
-#include "input/odds_ratio_spec.h"
+#include "component/estimation/model.h"
+#include "component/frame/orv_status.h"
+#include "component/input/odds_ratio_spec.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "inference/param_stats.h"
+#include "component/inference/param_stats.h"
 
 #include <cmath>
 

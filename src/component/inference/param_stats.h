@@ -1,7 +1,7 @@
 // The statistics of one parameter.
 #pragma once
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "inference/test_stats.h"
+#include "component/inference/test_stats.h"
 
 namespace tavo {
 

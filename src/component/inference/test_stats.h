@@ -1,8 +1,8 @@
 // The result of one test.
 #pragma once
 
-#include "estimation/numerics/missing_value.h"
-#include "input/comp_settings.h"
+#include "component/input/comp_settings.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

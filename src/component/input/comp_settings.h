@@ -4,11 +4,11 @@
 #include <memory>
 #include <vector>
 
-#include "frame/orv_status.h"
+#include "component/frame/orv_status.h"
+#include "component/input/design_stage.h"
+#include "component/input/model_effect.h"
 #include "host/stop.h"
 #include "host/threads.h"
-#include "input/design_stage.h"
-#include "input/model_effect.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "input/custom_test.h"
+#include "component/input/custom_test.h"
 
 #include <utility>
 

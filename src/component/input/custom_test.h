@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "input/design_stage.h"
+#include "component/input/design_stage.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "input/model_effect.h"
+#include "component/input/model_effect.h"
 
 #include <algorithm>
 #include <cstddef>

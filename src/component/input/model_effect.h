@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "estimation/numerics/bit_set.h"
+#include "component/numerics/bit_set.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "input/odds_ratio_spec.h"
+#include "component/input/odds_ratio_spec.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "input/record_extractor.h"
+#include "component/input/record_extractor.h"
 
 #include <numeric>
 

@@ -1,7 +1,7 @@
 // The stream of records from which the component reads.
 #pragma once
 
-#include "estimation/numerics/record.h"
+#include "component/numerics/record.h"
 
 namespace MCCommon {
 

@@ -1,11 +1,11 @@
-#include "input/record_validator.h"
+#include "component/input/record_validator.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <vector>
 
-#include "estimation/numerics/record.h"
-#include "frame/orv_status.h"
-#include "input/comp_settings.h"
+#include "component/frame/orv_status.h"
+#include "component/input/comp_settings.h"
+#include "component/numerics/record.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "tabulation/effect_combinations.h"
+#include "component/tabulation/effect_combinations.h"
 
 #include <algorithm>
 

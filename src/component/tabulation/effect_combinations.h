@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "tabulation/orv_key.h"
+#include "component/tabulation/orv_key.h"
 
 namespace tavo {
 

@@ -1,12 +1,12 @@
-#include "tabulation/factor_tables.h"
+#include "component/tabulation/factor_tables.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 
-#include "estimation/numerics/machine_constants.h"
-#include "estimation/numerics/missing_value.h"
-#include "tabulation/compensated_sum.h"
+#include "component/numerics/compensated_sum.h"
+#include "component/numerics/machine_constants.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

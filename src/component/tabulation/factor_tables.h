@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "tabulation/effect_combinations.h"
+#include "component/tabulation/effect_combinations.h"
 
 namespace tavo {
 

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string_view>
 
-#include "command/valid_specs.h"
 #include "host/data.h"
+#include "module/command/valid_specs.h"
 
 namespace tavo {
 

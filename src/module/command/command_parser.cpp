@@ -1,20 +1,20 @@
-#include "command/command_parser.h"
+#include "module/command/command_parser.h"
 
 #include <optional>
 #include <utility>
 
-#include "command/custom_reader.h"
-#include "command/grammar.h"
-#include "command/model_reader.h"
-#include "command/odds_ratio_reader.h"
-#include "command/option_readers.h"
-#include "command/output_file_check.h"
-#include "command/parse_context.h"
-#include "command/plan/plan_reader.h"
-#include "command/plan_checks.h"
-#include "command/variable_list.h"
 #include "host/files.h"
 #include "host/session.h"
+#include "module/command/custom_reader.h"
+#include "module/command/grammar.h"
+#include "module/command/model_reader.h"
+#include "module/command/odds_ratio_reader.h"
+#include "module/command/option_readers.h"
+#include "module/command/output_file_check.h"
+#include "module/command/parse_context.h"
+#include "module/command/plan/plan_reader.h"
+#include "module/command/plan_checks.h"
+#include "module/command/variable_list.h"
 
 namespace tavo {
 

@@ -1,9 +1,9 @@
 // From the tokens of a TAVOREG command to a checked specification.
 #pragma once
 
-#include "command/valid_specs.h"
 #include "host/command.h"
 #include "host/data.h"
+#include "module/command/valid_specs.h"
 
 namespace tavo {
 

@@ -1,11 +1,11 @@
-#include "command/contrast_reader.h"
+#include "module/command/contrast_reader.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "command/effect_reader.h"
-#include "command/number_list.h"
-#include "command/token_cursor.h"
+#include "module/command/effect_reader.h"
+#include "module/command/number_list.h"
+#include "module/command/token_cursor.h"
 
 namespace tavo {
 

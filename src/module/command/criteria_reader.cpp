@@ -1,5 +1,5 @@
 // CRITERIA: the numbers that steer the fit.
-#include "command/option_readers.h"
+#include "module/command/option_readers.h"
 
 namespace tavo {
 

@@ -1,6 +1,6 @@
-#include "command/custom_reader.h"
+#include "module/command/custom_reader.h"
 
-#include "command/contrast_reader.h"
+#include "module/command/contrast_reader.h"
 
 namespace tavo {
 

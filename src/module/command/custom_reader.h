@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "command/parse_context.h"
-#include "input/custom_test.h"
+#include "component/input/custom_test.h"
+#include "module/command/parse_context.h"
 
 namespace tavo {
 

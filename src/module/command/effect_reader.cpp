@@ -1,4 +1,4 @@
-#include "command/effect_reader.h"
+#include "module/command/effect_reader.h"
 
 namespace tavo {
 

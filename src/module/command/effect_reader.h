@@ -4,9 +4,9 @@
 #include <set>
 #include <string>
 
-#include "command/parse_context.h"
-#include "command/token_cursor.h"
-#include "input/model_effect.h"
+#include "component/input/model_effect.h"
+#include "module/command/parse_context.h"
+#include "module/command/token_cursor.h"
 
 namespace tavo {
 

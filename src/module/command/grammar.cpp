@@ -1,4 +1,4 @@
-#include "command/grammar.h"
+#include "module/command/grammar.h"
 
 #include <initializer_list>
 #include <utility>

@@ -1,10 +1,10 @@
-#include "command/model_reader.h"
+#include "module/command/model_reader.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "command/effect_reader.h"
-#include "command/token_cursor.h"
+#include "module/command/effect_reader.h"
+#include "module/command/token_cursor.h"
 
 namespace tavo {
 

@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "command/parse_context.h"
-#include "input/model_effect.h"
+#include "component/input/model_effect.h"
+#include "module/command/parse_context.h"
 
 namespace tavo {
 

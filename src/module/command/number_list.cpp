@@ -1,4 +1,4 @@
-#include "command/number_list.h"
+#include "module/command/number_list.h"
 
 namespace tavo {
 

@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "command/parse_messages.h"
-#include "command/token_cursor.h"
+#include "module/command/parse_messages.h"
+#include "module/command/token_cursor.h"
 
 namespace tavo {
 

@@ -1,10 +1,10 @@
-#include "command/odds_ratio_reader.h"
+#include "module/command/odds_ratio_reader.h"
 
 #include <set>
 #include <utility>
 
-#include "command/token_cursor.h"
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
+#include "module/command/token_cursor.h"
 
 namespace tavo {
 

@@ -1,8 +1,8 @@
 // ODDSRATIOS: one family of odds ratios.
 #pragma once
 
-#include "command/parse_context.h"
-#include "input/odds_ratio_spec.h"
+#include "component/input/odds_ratio_spec.h"
+#include "module/command/parse_context.h"
 
 namespace tavo {
 

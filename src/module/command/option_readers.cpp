@@ -1,4 +1,4 @@
-#include "command/option_readers.h"
+#include "module/command/option_readers.h"
 
 #include <array>
 #include <span>

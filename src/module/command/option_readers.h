@@ -2,7 +2,7 @@
 // also the one in work for messages, and returns false after a message of an error.
 #pragma once
 
-#include "command/parse_context.h"
+#include "module/command/parse_context.h"
 
 namespace tavo {
 

@@ -2,7 +2,7 @@
 #include <string>
 #include <utility>
 
-#include "command/option_readers.h"
+#include "module/command/option_readers.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "command/output_file_check.h"
+#include "module/command/output_file_check.h"
 
 #include <array>
 #include <string>

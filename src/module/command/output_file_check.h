@@ -1,7 +1,7 @@
 // No file is written over another one of the same command.
 #pragma once
 
-#include "command/parse_context.h"
+#include "module/command/parse_context.h"
 
 namespace tavo {
 

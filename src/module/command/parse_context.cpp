@@ -1,6 +1,6 @@
-#include "command/parse_context.h"
+#include "module/command/parse_context.h"
 
-#include "command/category_value.h"
+#include "module/command/category_value.h"
 
 namespace tavo {
 

@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "command/parse_messages.h"
-#include "command/valid_specs.h"
+#include "component/input/model_effect.h"
 #include "host/command.h"
 #include "host/data.h"
-#include "input/model_effect.h"
+#include "module/command/parse_messages.h"
+#include "module/command/valid_specs.h"
 
 namespace tavo {
 

@@ -1,9 +1,9 @@
-#include "command/parse_messages.h"
+#include "module/command/parse_messages.h"
 
 #include <utility>
 
-#include "command/grammar.h"
 #include "host/output.h"
+#include "module/command/grammar.h"
 
 namespace tavo {
 

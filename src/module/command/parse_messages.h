@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "component/input/custom_test.h"
 #include "host/command.h"
-#include "input/custom_test.h"
 
 namespace tavo {
 

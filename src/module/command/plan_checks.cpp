@@ -1,10 +1,10 @@
-#include "command/plan_checks.h"
+#include "module/command/plan_checks.h"
 
 #include <set>
 #include <utility>
 
-#include "command/plan/plan_reader.h"
-#include "command/plan_matrix.h"
+#include "module/command/plan/plan_reader.h"
+#include "module/command/plan_matrix.h"
 
 namespace tavo {
 

@@ -1,8 +1,8 @@
 // The plan against the dictionary and the command.
 #pragma once
 
-#include "command/parse_context.h"
-#include "command/plan/plan_data.h"
+#include "module/command/parse_context.h"
+#include "module/command/plan/plan_data.h"
 
 namespace tavo {
 

@@ -1,7 +1,7 @@
-#include "command/plan_matrix.h"
+#include "module/command/plan_matrix.h"
 
-#include "command/category_value.h"
-#include "command/plan/plan_reader.h"
+#include "module/command/category_value.h"
+#include "module/command/plan/plan_reader.h"
 
 namespace tavo {
 

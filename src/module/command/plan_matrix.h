@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "command/parse_context.h"
 #include "host/command.h"
+#include "module/command/parse_context.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "command/plan_valid_specs.h"
+#include "module/command/plan_valid_specs.h"
 
 #include <algorithm>
 

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "component/input/comp_settings.h"
+#include "component/input/design_stage.h"
 #include "host/data.h"
 #include "host/stop.h"
-#include "input/comp_settings.h"
-#include "input/design_stage.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "command/valid_specs.h"
+#include "module/command/valid_specs.h"
 
 #include <algorithm>
 #include <utility>

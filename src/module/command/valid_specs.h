@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "command/plan_valid_specs.h"
+#include "component/input/comp_settings.h"
+#include "component/input/custom_test.h"
+#include "component/input/model_effect.h"
+#include "component/input/odds_ratio_spec.h"
 #include "host/data.h"
 #include "host/files.h"
-#include "input/comp_settings.h"
-#include "input/custom_test.h"
-#include "input/model_effect.h"
-#include "input/odds_ratio_spec.h"
+#include "module/command/plan_valid_specs.h"
 
 namespace tavo {
 

@@ -1,8 +1,8 @@
-#include "command/variable_list.h"
+#include "module/command/variable_list.h"
 
 #include <utility>
 
-#include "command/token_cursor.h"
+#include "module/command/token_cursor.h"
 
 namespace tavo {
 

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "command/parse_context.h"
+#include "module/command/parse_context.h"
 
 namespace tavo {
 

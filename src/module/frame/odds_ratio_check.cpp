@@ -1,4 +1,4 @@
-#include "frame/odds_ratio_check.h"
+#include "module/frame/odds_ratio_check.h"
 
 #include "host/output.h"
 

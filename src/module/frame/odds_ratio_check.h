@@ -1,9 +1,9 @@
 // The values of odds ratio requests become codes.
 #pragma once
 
-#include "command/valid_specs.h"
 #include "host/data.h"
-#include "input/reg_input_adapter.h"
+#include "module/command/valid_specs.h"
+#include "module/input/reg_input_adapter.h"
 
 namespace tavo {
 

@@ -1,12 +1,12 @@
-#include "frame/procedure_driver.h"
+#include "module/frame/procedure_driver.h"
 
 #include <string>
 #include <utility>
 
-#include "frame/odds_ratio_check.h"
 #include "host/session.h"
-#include "input/proc_joint_incl_probs.h"
-#include "reporting/status_messages.h"
+#include "module/frame/odds_ratio_check.h"
+#include "module/input/proc_joint_incl_probs.h"
+#include "module/reporting/status_messages.h"
 
 namespace tavo {
 

@@ -3,14 +3,14 @@
 
 #include <memory>
 
-#include "command/valid_specs.h"
-#include "estimation/progress.h"
-#include "frame/orv_status.h"
+#include "component/estimation/fit_progress.h"
+#include "component/frame/orv_status.h"
+#include "component/run/component.h"
 #include "host/data.h"
-#include "input/proc_ds_multi_iter.h"
-#include "input/reg_input_adapter.h"
-#include "input/variable_reporter.h"
-#include "tabulation/component.h"
+#include "module/command/valid_specs.h"
+#include "module/input/proc_ds_multi_iter.h"
+#include "module/input/reg_input_adapter.h"
+#include "module/input/variable_reporter.h"
 
 namespace tavo {
 

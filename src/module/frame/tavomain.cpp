@@ -2,11 +2,11 @@
 
 #include <memory>
 
-#include "command/command_parser.h"
-#include "command/valid_specs.h"
-#include "frame/procedure_driver.h"
 #include "host/session.h"
-#include "reporting/output_frame.h"
+#include "module/command/command_parser.h"
+#include "module/command/valid_specs.h"
+#include "module/frame/output_frame.h"
+#include "module/frame/procedure_driver.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "input/adapt_variables.h"
+#include "module/input/adapt_variables.h"
 
 #include <algorithm>
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
-#include "command/plan_valid_specs.h"
 #include "host/data.h"
+#include "module/command/plan_valid_specs.h"
 
 namespace tavo {
 

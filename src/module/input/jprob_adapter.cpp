@@ -1,11 +1,11 @@
-#include "input/jprob_adapter.h"
+#include "module/input/jprob_adapter.h"
 
 #include <algorithm>
 #include <limits>
 #include <memory>
 #include <utility>
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 #include "host/output.h"
 
 namespace tavo {

@@ -6,10 +6,10 @@
 #include <map>
 #include <vector>
 
-#include "command/plan_valid_specs.h"
-#include "design/joint_incl_probs.h"
+#include "component/design/joint_incl_probs.h"
 #include "host/data.h"
-#include "input/reg_input_adapter.h"
+#include "module/command/plan_valid_specs.h"
+#include "module/input/reg_input_adapter.h"
 
 namespace tavo {
 

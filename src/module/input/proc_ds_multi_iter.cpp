@@ -1,4 +1,4 @@
-#include "input/proc_ds_multi_iter.h"
+#include "module/input/proc_ds_multi_iter.h"
 
 #include <utility>
 

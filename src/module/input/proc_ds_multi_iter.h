@@ -3,9 +3,9 @@
 
 #include <memory>
 
+#include "component/input/record_iterator.h"
 #include "host/data.h"
-#include "input/record_iterator.h"
-#include "input/reg_input_adapter.h"
+#include "module/input/reg_input_adapter.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "input/proc_joint_incl_probs.h"
+#include "module/input/proc_joint_incl_probs.h"
 
 #include <string>
 #include <utility>

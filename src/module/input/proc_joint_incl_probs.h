@@ -3,9 +3,9 @@
 
 #include <memory>
 
-#include "command/valid_specs.h"
-#include "design/joint_incl_probs.h"
-#include "input/jprob_adapter.h"
+#include "component/design/joint_incl_probs.h"
+#include "module/command/valid_specs.h"
+#include "module/input/jprob_adapter.h"
 
 namespace tavo {
 

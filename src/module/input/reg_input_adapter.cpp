@@ -1,9 +1,9 @@
-#include "input/reg_input_adapter.h"
+#include "module/input/reg_input_adapter.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

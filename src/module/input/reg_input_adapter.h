@@ -4,10 +4,10 @@
 #include <map>
 #include <vector>
 
-#include "command/plan_valid_specs.h"
 #include "host/data.h"
-#include "input/adapt_variables.h"
-#include "input/variable_reporter.h"
+#include "module/command/plan_valid_specs.h"
+#include "module/input/adapt_variables.h"
+#include "module/input/variable_reporter.h"
 
 namespace tavo {
 

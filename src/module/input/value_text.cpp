@@ -1,4 +1,4 @@
-#include "input/value_text.h"
+#include "module/input/value_text.h"
 
 namespace tavo {
 

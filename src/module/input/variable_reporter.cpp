@@ -1,4 +1,4 @@
-#include "input/variable_reporter.h"
+#include "module/input/variable_reporter.h"
 
 #include "host/output.h"
 

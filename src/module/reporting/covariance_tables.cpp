@@ -1,8 +1,8 @@
-#include "reporting/covariance_tables.h"
+#include "module/reporting/covariance_tables.h"
 
 #include <cmath>
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

@@ -1,7 +1,7 @@
 // The matrices of the parameter estimates.
 #pragma once
 
-#include "reporting/table_frame.h"
+#include "module/reporting/table_frame.h"
 
 namespace tavo {
 

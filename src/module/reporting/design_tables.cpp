@@ -1,4 +1,4 @@
-#include "reporting/design_tables.h"
+#include "module/reporting/design_tables.h"
 
 namespace tavo {
 

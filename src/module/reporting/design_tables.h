@@ -1,7 +1,7 @@
 // The tables that describe sample and variables.
 #pragma once
 
-#include "reporting/table_frame.h"
+#include "module/reporting/table_frame.h"
 
 namespace tavo {
 

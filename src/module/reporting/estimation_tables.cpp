@@ -1,6 +1,6 @@
-#include "reporting/estimation_tables.h"
+#include "module/reporting/estimation_tables.h"
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 

@@ -1,7 +1,7 @@
 // The tables of the fitted model.
 #pragma once
 
-#include "reporting/table_frame.h"
+#include "module/reporting/table_frame.h"
 
 namespace tavo {
 

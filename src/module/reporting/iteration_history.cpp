@@ -1,7 +1,7 @@
 #include <array>
 
-#include "reporting/estimation_tables.h"
-#include "reporting/termination_texts.h"
+#include "module/reporting/estimation_tables.h"
+#include "module/reporting/termination_texts.h"
 
 namespace tavo {
 

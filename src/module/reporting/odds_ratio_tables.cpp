@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "reporting/test_tables.h"
+#include "module/reporting/test_tables.h"
 
 namespace tavo {
 

@@ -1,8 +1,8 @@
-#include "reporting/param_names.h"
+#include "module/reporting/param_names.h"
 
 #include "host/output.h"
-#include "input/value_text.h"
-#include "reporting/term_text.h"
+#include "module/input/value_text.h"
+#include "module/reporting/term_text.h"
 
 namespace tavo {
 

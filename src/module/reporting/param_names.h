@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "command/valid_specs.h"
-#include "estimation/regr_parameter.h"
+#include "component/estimation/regr_parameter.h"
 #include "host/data.h"
-#include "input/reg_input_adapter.h"
+#include "module/command/valid_specs.h"
+#include "module/input/reg_input_adapter.h"
 
 namespace tavo {
 

@@ -1,8 +1,8 @@
 #include <cmath>
 
-#include "estimation/numerics/machine_constants.h"
-#include "estimation/numerics/missing_value.h"
-#include "reporting/estimation_tables.h"
+#include "component/numerics/machine_constants.h"
+#include "component/numerics/missing_value.h"
+#include "module/reporting/estimation_tables.h"
 
 namespace tavo {
 

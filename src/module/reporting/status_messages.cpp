@@ -1,4 +1,4 @@
-#include "reporting/status_messages.h"
+#include "module/reporting/status_messages.h"
 
 #include <vector>
 

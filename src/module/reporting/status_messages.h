@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "frame/orv_status.h"
-#include "tabulation/component.h"
+#include "component/frame/orv_status.h"
+#include "component/run/component.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "reporting/table_frame.h"
+#include "module/reporting/table_frame.h"
 
 #include <algorithm>
 

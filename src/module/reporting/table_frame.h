@@ -4,11 +4,11 @@
 #include <memory>
 #include <string>
 
-#include "command/valid_specs.h"
-#include "frame/procedure_driver.h"
+#include "component/run/output_stats.h"
 #include "host/output.h"
-#include "inference/output_stats.h"
-#include "reporting/param_names.h"
+#include "module/command/valid_specs.h"
+#include "module/frame/procedure_driver.h"
+#include "module/reporting/param_names.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "reporting/term_text.h"
+#include "module/reporting/term_text.h"
 
 #include <algorithm>
 

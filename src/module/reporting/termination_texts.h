@@ -1,7 +1,7 @@
 // What is said about how a fit ended.
 #pragma once
 
-#include "estimation/optimizer.h"
+#include "component/estimation/optimizer.h"
 
 namespace tavo {
 

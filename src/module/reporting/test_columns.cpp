@@ -1,4 +1,4 @@
-#include "reporting/test_tables.h"
+#include "module/reporting/test_tables.h"
 
 namespace tavo {
 

@@ -1,8 +1,8 @@
 // The tables of hypothesis tests, contrasts and odds ratios. The tests run here, when they are printed.
 #pragma once
 
-#include "inference/test_stats.h"
-#include "reporting/table_frame.h"
+#include "component/inference/test_stats.h"
+#include "module/reporting/table_frame.h"
 
 namespace tavo {
 

@@ -1,6 +1,6 @@
-#include "saved/document_strings.h"
+#include "module/saved/document_strings.h"
 
-#include "input/value_text.h"
+#include "module/input/value_text.h"
 
 namespace tavo {
 

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "command/valid_specs.h"
-#include "frame/procedure_driver.h"
 #include "host/files.h"
+#include "module/command/valid_specs.h"
+#include "module/frame/procedure_driver.h"
 
 namespace tavo {
 

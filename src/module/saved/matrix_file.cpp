@@ -1,11 +1,11 @@
-#include "saved/matrix_file.h"
+#include "module/saved/matrix_file.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "host/output.h"
-#include "input/value_text.h"
-#include "saved/document_strings.h"
+#include "module/input/value_text.h"
+#include "module/saved/document_strings.h"
 
 namespace tavo {
 

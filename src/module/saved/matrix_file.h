@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "frame/procedure_driver.h"
+#include "component/run/output_stats.h"
 #include "host/files.h"
-#include "inference/output_stats.h"
+#include "module/frame/procedure_driver.h"
 
 namespace tavo {
 

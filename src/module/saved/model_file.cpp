@@ -1,4 +1,4 @@
-#include "saved/model_file.h"
+#include "module/saved/model_file.h"
 
 #include <algorithm>
 #include <ostream>
@@ -8,8 +8,8 @@
 #include "host/files.h"
 #include "host/output.h"
 #include "host/session.h"
-#include "saved/model_variables.h"
-#include "saved/pmml_exporter.h"
+#include "module/saved/model_variables.h"
+#include "module/saved/pmml_exporter.h"
 
 namespace tavo {
 

@@ -1,7 +1,7 @@
 // The fitted model as a file for scoring programs.
 #pragma once
 
-#include "reporting/table_frame.h"
+#include "module/reporting/table_frame.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "saved/model_variables.h"
+#include "module/saved/model_variables.h"
 
 #include <array>
 #include <charconv>

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "host/data.h"
-#include "saved/pmml_metadata.h"
+#include "module/saved/pmml_metadata.h"
 
 namespace tavo {
 

@@ -1,5 +1,5 @@
 // Header, data dictionary and mining schema of a model document.
-#include "saved/pmml_sections.h"
+#include "module/saved/pmml_sections.h"
 
 namespace tavo {
 

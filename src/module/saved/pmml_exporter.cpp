@@ -1,10 +1,10 @@
-#include "saved/pmml_exporter.h"
+#include "module/saved/pmml_exporter.h"
 
 #include <algorithm>
 #include <ostream>
 #include <utility>
 
-#include "saved/pmml_sections.h"
+#include "module/saved/pmml_sections.h"
 
 namespace tavo {
 

@@ -5,12 +5,12 @@
 #include <memory>
 #include <vector>
 
-#include "estimation/numerics/sym_matrix.h"
-#include "frame/orv_cancel_info.h"
-#include "frame/orv_status.h"
-#include "saved/pmml_metadata.h"
-#include "saved/pmml_model.h"
-#include "saved/xml_element.h"
+#include "component/frame/orv_cancel_info.h"
+#include "component/frame/orv_status.h"
+#include "component/numerics/sym_matrix.h"
+#include "module/saved/pmml_metadata.h"
+#include "module/saved/pmml_model.h"
+#include "module/saved/xml_element.h"
 
 namespace tavo {
 

@@ -1,7 +1,7 @@
 // The estimates and their covariance.
 #include <cmath>
 
-#include "saved/pmml_sections.h"
+#include "module/saved/pmml_sections.h"
 
 namespace tavo {
 

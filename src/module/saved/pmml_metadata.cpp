@@ -1,4 +1,4 @@
-#include "saved/pmml_metadata.h"
+#include "module/saved/pmml_metadata.h"
 
 #include <algorithm>
 #include <utility>

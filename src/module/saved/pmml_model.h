@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "estimation/numerics/bit_set.h"
-#include "estimation/regr_parameter.h"
-#include "input/model_effect.h"
+#include "component/estimation/regr_parameter.h"
+#include "component/input/model_effect.h"
+#include "component/numerics/bit_set.h"
 
 namespace tavo {
 

@@ -1,6 +1,6 @@
 // Parameters, predictors and how the two belong together.
-#include "reporting/term_text.h"
-#include "saved/pmml_sections.h"
+#include "module/reporting/term_text.h"
+#include "module/saved/pmml_sections.h"
 
 namespace tavo {
 

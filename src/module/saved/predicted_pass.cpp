@@ -1,10 +1,10 @@
-#include "saved/predicted_pass.h"
+#include "module/saved/predicted_pass.h"
 
 #include <string>
 #include <vector>
 
-#include "inference/output_stats.h"
-#include "saved/predicted_variables.h"
+#include "component/run/output_stats.h"
+#include "module/saved/predicted_variables.h"
 
 namespace tavo {
 

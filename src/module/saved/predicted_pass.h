@@ -1,8 +1,8 @@
 // The last pass over the cases: predictions are written into the data.
 #pragma once
 
-#include "frame/procedure_driver.h"
 #include "host/data.h"
+#include "module/frame/procedure_driver.h"
 
 namespace tavo {
 

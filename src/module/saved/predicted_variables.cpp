@@ -1,9 +1,9 @@
-#include "saved/predicted_variables.h"
+#include "module/saved/predicted_variables.h"
 
 #include <algorithm>
 
 #include "host/output.h"
-#include "input/value_text.h"
+#include "module/input/value_text.h"
 
 namespace tavo {
 

@@ -1,8 +1,8 @@
-#include "saved/saved_results.h"
+#include "module/saved/saved_results.h"
 
-#include "saved/matrix_file.h"
-#include "saved/model_file.h"
-#include "saved/predicted_pass.h"
+#include "module/saved/matrix_file.h"
+#include "module/saved/model_file.h"
+#include "module/saved/predicted_pass.h"
 
 namespace tavo {
 

@@ -1,7 +1,7 @@
 // What leaves a run besides its tables.
 #pragma once
 
-#include "reporting/table_frame.h"
+#include "module/reporting/table_frame.h"
 
 namespace tavo {
 

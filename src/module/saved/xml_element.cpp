@@ -1,4 +1,4 @@
-#include "saved/xml_element.h"
+#include "module/saved/xml_element.h"
 
 #include <array>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "cli/arguments.h"
+#include "standalone/cli/arguments.h"
 
 #include <CLI/CLI.hpp>
 
@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "command/suggestion.h"
-#include "files/data_writer.h"
+#include "standalone/files/data_writer.h"
+#include "standalone/text/suggestion.h"
 
 namespace standalone {
 

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "cli/plan_arguments.h"
-#include "output/renderers.h"
+#include "standalone/cli/plan_arguments.h"
+#include "standalone/output/renderers.h"
 
 namespace standalone {
 

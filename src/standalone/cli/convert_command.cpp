@@ -1,10 +1,10 @@
-#include "cli/convert_command.h"
+#include "standalone/cli/convert_command.h"
 
 #include <iostream>
 
-#include "data/readers.h"
-#include "files/data_writer.h"
-#include "output/message_text.h"
+#include "standalone/files/data_reader.h"
+#include "standalone/files/data_writer.h"
+#include "standalone/output/message_text.h"
 
 namespace standalone {
 

@@ -1,10 +1,10 @@
-#include "cli/describe_command.h"
+#include "standalone/cli/describe_command.h"
 
 #include <iostream>
 
-#include "data/readers.h"
-#include "data_description.h"
-#include "output/message_text.h"
+#include "standalone/files/data_reader.h"
+#include "standalone/output/message_text.h"
+#include "standalone/session/data_description.h"
 
 namespace standalone {
 

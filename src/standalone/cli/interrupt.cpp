@@ -1,4 +1,4 @@
-#include "cli/interrupt.h"
+#include "standalone/cli/interrupt.h"
 
 #include <signal.h>
 

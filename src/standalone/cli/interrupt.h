@@ -1,7 +1,7 @@
 // Ctrl-C asks the running session to stop.
 #pragma once
 
-#include "session.h"
+#include "standalone/session/embedded_session.h"
 
 namespace standalone {
 

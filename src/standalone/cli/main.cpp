@@ -2,11 +2,11 @@
 #include <exception>
 #include <iostream>
 
-#include "cli/arguments.h"
-#include "cli/convert_command.h"
-#include "cli/describe_command.h"
-#include "cli/plan_command.h"
-#include "cli/run_command.h"
+#include "standalone/cli/arguments.h"
+#include "standalone/cli/convert_command.h"
+#include "standalone/cli/describe_command.h"
+#include "standalone/cli/plan_command.h"
+#include "standalone/cli/run_command.h"
 
 int main(int argc, char** argv) {
   try {

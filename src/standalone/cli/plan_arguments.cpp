@@ -1,4 +1,4 @@
-#include "cli/plan_arguments.h"
+#include "standalone/cli/plan_arguments.h"
 
 #include <CLI/CLI.hpp>
 
@@ -7,8 +7,8 @@
 #include <optional>
 #include <span>
 
-#include "cli/arguments.h"
-#include "command/suggestion.h"
+#include "standalone/cli/arguments.h"
+#include "standalone/text/suggestion.h"
 
 namespace standalone {
 

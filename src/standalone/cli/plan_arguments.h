@@ -5,7 +5,7 @@
 #include <variant>
 #include <vector>
 
-#include "output/renderers.h"
+#include "standalone/output/renderers.h"
 
 namespace standalone {
 

@@ -1,14 +1,14 @@
-#include "cli/plan_check.h"
+#include "standalone/cli/plan_check.h"
 
 #include <algorithm>
 #include <memory>
 
-#include "cli/stage_value.h"
-#include "cli/unit_tally.h"
-#include "command/suggestion.h"
-#include "data/active_data.h"
-#include "output/cell_text.h"
-#include "output/number_text.h"
+#include "standalone/cli/stage_value.h"
+#include "standalone/cli/unit_tally.h"
+#include "standalone/data/active_data.h"
+#include "standalone/output/content_text.h"
+#include "standalone/output/number_text.h"
+#include "standalone/text/suggestion.h"
 
 namespace standalone {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "cli/plan_finding.h"
-#include "command/plan/plan_data.h"
-#include "data/table.h"
+#include "module/command/plan/plan_data.h"
+#include "standalone/cli/plan_finding.h"
+#include "standalone/data/table.h"
 
 namespace standalone {
 

@@ -1,18 +1,18 @@
-#include "cli/plan_check_command.h"
+#include "standalone/cli/plan_check_command.h"
 
 #include <algorithm>
 #include <iostream>
 #include <thread>
 
-#include "cli/arguments.h"
-#include "cli/plan_check.h"
-#include "cli/plan_words.h"
-#include "command/plan/plan_methods.h"
-#include "command/plan/plan_reader.h"
-#include "data/readers.h"
-#include "output/json_writer.h"
-#include "output/plain_text.h"
-#include "session.h"
+#include "module/command/plan/plan_methods.h"
+#include "module/command/plan/plan_reader.h"
+#include "standalone/cli/arguments.h"
+#include "standalone/cli/plan_check.h"
+#include "standalone/cli/plan_words.h"
+#include "standalone/files/data_reader.h"
+#include "standalone/output/json_writer.h"
+#include "standalone/session/embedded_session.h"
+#include "standalone/text/plain_text.h"
 
 namespace standalone {
 

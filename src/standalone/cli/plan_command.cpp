@@ -1,12 +1,12 @@
-#include "cli/plan_command.h"
+#include "standalone/cli/plan_command.h"
 
 #include <iostream>
 
-#include "cli/files.h"
-#include "cli/plan_check_command.h"
-#include "cli/plan_create.h"
-#include "cli/plan_show.h"
-#include "session.h"
+#include "standalone/cli/plan_check_command.h"
+#include "standalone/cli/plan_create.h"
+#include "standalone/cli/plan_show.h"
+#include "standalone/cli/program_files.h"
+#include "standalone/session/embedded_session.h"
 
 namespace standalone {
 

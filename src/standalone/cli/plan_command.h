@@ -1,7 +1,7 @@
 // tavoreg plan: making, showing and checking plan files
 #pragma once
 
-#include "cli/plan_arguments.h"
+#include "standalone/cli/plan_arguments.h"
 
 namespace standalone {
 

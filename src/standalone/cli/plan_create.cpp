@@ -1,4 +1,4 @@
-#include "cli/plan_create.h"
+#include "standalone/cli/plan_create.h"
 
 #include <charconv>
 #include <chrono>
@@ -8,15 +8,15 @@
 #include <iostream>
 #include <ostream>
 
-#include "cli/arguments.h"
-#include "cli/matrix_file.h"
-#include "command/plan/plan_methods.h"
-#include "command/plan/plan_reader.h"
-#include "command/plan/plan_writer.h"
-#include "command/suggestion.h"
 #include "host/output.h"
-#include "output/atomic_file.h"
-#include "session.h"
+#include "module/command/plan/plan_methods.h"
+#include "module/command/plan/plan_reader.h"
+#include "module/command/plan/plan_writer.h"
+#include "standalone/cli/arguments.h"
+#include "standalone/cli/plan_matrix_file.h"
+#include "standalone/files/atomic_file.h"
+#include "standalone/session/embedded_session.h"
+#include "standalone/text/suggestion.h"
 
 namespace standalone {
 

@@ -1,16 +1,16 @@
-#include "cli/plan_show.h"
+#include "standalone/cli/plan_show.h"
 
 #include <iostream>
 #include <optional>
 
-#include "cli/arguments.h"
-#include "cli/plan_words.h"
-#include "command/plan/plan_methods.h"
-#include "command/plan/plan_reader.h"
-#include "output/json_writer.h"
-#include "output/number_text.h"
-#include "output/plain_text.h"
-#include "session.h"
+#include "module/command/plan/plan_methods.h"
+#include "module/command/plan/plan_reader.h"
+#include "standalone/cli/arguments.h"
+#include "standalone/cli/plan_words.h"
+#include "standalone/output/json_writer.h"
+#include "standalone/output/number_text.h"
+#include "standalone/session/embedded_session.h"
+#include "standalone/text/plain_text.h"
 
 namespace standalone {
 

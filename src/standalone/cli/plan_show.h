@@ -1,7 +1,7 @@
 // tavoreg plan show
 #pragma once
 
-#include "cli/plan_arguments.h"
+#include "standalone/cli/plan_arguments.h"
 
 namespace standalone {
 

@@ -1,8 +1,8 @@
-#include "cli/plan_words.h"
+#include "standalone/cli/plan_words.h"
 
-#include "command/plan/plan_reader.h"
-#include "output/catalogue.h"
-#include "output/template.h"
+#include "module/command/plan/plan_reader.h"
+#include "standalone/output/catalogue.h"
+#include "standalone/output/template.h"
 
 namespace standalone {
 

@@ -1,4 +1,4 @@
-#include "cli/run_command.h"
+#include "standalone/cli/run_command.h"
 
 #include <unistd.h>
 
@@ -10,14 +10,14 @@
 #include <sstream>
 #include <thread>
 
-#include "cli/files.h"
-#include "cli/interrupt.h"
-#include "data/readers.h"
-#include "files/data_writer.h"
 #include "host/session.h"
-#include "output/atomic_file.h"
-#include "run.h"
-#include "session.h"
+#include "standalone/cli/interrupt.h"
+#include "standalone/cli/program_files.h"
+#include "standalone/files/atomic_file.h"
+#include "standalone/files/data_reader.h"
+#include "standalone/files/data_writer.h"
+#include "standalone/session/embedded_session.h"
+#include "standalone/session/run_commands.h"
 
 namespace standalone {
 

@@ -1,7 +1,7 @@
 // tavoreg run
 #pragma once
 
-#include "cli/arguments.h"
+#include "standalone/cli/arguments.h"
 
 namespace standalone {
 

@@ -1,8 +1,8 @@
-#include "cli/stage_value.h"
+#include "standalone/cli/stage_value.h"
 
-#include "command/category_value.h"
-#include "output/cell_text.h"
-#include "output/number_text.h"
+#include "module/command/category_value.h"
+#include "standalone/output/content_text.h"
+#include "standalone/output/number_text.h"
 
 namespace standalone {
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "cli/plan_finding.h"
-#include "command/plan/plan_data.h"
 #include "host/data.h"
+#include "module/command/plan/plan_data.h"
+#include "standalone/cli/plan_finding.h"
 
 namespace standalone {
 

@@ -1,4 +1,4 @@
-#include "cli/unit_tally.h"
+#include "standalone/cli/unit_tally.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string_view>
 
-#include "command/utf8.h"
 #include "host/command.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

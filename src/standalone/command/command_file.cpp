@@ -1,7 +1,7 @@
-#include "command/command_file.h"
+#include "standalone/command/command_file.h"
 
-#include "command/command_reader.h"
-#include "command/parser_keys.h"
+#include "standalone/command/command_reader.h"
+#include "standalone/command/parser_keys.h"
 
 namespace standalone {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "command/source_text.h"
 #include "host/command.h"
+#include "standalone/command/source_text.h"
 
 namespace standalone {
 

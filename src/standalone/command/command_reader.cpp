@@ -1,11 +1,11 @@
-#include "command/command_reader.h"
+#include "standalone/command/command_reader.h"
 
 #include <array>
 #include <utility>
 
-#include "command/number_text.h"
-#include "command/parser_keys.h"
 #include "host/data.h"
+#include "standalone/command/parser_keys.h"
+#include "standalone/text/number_from_text.h"
 
 namespace standalone {
 

@@ -11,8 +11,8 @@
 #include <string_view>
 #include <vector>
 
-#include "command/character_cursor.h"
-#include "command/command_file.h"
+#include "standalone/command/character_cursor.h"
+#include "standalone/command/command_file.h"
 
 namespace standalone {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "output/messages.h"
+#include "standalone/session/messages.h"
 
 namespace standalone {
 

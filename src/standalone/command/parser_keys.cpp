@@ -1,4 +1,4 @@
-#include "command/parser_keys.h"
+#include "standalone/command/parser_keys.h"
 
 #include <array>
 

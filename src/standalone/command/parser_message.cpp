@@ -1,8 +1,8 @@
 // Messages of a command's interpreter on their way to the session.
 #include <utility>
 
-#include "command/message_sink.h"
 #include "host/command.h"
+#include "standalone/command/message_sink.h"
 
 namespace host {
 

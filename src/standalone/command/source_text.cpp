@@ -1,8 +1,8 @@
-#include "command/source_text.h"
+#include "standalone/command/source_text.h"
 
 #include <algorithm>
 
-#include "command/utf8.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

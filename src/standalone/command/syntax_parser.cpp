@@ -1,11 +1,11 @@
-#include "command/syntax_parser.h"
+#include "standalone/command/syntax_parser.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "command/parser_keys.h"
-#include "command/suggestion.h"
-#include "command/utf8.h"
+#include "standalone/command/parser_keys.h"
+#include "standalone/text/suggestion.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

@@ -17,8 +17,8 @@
 #include <string_view>
 #include <vector>
 
-#include "command/message_sink.h"
 #include "host/command.h"
+#include "standalone/command/message_sink.h"
 
 namespace standalone {
 

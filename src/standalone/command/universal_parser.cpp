@@ -1,4 +1,4 @@
-#include "command/syntax_parser.h"
+#include "standalone/command/syntax_parser.h"
 
 namespace host {
 

@@ -1,9 +1,9 @@
-#include "data/active_data.h"
+#include "standalone/data/active_data.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "data/cell_text.h"
+#include "standalone/data/cell_text.h"
 
 namespace standalone {
 

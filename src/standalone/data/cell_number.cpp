@@ -1,11 +1,11 @@
-#include "data/cell_number.h"
+#include "standalone/data/cell_number.h"
 
 #include <fast_float/fast_float.h>
 
 #include <algorithm>
 #include <cmath>
 
-#include "data/cell_text.h"
+#include "standalone/data/cell_text.h"
 
 namespace standalone {
 

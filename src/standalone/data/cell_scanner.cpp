@@ -1,4 +1,4 @@
-#include "data/cell_scanner.h"
+#include "standalone/data/cell_scanner.h"
 
 #include <cstring>
 

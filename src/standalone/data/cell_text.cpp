@@ -1,9 +1,9 @@
-#include "data/cell_text.h"
+#include "standalone/data/cell_text.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "command/utf8.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

@@ -1,4 +1,4 @@
-#include "data/file_ending.h"
+#include "standalone/data/file_ending.h"
 
 #include <algorithm>
 #include <filesystem>

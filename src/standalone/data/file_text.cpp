@@ -1,4 +1,4 @@
-#include "data/file_text.h"
+#include "standalone/data/file_text.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "command/utf8.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

@@ -1,12 +1,12 @@
-#include "data/format_text.h"
+#include "standalone/data/format_text.h"
 
 #include <fmt/format.h>
 
 #include <cctype>
 #include <charconv>
 
-#include "data/cell_number.h"
-#include "data/slice_reader.h"
+#include "standalone/data/cell_number.h"
+#include "standalone/data/slice_reader.h"
 
 namespace standalone {
 

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <cstring>
 
-#include "data/cell_number.h"
-#include "data/cell_text.h"
 #include "host/data.h"
+#include "standalone/data/cell_number.h"
+#include "standalone/data/cell_text.h"
 
 namespace host {
 

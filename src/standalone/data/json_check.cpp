@@ -1,11 +1,11 @@
-#include "data/json_check.h"
+#include "standalone/data/json_check.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
 #include <nlohmann/json.hpp>
 
-#include "command/utf8.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

@@ -1,12 +1,12 @@
-#include "data/names.h"
+#include "standalone/data/names.h"
 
 #include <algorithm>
 #include <array>
 #include <unordered_map>
 #include <unordered_set>
 
-#include "data/cell_text.h"
 #include "host/data.h"
+#include "standalone/data/cell_text.h"
 
 namespace standalone {
 

@@ -1,4 +1,4 @@
-#include "data/parallel.h"
+#include "standalone/data/parallel.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,7 +1,7 @@
 // Three steps: slices are read side by side, each into its own rows of the columns; columns that are text in
 // any slice get the rows again that went in as numbers; and texts, kept as places until then, are laid out in
 // their final width.
-#include "data/read_columns.h"
+#include "standalone/data/read_columns.h"
 
 #include <fmt/format.h>
 
@@ -9,8 +9,8 @@
 #include <cstring>
 #include <deque>
 
-#include "data/parallel.h"
-#include "data/row_slices.h"
+#include "standalone/data/parallel.h"
+#include "standalone/data/row_slices.h"
 
 namespace standalone {
 

@@ -4,10 +4,10 @@
 #include <cstddef>
 #include <vector>
 
-#include "data/cell_scanner.h"
-#include "data/file_text.h"
-#include "data/slice_reader.h"
 #include "host/data.h"
+#include "standalone/data/cell_scanner.h"
+#include "standalone/data/file_text.h"
+#include "standalone/data/slice_reader.h"
 
 namespace standalone {
 

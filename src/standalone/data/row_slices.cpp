@@ -1,9 +1,9 @@
-#include "data/row_slices.h"
+#include "standalone/data/row_slices.h"
 
 #include <algorithm>
 
-#include "data/cell_text.h"
-#include "data/parallel.h"
+#include "standalone/data/cell_text.h"
+#include "standalone/data/parallel.h"
 
 namespace standalone {
 

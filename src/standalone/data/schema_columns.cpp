@@ -1,14 +1,14 @@
-#include "data/schema_columns.h"
+#include "standalone/data/schema_columns.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <unordered_map>
 
-#include "command/utf8.h"
-#include "data/cell_number.h"
-#include "data/cell_text.h"
-#include "data/format_text.h"
+#include "standalone/data/cell_number.h"
+#include "standalone/data/cell_text.h"
+#include "standalone/data/format_text.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "data/read_columns.h"
-#include "data/slice_reader.h"
-#include "data/table_schema.h"
 #include "host/data.h"
+#include "standalone/data/read_columns.h"
+#include "standalone/data/slice_reader.h"
+#include "standalone/data/table_schema.h"
 
 namespace standalone {
 

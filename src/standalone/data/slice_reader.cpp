@@ -1,4 +1,4 @@
-#include "data/slice_reader.h"
+#include "standalone/data/slice_reader.h"
 
 #include <fmt/format.h>
 
@@ -6,9 +6,9 @@
 #include <cmath>
 #include <cstring>
 
-#include "command/utf8.h"
-#include "data/cell_number.h"
-#include "data/cell_text.h"
+#include "standalone/data/cell_number.h"
+#include "standalone/data/cell_text.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

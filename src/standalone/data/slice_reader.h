@@ -6,10 +6,10 @@
 #include <string_view>
 #include <vector>
 
-#include "data/cell_scanner.h"
-#include "data/file_text.h"
-#include "data/row_slices.h"
 #include "host/data.h"
+#include "standalone/data/cell_scanner.h"
+#include "standalone/data/file_text.h"
+#include "standalone/data/row_slices.h"
 
 namespace standalone {
 

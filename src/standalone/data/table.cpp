@@ -1,8 +1,8 @@
-#include "data/table.h"
+#include "standalone/data/table.h"
 
 #include <cstring>
 
-#include "data/names.h"
+#include "standalone/data/names.h"
 
 namespace standalone {
 

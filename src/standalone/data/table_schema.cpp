@@ -1,4 +1,4 @@
-#include "data/table_schema.h"
+#include "standalone/data/table_schema.h"
 
 #include <fmt/format.h>
 
@@ -8,10 +8,10 @@
 #include <nlohmann/json.hpp>
 #include <unordered_set>
 
-#include "command/utf8.h"
-#include "data/file_text.h"
-#include "data/format_text.h"
-#include "data/json_check.h"
+#include "standalone/data/file_text.h"
+#include "standalone/data/format_text.h"
+#include "standalone/data/json_check.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

@@ -1,12 +1,12 @@
 // Case files that the module reads and writes beside the active data.
 #include <fmt/format.h>
 
-#include "data/active_data.h"
-#include "data/readers.h"
-#include "files/data_writer.h"
-#include "files/dictionary_check.h"
 #include "host/files.h"
 #include "host/session.h"
+#include "standalone/data/active_data.h"
+#include "standalone/files/data_reader.h"
+#include "standalone/files/data_writer.h"
+#include "standalone/files/dictionary_check.h"
 
 namespace host {
 

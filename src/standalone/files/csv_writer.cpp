@@ -1,4 +1,4 @@
-#include "files/csv_writer.h"
+#include "standalone/files/csv_writer.h"
 
 #include <unistd.h>
 
@@ -8,11 +8,11 @@
 #include <filesystem>
 #include <system_error>
 
-#include "data/cell_text.h"
-#include "data/table_schema.h"
-#include "files/dictionary_check.h"
-#include "files/pending_file.h"
-#include "files/schema_writer.h"
+#include "standalone/data/cell_text.h"
+#include "standalone/data/table_schema.h"
+#include "standalone/files/dictionary_check.h"
+#include "standalone/files/pending_file.h"
+#include "standalone/files/schema_writer.h"
 
 namespace standalone {
 

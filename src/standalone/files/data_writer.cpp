@@ -1,4 +1,4 @@
-#include "files/data_writer.h"
+#include "standalone/files/data_writer.h"
 
 #include <fmt/format.h>
 
@@ -6,10 +6,10 @@
 #include <new>
 #include <system_error>
 
-#include "data/file_ending.h"
-#include "files/csv_writer.h"
-#include "files/dictionary_check.h"
-#include "files/vdt_writer.h"
+#include "standalone/data/file_ending.h"
+#include "standalone/files/csv_writer.h"
+#include "standalone/files/dictionary_check.h"
+#include "standalone/files/vdt_writer.h"
 
 namespace standalone {
 

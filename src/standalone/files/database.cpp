@@ -1,4 +1,4 @@
-#include "files/database.h"
+#include "standalone/files/database.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>

@@ -1,4 +1,4 @@
-#include "files/dictionary_check.h"
+#include "standalone/files/dictionary_check.h"
 
 #include <fmt/format.h>
 
@@ -6,10 +6,10 @@
 #include <string_view>
 #include <unordered_set>
 
-#include "command/utf8.h"
-#include "data/cell_text.h"
-#include "data/format_text.h"
-#include "data/slice_reader.h"
+#include "standalone/data/cell_text.h"
+#include "standalone/data/format_text.h"
+#include "standalone/data/slice_reader.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

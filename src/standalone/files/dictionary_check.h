@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "data/table.h"
+#include "standalone/data/table.h"
 
 namespace standalone {
 

@@ -1,4 +1,4 @@
-#include "files/pending_file.h"
+#include "standalone/files/pending_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

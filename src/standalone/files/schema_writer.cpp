@@ -1,11 +1,11 @@
-#include "files/schema_writer.h"
+#include "standalone/files/schema_writer.h"
 
 #include <algorithm>
 #include <limits>
 #include <nlohmann/json.hpp>
 
-#include "data/cell_text.h"
-#include "data/format_text.h"
+#include "standalone/data/cell_text.h"
+#include "standalone/data/format_text.h"
 
 namespace standalone {
 

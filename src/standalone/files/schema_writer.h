@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "data/table.h"
+#include "standalone/data/table.h"
 
 namespace standalone {
 

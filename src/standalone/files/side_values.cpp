@@ -4,8 +4,8 @@
 #include <cstring>
 #include <ctime>
 
-#include "data/cell_text.h"
 #include "host/files.h"
+#include "standalone/data/cell_text.h"
 
 namespace host {
 

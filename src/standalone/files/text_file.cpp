@@ -2,7 +2,7 @@
 #include <ostream>
 
 #include "host/files.h"
-#include "output/atomic_file.h"
+#include "standalone/files/atomic_file.h"
 
 namespace host {
 

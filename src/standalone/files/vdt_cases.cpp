@@ -1,12 +1,12 @@
-#include "files/vdt_cases.h"
+#include "standalone/files/vdt_cases.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
 
-#include "data/cell_text.h"
-#include "files/dictionary_check.h"
+#include "standalone/data/cell_text.h"
+#include "standalone/files/dictionary_check.h"
 
 namespace standalone {
 

@@ -3,9 +3,9 @@
 
 #include <cstddef>
 
-#include "data/table.h"
-#include "files/database.h"
-#include "files/vdt_layout.h"
+#include "standalone/data/table.h"
+#include "standalone/files/database.h"
+#include "standalone/files/vdt_layout.h"
 
 namespace standalone {
 

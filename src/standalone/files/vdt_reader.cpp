@@ -1,4 +1,4 @@
-#include "files/vdt_reader.h"
+#include "standalone/files/vdt_reader.h"
 
 #include <fmt/format.h>
 
@@ -10,13 +10,13 @@
 #include <fstream>
 #include <system_error>
 
-#include "data/cell_text.h"
-#include "data/format_text.h"
-#include "data/slice_reader.h"
-#include "files/database.h"
-#include "files/dictionary_check.h"
-#include "files/vdt_cases.h"
-#include "files/vdt_layout.h"
+#include "standalone/data/cell_text.h"
+#include "standalone/data/format_text.h"
+#include "standalone/data/slice_reader.h"
+#include "standalone/files/database.h"
+#include "standalone/files/dictionary_check.h"
+#include "standalone/files/vdt_cases.h"
+#include "standalone/files/vdt_layout.h"
 
 namespace standalone {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "data/readers.h"
+#include "standalone/files/data_reader.h"
 
 namespace standalone {
 

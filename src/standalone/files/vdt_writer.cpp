@@ -1,15 +1,15 @@
-#include "files/vdt_writer.h"
+#include "standalone/files/vdt_writer.h"
 
 #include <fmt/format.h>
 
 #include <cmath>
 
-#include "data/cell_text.h"
-#include "data/format_text.h"
-#include "files/database.h"
-#include "files/dictionary_check.h"
-#include "files/pending_file.h"
-#include "files/vdt_layout.h"
+#include "standalone/data/cell_text.h"
+#include "standalone/data/format_text.h"
+#include "standalone/files/database.h"
+#include "standalone/files/dictionary_check.h"
+#include "standalone/files/pending_file.h"
+#include "standalone/files/vdt_layout.h"
 
 namespace standalone {
 

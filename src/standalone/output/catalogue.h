@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "command/parser_keys.h"
+#include "standalone/command/parser_keys.h"
 
 namespace standalone {
 

@@ -1,7 +1,7 @@
 // English: mistakes in the values of a command.
 #include <array>
 
-#include "output/catalogue.h"
+#include "standalone/output/catalogue.h"
 
 namespace standalone {
 

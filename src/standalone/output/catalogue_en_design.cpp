@@ -1,7 +1,7 @@
 // English: plan files, designs and joint inclusion probabilities.
 #include <array>
 
-#include "output/catalogue.h"
+#include "standalone/output/catalogue.h"
 
 namespace standalone {
 

@@ -1,7 +1,7 @@
 // English: mistakes about effects, custom tests and odds ratios.
 #include <array>
 
-#include "output/catalogue.h"
+#include "standalone/output/catalogue.h"
 
 namespace standalone {
 

@@ -1,7 +1,7 @@
 // English: messages of a run, about cases, the fit, saved results and the program itself.
 #include <array>
 
-#include "output/catalogue.h"
+#include "standalone/output/catalogue.h"
 
 namespace standalone {
 

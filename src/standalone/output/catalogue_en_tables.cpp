@@ -1,7 +1,7 @@
 // English: titles, labels, captions and notes of the tables.
 #include <array>
 
-#include "output/catalogue.h"
+#include "standalone/output/catalogue.h"
 
 namespace standalone {
 

@@ -1,4 +1,4 @@
-#include "output/document.h"
+#include "standalone/output/document.h"
 
 #include <algorithm>
 

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "host/output.h"
-#include "output/messages.h"
+#include "standalone/session/messages.h"
 
 namespace standalone {
 

@@ -1,10 +1,10 @@
-#include "output/json_writer.h"
+#include "standalone/output/json_writer.h"
 
 #include <ostream>
 #include <string>
 
-#include "output/number_text.h"
-#include "output/plain_text.h"
+#include "standalone/output/number_text.h"
+#include "standalone/text/plain_text.h"
 
 namespace standalone {
 

@@ -1,4 +1,4 @@
-#include "output/message_limit.h"
+#include "standalone/output/message_limit.h"
 
 #include <algorithm>
 #include <utility>

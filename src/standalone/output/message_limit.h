@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "output/document.h"
+#include "standalone/output/document.h"
 
 namespace standalone {
 

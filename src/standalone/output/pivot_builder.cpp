@@ -1,11 +1,11 @@
-#include "output/pivot_builder.h"
+#include "standalone/output/pivot_builder.h"
 
 #include <algorithm>
 #include <deque>
 #include <stdexcept>
 #include <unordered_map>
 
-#include "output/cell_text.h"
+#include "standalone/output/content_text.h"
 
 namespace standalone {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <ostream>
 
-#include "output/plain_text.h"
-#include "output/renderers.h"
-#include "output/table_layout.h"
+#include "standalone/output/renderers.h"
+#include "standalone/output/table_layout.h"
+#include "standalone/text/plain_text.h"
 
 namespace standalone {
 

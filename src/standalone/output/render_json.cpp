@@ -1,8 +1,8 @@
 #include <ostream>
 
-#include "output/json_writer.h"
-#include "output/renderers.h"
-#include "output/table_layout.h"
+#include "standalone/output/json_writer.h"
+#include "standalone/output/renderers.h"
+#include "standalone/output/table_layout.h"
 
 namespace standalone {
 

@@ -1,7 +1,7 @@
 #include <ostream>
 
-#include "output/renderers.h"
-#include "output/table_layout.h"
+#include "standalone/output/renderers.h"
+#include "standalone/output/table_layout.h"
 
 namespace standalone {
 

@@ -2,11 +2,11 @@
 
 #include <ostream>
 
-#include "output/message_text.h"
-#include "output/plain_text.h"
-#include "output/renderers.h"
-#include "output/table_layout.h"
-#include "output/text_table.h"
+#include "standalone/output/message_text.h"
+#include "standalone/output/renderers.h"
+#include "standalone/output/table_layout.h"
+#include "standalone/output/text_table.h"
+#include "standalone/text/plain_text.h"
 
 namespace standalone {
 

@@ -1,4 +1,4 @@
-#include "output/renderers.h"
+#include "standalone/output/renderers.h"
 
 #include <filesystem>
 

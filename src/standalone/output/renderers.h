@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "output/document.h"
+#include "standalone/output/document.h"
 
 namespace standalone {
 

@@ -1,10 +1,10 @@
-#include "output/table_layout.h"
+#include "standalone/output/table_layout.h"
 
 #include <algorithm>
 #include <set>
 #include <unordered_set>
 
-#include "output/number_text.h"
+#include "standalone/output/number_text.h"
 
 namespace standalone {
 

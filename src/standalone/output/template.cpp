@@ -1,4 +1,4 @@
-#include "output/template.h"
+#include "standalone/output/template.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,10 +1,10 @@
-#include "output/text_table.h"
+#include "standalone/output/text_table.h"
 
 #include <algorithm>
 #include <ostream>
 
-#include "output/message_text.h"
-#include "output/plain_text.h"
+#include "standalone/output/message_text.h"
+#include "standalone/text/plain_text.h"
 
 namespace standalone {
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <iosfwd>
 
-#include "output/table_layout.h"
+#include "standalone/output/table_layout.h"
 
 namespace standalone {
 

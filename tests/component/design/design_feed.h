@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "design/sample_design.h"
-#include "tabulation/orv_key.h"
+#include "component/design/sample_design.h"
+#include "component/tabulation/orv_key.h"
 
 namespace design_test {
 

@@ -1,8 +1,8 @@
-#include "design/design_nodes.h"
+#include "component/design/design_nodes.h"
 
 #include <gtest/gtest.h>
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 namespace {

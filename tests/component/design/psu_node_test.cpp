@@ -1,9 +1,9 @@
-#include "design/psu_node.h"
+#include "component/design/psu_node.h"
 
 #include <gtest/gtest.h>
 
+#include "component/numerics/missing_value.h"
 #include "design_feed.h"
-#include "estimation/numerics/missing_value.h"
 
 namespace design_test {
 namespace {

@@ -1,9 +1,9 @@
-#include "design/sample_design.h"
+#include "component/design/sample_design.h"
 
 #include <gtest/gtest.h>
 
+#include "component/numerics/missing_value.h"
 #include "design_feed.h"
-#include "estimation/numerics/missing_value.h"
 
 namespace design_test {
 namespace {

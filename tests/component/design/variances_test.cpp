@@ -1,8 +1,8 @@
-#include "design/variances.h"
+#include "component/design/variances.h"
 
 #include <gtest/gtest.h>
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 namespace {

@@ -5,18 +5,18 @@
 #include <utility>
 #include <vector>
 
-#include "estimation/accum_stats.h"
-#include "estimation/model.h"
-#include "estimation/optimizer.h"
-#include "estimation/progress.h"
-#include "frame/orv_cancel_info.h"
-#include "input/comp_settings.h"
-#include "input/model_effect.h"
-#include "input/record_extractor.h"
+#include "component/estimation/accum_stats.h"
+#include "component/estimation/fit_progress.h"
+#include "component/estimation/model.h"
+#include "component/estimation/optimizer.h"
+#include "component/frame/orv_cancel_info.h"
+#include "component/input/comp_settings.h"
+#include "component/input/model_effect.h"
+#include "component/input/record_extractor.h"
+#include "component/run/pattern_tabulator.h"
+#include "component/tabulation/factor_tables.h"
 #include "memory_record_iterator.h"
 #include "reference_fits.h"
-#include "tabulation/factor_tables.h"
-#include "tabulation/pattern_tabulator.h"
 
 namespace tavo_test {
 

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-#include "design/sample_design.h"
+#include "component/design/sample_design.h"
 #include "effect_bench.h"
 
 namespace tavo {

@@ -11,10 +11,10 @@
 #include <utility>
 #include <vector>
 
-#include "design/inference.h"
-#include "inference/output_stats.h"
+#include "component/inference/inference.h"
+#include "component/run/algorithm.h"
+#include "component/run/output_stats.h"
 #include "memory_record_iterator.h"
-#include "tabulation/algorithm.h"
 
 namespace effect_bench {
 

@@ -1,15 +1,15 @@
 // The inference alone, on a model that is led by hand to a chosen information matrix, and on chosen unit
 // totals.
 
-#include "design/inference.h"
+#include "component/inference/inference.h"
 
 #include <gtest/gtest.h>
 
-#include "design/sample_design.h"
-#include "estimation/model.h"
-#include "estimation/numerics/missing_value.h"
+#include "component/design/sample_design.h"
+#include "component/estimation/model.h"
+#include "component/numerics/missing_value.h"
+#include "component/tabulation/factor_tables.h"
 #include "small_survey.h"
-#include "tabulation/factor_tables.h"
 
 namespace inference_test {
 namespace {

@@ -9,9 +9,9 @@
 #include <limits>
 #include <vector>
 
+#include "component/inference/model_tests.h"
+#include "component/numerics/distributions.h"
 #include "effect_bench.h"
-#include "estimation/numerics/distributions.h"
-#include "inference/model_tests.h"
 
 namespace tavo {
 namespace {

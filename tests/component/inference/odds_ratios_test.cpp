@@ -1,13 +1,13 @@
 // Odds ratios of whole runs of the component against cell counts and the parameters that make them up.
-#include "inference/odds_ratios.h"
+#include "component/inference/odds_ratios.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 
+#include "component/numerics/missing_value.h"
 #include "effect_bench.h"
-#include "estimation/numerics/missing_value.h"
 
 namespace tavo {
 namespace {

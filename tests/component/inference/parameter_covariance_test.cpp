@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-#include "estimation/numerics/missing_value.h"
-#include "inference/output_stats.h"
+#include "component/numerics/missing_value.h"
+#include "component/run/output_stats.h"
 #include "small_survey.h"
 
 namespace inference_test {

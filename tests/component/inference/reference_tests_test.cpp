@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "effect_bench.h"
+#include "source_folder.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "input/comp_settings.h"
+#include "component/input/comp_settings.h"
 
 #include <gtest/gtest.h>
 

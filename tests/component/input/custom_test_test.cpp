@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "input/custom_test.h"
+#include "component/input/custom_test.h"
 
 namespace tavo {
 namespace {

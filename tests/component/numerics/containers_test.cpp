@@ -5,11 +5,11 @@
 #include <limits>
 #include <utility>
 
+#include "component/numerics/machine_constants.h"
+#include "component/numerics/missing_value.h"
+#include "component/numerics/record.h"
+#include "component/numerics/rect_matrix.h"
 #include "dense_reference.h"
-#include "estimation/numerics/machine_constants.h"
-#include "estimation/numerics/missing_value.h"
-#include "estimation/numerics/record.h"
-#include "estimation/numerics/rect_matrix.h"
 
 namespace {
 

@@ -1,5 +1,4 @@
-#ifndef TAVO_TESTS_COMPONENT_NUMERICS_DENSE_REFERENCE_H
-#define TAVO_TESTS_COMPONENT_NUMERICS_DENSE_REFERENCE_H
+#pragma once
 
 #include <algorithm>
 #include <cmath>
@@ -7,8 +6,8 @@
 #include <random>
 #include <vector>
 
-#include "estimation/numerics/bit_set.h"
-#include "estimation/numerics/sym_matrix.h"
+#include "component/numerics/bit_set.h"
+#include "component/numerics/sym_matrix.h"
 
 // Plain dense matrices with triple loops: the independent method that the packed operations are held against.
 struct Dense {
@@ -143,5 +142,3 @@ inline MCCommonMath::MCBitSet AllBits(int size) {
   out.Resize(size, true);
   return out;
 }
-
-#endif

@@ -1,11 +1,11 @@
-#include "estimation/numerics/distributions.h"
+#include "component/numerics/distributions.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <vector>
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
-#include "estimation/numerics/math_functions.h"
+#include "component/numerics/math_functions.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace {
 

@@ -6,9 +6,9 @@
 #include <limits>
 #include <vector>
 
-#include "estimation/numerics/bit_set.h"
-#include "estimation/numerics/missing_value.h"
-#include "estimation/numerics/rect_matrix.h"
+#include "component/numerics/bit_set.h"
+#include "component/numerics/missing_value.h"
+#include "component/numerics/rect_matrix.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <vector>
 
+#include "component/numerics/math_functions.h"
 #include "dense_reference.h"
-#include "estimation/numerics/math_functions.h"
 
 namespace {
 

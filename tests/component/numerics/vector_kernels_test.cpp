@@ -1,4 +1,4 @@
-#include "estimation/numerics/vector_kernels.h"
+#include "component/numerics/vector_kernels.h"
 
 #include <gtest/gtest.h>
 

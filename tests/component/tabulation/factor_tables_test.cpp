@@ -1,10 +1,10 @@
-#include "tabulation/factor_tables.h"
+#include "component/tabulation/factor_tables.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace tavo {
 namespace {

@@ -1,4 +1,4 @@
-#include "tabulation/orv_key.h"
+#include "component/tabulation/orv_key.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tabulation/packed_int.h"
+#include "component/tabulation/packed_int.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "command/category_value.h"
+#include "module/command/category_value.h"
 
 #include <gtest/gtest.h>
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "command/command_parser.h"
-#include "command/valid_specs.h"
-#include "session.h"
+#include "module/command/command_parser.h"
+#include "module/command/valid_specs.h"
+#include "standalone/session/embedded_session.h"
 
 namespace command_parser_test {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "command_run.h"
-#include "output/template.h"
+#include "standalone/output/template.h"
 
 namespace command_parser_test {
 

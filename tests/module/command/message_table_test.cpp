@@ -7,7 +7,7 @@
 #include <set>
 
 #include "message_cases.h"
-#include "output/catalogue.h"
+#include "standalone/output/catalogue.h"
 
 namespace command_parser_test {
 

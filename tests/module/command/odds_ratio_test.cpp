@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "command_run.h"
-#include "estimation/numerics/missing_value.h"
+#include "component/numerics/missing_value.h"
 
 namespace command_parser_test {
 

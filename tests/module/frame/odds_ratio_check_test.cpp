@@ -1,5 +1,5 @@
 // Odds ratio requests after the first pass: values become codes, variables become record columns.
-#include "frame/odds_ratio_check.h"
+#include "module/frame/odds_ratio_check.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,12 +7,12 @@
 #include <cstring>
 #include <memory>
 
-#include "command/command_file.h"
-#include "command/command_parser.h"
-#include "estimation/numerics/missing_value.h"
-#include "frame/procedure_driver.h"
+#include "component/numerics/missing_value.h"
+#include "module/command/command_parser.h"
+#include "module/frame/procedure_driver.h"
 #include "module_run.h"
-#include "output/template.h"
+#include "standalone/command/command_file.h"
+#include "standalone/output/template.h"
 
 namespace tavo {
 namespace {

@@ -7,7 +7,7 @@
 #include <ostream>
 #include <streambuf>
 
-#include "frame/procedure_driver.h"
+#include "module/frame/procedure_driver.h"
 #include "module_run.h"
 #include "output_query.h"
 

@@ -10,11 +10,11 @@
 #include <utility>
 #include <vector>
 
-#include "estimation/numerics/missing_value.h"
-#include "input/proc_ds_multi_iter.h"
-#include "input/reg_input_adapter.h"
+#include "component/numerics/missing_value.h"
+#include "module/input/proc_ds_multi_iter.h"
+#include "module/input/reg_input_adapter.h"
 #include "scripted_source.h"
-#include "session.h"
+#include "standalone/session/embedded_session.h"
 
 namespace tavo {
 

@@ -1,10 +1,10 @@
 // The file of joint inclusion probabilities, its checks, and the strata that are read from it.
-#include "input/jprob_adapter.h"
+#include "module/input/jprob_adapter.h"
 
 #include <cmath>
 
 #include "adapter_fixture.h"
-#include "input/proc_joint_incl_probs.h"
+#include "module/input/proc_joint_incl_probs.h"
 
 namespace tavo {
 namespace {

@@ -1,6 +1,6 @@
 #include <cmath>
 
-#include "reporting/termination_texts.h"
+#include "module/reporting/termination_texts.h"
 #include "reporting_fixture.h"
 
 namespace tavo {

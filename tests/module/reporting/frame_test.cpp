@@ -1,6 +1,6 @@
 // Captions, names and the order of the tables.
 
-#include "reporting/table_frame.h"
+#include "module/reporting/table_frame.h"
 #include "reporting_fixture.h"
 
 namespace tavo {

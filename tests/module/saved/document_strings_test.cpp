@@ -1,11 +1,11 @@
 // The lines of a matrix file's document.
-#include "saved/document_strings.h"
+#include "module/saved/document_strings.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "../input/scripted_source.h"
-#include "session.h"
+#include "standalone/session/embedded_session.h"
 
 namespace tavo {
 namespace {

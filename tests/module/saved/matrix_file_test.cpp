@@ -4,9 +4,9 @@
 
 #include <cmath>
 
-#include "data/readers.h"
 #include "module_run.h"
 #include "output_query.h"
+#include "standalone/files/data_reader.h"
 
 namespace tavo {
 namespace {

@@ -1,8 +1,8 @@
 // What the document of a multinomial model holds.
 #include <map>
 
+#include "module/saved/pmml_sections.h"
 #include "pmml_fixture.h"
-#include "saved/pmml_sections.h"
 
 namespace tavo {
 namespace {

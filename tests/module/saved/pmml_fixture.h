@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "saved/pmml_exporter.h"
+#include "module/saved/pmml_exporter.h"
 #include "xml_document.h"
 
 namespace tavo {

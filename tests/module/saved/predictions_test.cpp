@@ -7,9 +7,9 @@
 #include <numeric>
 
 #include "../input/scripted_source.h"
+#include "module/saved/predicted_variables.h"
 #include "module_run.h"
 #include "output_query.h"
-#include "saved/predicted_variables.h"
 
 namespace tavo {
 namespace {

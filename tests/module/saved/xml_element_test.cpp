@@ -1,5 +1,5 @@
 // Trees of XML elements, written and read back.
-#include "saved/xml_element.h"
+#include "module/saved/xml_element.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "command/syntax_parser.h"
+#include "standalone/command/syntax_parser.h"
 
 namespace command_test {
 

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "command/command_file.h"
-#include "command/message_sink.h"
 #include "host/command.h"
+#include "standalone/command/command_file.h"
+#include "standalone/command/message_sink.h"
 
 namespace command_test {
 

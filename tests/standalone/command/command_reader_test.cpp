@@ -1,8 +1,8 @@
 // The tokens of command files: text in, compact dump out.
 #include <gtest/gtest.h>
 
-#include "command/parser_keys.h"
 #include "command_dump.h"
+#include "standalone/command/parser_keys.h"
 
 namespace {
 

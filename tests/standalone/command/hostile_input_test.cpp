@@ -6,8 +6,8 @@
 #include <set>
 #include <string>
 
-#include "command/parser_keys.h"
 #include "command_dump.h"
+#include "standalone/command/parser_keys.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <set>
 #include <string>
 
-#include "command/parser_keys.h"
 #include "recorded_session.h"
+#include "standalone/command/parser_keys.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "command/source_text.h"
+#include "standalone/command/source_text.h"
 
 #include <gtest/gtest.h>
 

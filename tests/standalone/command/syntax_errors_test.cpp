@@ -2,10 +2,10 @@
 // suggestion.
 #include <gtest/gtest.h>
 
-#include "command/suggestion.h"
-#include "command/syntax_parser.h"
 #include "command_dump.h"
 #include "recorded_session.h"
+#include "standalone/command/syntax_parser.h"
+#include "standalone/text/suggestion.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Commands that fit the grammar: text in, tree out.
-#include "command/syntax_parser.h"
+#include "standalone/command/syntax_parser.h"
 
 #include <gtest/gtest.h>
 

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "data/active_data.h"
-#include "data/cell_text.h"
-#include "data/table.h"
+#include "standalone/data/active_data.h"
+#include "standalone/data/cell_text.h"
+#include "standalone/data/table.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "data/readers.h"
+#include "standalone/files/data_reader.h"
 #include "temporary_folder.h"
 
 namespace {

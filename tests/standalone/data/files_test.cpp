@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string>
 
-#include "session.h"
+#include "standalone/session/embedded_session.h"
 #include "temporary_folder.h"
 
 namespace {

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "data/cell_number.h"
-#include "data/cell_text.h"
 #include "host/data.h"
 #include "host/text.h"
+#include "standalone/data/cell_number.h"
+#include "standalone/data/cell_text.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "data/names.h"
+#include "standalone/data/names.h"
 
 #include <gtest/gtest.h>
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "data/active_data.h"
-#include "data/cell_text.h"
 #include "host/data.h"
+#include "standalone/data/active_data.h"
+#include "standalone/data/cell_text.h"
 
 namespace {
 

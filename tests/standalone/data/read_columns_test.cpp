@@ -1,5 +1,5 @@
 // Reading in slices: the same columns come out for any cut and any number of threads.
-#include "data/read_columns.h"
+#include "standalone/data/read_columns.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "data/parallel.h"
-#include "data/row_slices.h"
+#include "standalone/data/parallel.h"
+#include "standalone/data/row_slices.h"
 
 namespace {
 

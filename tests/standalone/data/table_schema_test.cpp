@@ -1,4 +1,4 @@
-#include "data/table_schema.h"
+#include "standalone/data/table_schema.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "data/readers.h"
+#include "standalone/files/data_reader.h"
 #include "temporary_folder.h"
 
 namespace {

@@ -8,9 +8,9 @@
 #include <iterator>
 #include <random>
 
-#include "data/readers.h"
-#include "files/data_writer.h"
 #include "sample_tables.h"
+#include "standalone/files/data_reader.h"
+#include "standalone/files/data_writer.h"
 #include "test_folder.h"
 
 namespace {

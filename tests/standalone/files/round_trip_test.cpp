@@ -6,9 +6,9 @@
 #include <fstream>
 #include <iterator>
 
-#include "data/readers.h"
-#include "files/data_writer.h"
 #include "sample_tables.h"
+#include "standalone/files/data_reader.h"
+#include "standalone/files/data_writer.h"
 #include "test_folder.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <limits>
 
-#include "data/cell_text.h"
+#include "standalone/data/cell_text.h"
 
 namespace sample {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "data/table.h"
+#include "standalone/data/table.h"
 
 namespace sample {
 

@@ -1,11 +1,11 @@
 // Case files that a procedure reads and writes beside the active data.
 #include <gtest/gtest.h>
 
-#include "data/readers.h"
-#include "files/data_writer.h"
 #include "host/files.h"
 #include "sample_tables.h"
-#include "session.h"
+#include "standalone/files/data_reader.h"
+#include "standalone/files/data_writer.h"
+#include "standalone/session/embedded_session.h"
 #include "test_folder.h"
 
 namespace {

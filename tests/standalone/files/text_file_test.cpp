@@ -8,7 +8,7 @@
 #include <ostream>
 
 #include "host/files.h"
-#include "session.h"
+#include "standalone/session/embedded_session.h"
 #include "test_folder.h"
 
 namespace {

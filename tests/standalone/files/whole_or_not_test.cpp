@@ -11,12 +11,12 @@
 #include <limits>
 #include <map>
 
-#include "data/cell_text.h"
-#include "data/readers.h"
-#include "files/csv_writer.h"
-#include "files/data_writer.h"
-#include "files/pending_file.h"
 #include "sample_tables.h"
+#include "standalone/data/cell_text.h"
+#include "standalone/files/csv_writer.h"
+#include "standalone/files/data_reader.h"
+#include "standalone/files/data_writer.h"
+#include "standalone/files/pending_file.h"
 #include "test_folder.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "output/catalogue.h"
+#include "standalone/output/catalogue.h"
 
 #include <gtest/gtest.h>
 

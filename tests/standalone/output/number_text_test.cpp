@@ -1,4 +1,4 @@
-#include "output/number_text.h"
+#include "standalone/output/number_text.h"
 
 #include <gtest/gtest.h>
 

@@ -3,10 +3,10 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "output/cell_text.h"
-#include "output/pivot_builder.h"
 #include "output_query.h"
-#include "sample_tables.h"
+#include "pivot_samples.h"
+#include "standalone/output/content_text.h"
+#include "standalone/output/pivot_builder.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "output/renderers.h"
+#include "standalone/output/renderers.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "sample_tables.h"
+#include "pivot_samples.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "threads/task_threads.h"
+#include "standalone/threads/task_threads.h"
 
 #include <gtest/gtest.h>
 

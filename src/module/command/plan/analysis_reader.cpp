@@ -1,6 +1,6 @@
-#include "command/plan/analysis_reader.h"
+#include "module/command/plan/analysis_reader.h"
 
-#include "command/plan/plan_methods.h"
+#include "module/command/plan/plan_methods.h"
 
 namespace tavo {
 

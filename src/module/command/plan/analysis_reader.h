@@ -1,7 +1,7 @@
 // The analysis section of a plan: how the sample is analysed.
 #pragma once
 
-#include "command/plan/section_reader.h"
+#include "module/command/plan/section_reader.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "command/plan/plan_document.h"
+#include "module/command/plan/plan_document.h"
 
 #include <cstddef>
 #include <filesystem>

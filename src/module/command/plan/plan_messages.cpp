@@ -1,7 +1,7 @@
 #include <array>
 
-#include "command/plan/plan_reader.h"
 #include "host/output.h"
+#include "module/command/plan/plan_reader.h"
 
 namespace tavo {
 

@@ -1,4 +1,4 @@
-#include "command/plan/plan_methods.h"
+#include "module/command/plan/plan_methods.h"
 
 #include <array>
 #include <span>

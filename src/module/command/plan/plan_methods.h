@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "command/plan/plan_data.h"
+#include "module/command/plan/plan_data.h"
 
 namespace tavo {
 

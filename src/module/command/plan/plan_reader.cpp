@@ -1,7 +1,7 @@
-#include "command/plan/plan_reader.h"
+#include "module/command/plan/plan_reader.h"
 
-#include "command/plan/analysis_reader.h"
-#include "command/plan/sample_reader.h"
+#include "module/command/plan/analysis_reader.h"
+#include "module/command/plan/sample_reader.h"
 
 namespace tavo {
 

@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "command/plan/plan_data.h"
-#include "command/plan/plan_document.h"
-#include "command/plan/section_reader.h"
+#include "module/command/plan/plan_data.h"
+#include "module/command/plan/plan_document.h"
+#include "module/command/plan/section_reader.h"
 
 namespace tavo {
 

@@ -1,11 +1,11 @@
-#include "command/plan/plan_writer.h"
+#include "module/command/plan/plan_writer.h"
 
 #include <array>
 #include <charconv>
 #include <cmath>
 
-#include "command/plan/plan_methods.h"
 #include "host/text.h"
+#include "module/command/plan/plan_methods.h"
 
 namespace tavo {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "command/plan/plan_data.h"
+#include "module/command/plan/plan_data.h"
 
 namespace tavo {
 

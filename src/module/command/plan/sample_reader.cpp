@@ -1,9 +1,9 @@
-#include "command/plan/sample_reader.h"
+#include "module/command/plan/sample_reader.h"
 
 #include <array>
 
-#include "command/plan/plan_methods.h"
 #include "host/command.h"
+#include "module/command/plan/plan_methods.h"
 
 namespace tavo {
 

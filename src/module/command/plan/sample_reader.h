@@ -1,7 +1,7 @@
 // The sample section of a plan: how the sample was drawn.
 #pragma once
 
-#include "command/plan/section_reader.h"
+#include "module/command/plan/section_reader.h"
 
 namespace tavo {
 

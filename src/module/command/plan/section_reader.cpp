@@ -1,4 +1,4 @@
-#include "command/plan/section_reader.h"
+#include "module/command/plan/section_reader.h"
 
 #include <charconv>
 #include <cmath>

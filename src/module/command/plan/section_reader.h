@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string>
 
-#include "command/plan/plan_data.h"
-#include "command/plan/plan_document.h"
+#include "module/command/plan/plan_data.h"
+#include "module/command/plan/plan_document.h"
 
 namespace tavo {
 

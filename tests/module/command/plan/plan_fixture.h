@@ -6,8 +6,9 @@
 
 #include <string>
 
-#include "command/plan/plan_reader.h"
-#include "session.h"
+#include "module/command/plan/plan_reader.h"
+#include "source_folder.h"
+#include "standalone/session/embedded_session.h"
 #include "test_folder.h"
 
 namespace tavo {

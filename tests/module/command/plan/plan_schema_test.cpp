@@ -14,6 +14,7 @@
 #include <xercesc/util/XMLString.hpp>
 
 #include "plan_fixture.h"
+#include "source_folder.h"
 
 namespace tavo {
 // What the XML library itself leaves behind when it is used without a memory of its own, as these checks do.

@@ -1,10 +1,10 @@
 // What the writer writes, the reader reads back.
 
-#include "command/plan/plan_writer.h"
+#include "module/command/plan/plan_writer.h"
 
 #include <random>
 
-#include "command/plan/plan_methods.h"
+#include "module/command/plan/plan_methods.h"
 #include "plan_fixture.h"
 
 namespace tavo {

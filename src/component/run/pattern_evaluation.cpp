@@ -1,0 +1,199 @@
+// The evaluation of the likelihood over the patterns, slice by slice.
+#include <algorithm>
+#include <exception>
+
+#include "component/estimation/accum_stats.h"
+#include "component/estimation/model.h"
+#include "component/run/call_back_comp_stats.h"
+#include "component/run/pattern_tabulator.h"
+
+namespace tavo {
+
+namespace {
+
+OrvStatus OutOfMemory() {
+  return OrvStatus::Error(StatusCode::kTooManyParameters);
+}
+
+}  // namespace
+
+// ---- slices and workers ----
+
+TavoPatternTabulator::RowPlace TavoPatternTabulator::PlaceOfRow(std::size_t row) const {
+  RowPlace place{0, row};
+  while (place.pattern < fPatterns.size() && place.row > RowsOf(*fPatterns[place.pattern])) {
+    place.row -= RowsOf(*fPatterns[place.pattern]);
+    ++place.pattern;
+  }
+  return place;
+}
+
+void TavoPatternTabulator::SetThreads(int count) {
+  const bool mayShare = fSettings.ThreadService() != nullptr && count > 1 && fNRows > 1;
+  fNSlices = mayShare ? static_cast<int>(std::min(fNRows, static_cast<std::size_t>(count))) : 1;
+  if (fNSlices > 1 && !PrepareWorkers()) fNSlices = 1;
+
+  const auto slices = static_cast<std::size_t>(fNSlices);
+  const std::size_t share = fNRows / slices;
+  const std::size_t larger = fNRows % slices;
+  fSliceEnds.clear();
+  std::size_t end = 0;
+  for (std::size_t slice = 0; slice < slices; ++slice) {
+    end += share + (slice < larger ? 1 : 0);
+    fSliceEnds.push_back(PlaceOfRow(end));
+  }
+}
+
+// False when the host has no threads to give: the run goes on with one.
+bool TavoPatternTabulator::PrepareWorkers() {
+  fpPool.reset();
+  fCallBacks.clear();
+  try {
+    host::TaskThreadService& service = *fSettings.ThreadService();
+    if (fpCompletion == nullptr) fpCompletion = service.MakeCompletion();
+    fSliceStatuses.assign(static_cast<std::size_t>(fNSlices), OrvStatus());
+    for (int slice = 0; slice < fNSlices && fpCompletion != nullptr; ++slice) {
+      OrvStatus& status = fSliceStatuses[static_cast<std::size_t>(slice)];
+      fCallBacks.push_back(std::make_unique<TavoCallBackCompStats>(*this, slice, *fpCompletion, status));
+    }
+    fpPool = service.MakePool(fNSlices);
+  } catch (const std::exception&) {
+    fpPool.reset();
+  }
+  return fpPool != nullptr && fpCompletion != nullptr;
+}
+
+std::vector<int> TavoPatternTabulator::SliceRows() const {
+  std::vector<int> rows;
+  std::size_t before = 0;
+  for (const RowPlace& end : fSliceEnds) {
+    std::size_t upTo = end.row;
+    for (std::size_t p = 0; p < end.pattern; ++p)
+      upTo += RowsOf(*fPatterns[p]);
+    rows.push_back(static_cast<int>(upTo - before));
+    before = upTo;
+  }
+  return rows;
+}
+
+void TavoPatternTabulator::AttachAccumulator(TavoAccumStats& accumulator, const TavoModel& model) {
+  fpAccumulator = &accumulator;
+  fpModel = &model;
+  fClones.clear();
+  if (fNSlices == 1) return;
+  for (int slice = 0; slice < fNSlices; ++slice)
+    fClones.push_back(accumulator.CloneEmpty());
+}
+
+void TavoPatternTabulator::Detach() {
+  fpAccumulator = nullptr;
+  fpModel = nullptr;
+  fClones.clear();
+}
+
+void TavoPatternTabulator::SetMode(int method, bool separationCheck) {
+  if (fpAccumulator != nullptr) fpAccumulator->Reset(method, separationCheck);
+  for (const auto& clone : fClones) {
+    if (clone != nullptr) clone->Reset(method, separationCheck);
+  }
+}
+
+// ---- one evaluation ----
+
+OrvStatus TavoPatternTabulator::EvaluateRows(bool likelihoodOnly) {
+  if (!fbPatternsCreated || fpAccumulator == nullptr) return OrvStatus::Error(StatusCode::kUserError);
+  const auto isUsable = [](const auto& clone) { return clone != nullptr && clone->IsValid(); };
+  if (!std::all_of(fClones.begin(), fClones.end(), isUsable)) return OutOfMemory();
+  fbLikelihoodOnly = likelihoodOnly;
+  OrvStatus status;
+  if (fNSlices == 1) {
+    status = EvaluateSlice(0);
+  } else {
+    RunWorkers();
+    status = MergeSlices();
+  }
+  return !status.IsError() && fCancel.IsCancelled() ? OrvStatus::Error(StatusCode::kCancelled) : status;
+}
+
+void TavoPatternTabulator::RunWorkers() {
+  std::fill(fSliceStatuses.begin(), fSliceStatuses.end(), OrvStatus());
+  fpCompletion->Arm(fNSlices);
+  for (const auto& task : fCallBacks)
+    fpPool->Post(*task);
+  fpCompletion->Wait();
+}
+
+// In slice order, whichever worker was first: the sums don't depend on the scheduler.
+OrvStatus TavoPatternTabulator::MergeSlices() {
+  OrvStatus status;
+  for (std::size_t slice = 0; slice < fClones.size() && !fCancel.IsCancelled(); ++slice) {
+    const OrvStatus& answer = fSliceStatuses[slice];
+    if (answer.IsError() || (answer.IsWarning() && !status.IsError())) status = answer;
+    if (status.IsError()) break;
+    fpAccumulator->Merge(*fClones[slice]);
+  }
+  return status;
+}
+
+OrvStatus TavoPatternTabulator::EvaluateSlice(int slice) const {
+  if (slice < 0 || slice >= fNSlices || fpAccumulator == nullptr || fSliceEnds.empty()) {
+    return OrvStatus::Error(StatusCode::kUserError);
+  }
+  TavoAccumStats& accumulator = fNSlices == 1 ? *fpAccumulator : *fClones[static_cast<std::size_t>(slice)];
+  try {
+    return EvaluateRange(slice, accumulator);
+  } catch (const std::exception&) {  // only memory can run out here
+    return OutOfMemory();
+  }
+}
+
+OrvStatus TavoPatternTabulator::EvaluateRange(int slice, TavoAccumStats& accumulator) const {
+  const auto index = static_cast<std::size_t>(slice);
+  RowPlace place = slice == 0 ? RowPlace{} : fSliceEnds[index - 1];
+  const RowPlace& end = fSliceEnds[index];
+  PatternWalk walk;
+  walk.indices.reserve(fParameterOffsets.size());
+  walk.values.reserve(fParameterOffsets.size());
+  for (; place.pattern <= end.pattern && place.pattern < fPatterns.size(); place = {place.pattern + 1, 0}) {
+    if (fCancel.IsCancelled()) break;
+    const Pattern& pattern = *fPatterns[place.pattern];
+    const std::size_t last = place.pattern == end.pattern ? end.row : RowsOf(pattern);
+    const OrvStatus status = EvaluatePattern(pattern, place.row, last, walk, accumulator);
+    if (status.IsError()) return status;
+  }
+  return OrvStatus();
+}
+
+OrvStatus TavoPatternTabulator::EvaluatePattern(const Pattern& pattern, std::size_t first, std::size_t last,
+                                                PatternWalk& walk, TavoAccumStats& accumulator) const {
+  if (first >= last) return OrvStatus();
+  ParametersOfPattern(pattern, walk);
+  const double* const rows = pattern.payload.RecordData().data() + first * fRowLength;
+  const bool isShort = last - first < kShortRun;
+  const bool isAdded = isShort ? EvaluateRowByRow(rows, last - first, walk, accumulator)
+                               : EvaluateInBlocks(rows, last - first, walk, accumulator);
+  return isAdded ? OrvStatus() : OrvStatus::Error(StatusCode::kUserError);
+}
+
+bool TavoPatternTabulator::EvaluateRowByRow(const double* rows, std::size_t count, PatternWalk& walk,
+                                            TavoAccumStats& accumulator) const {
+  const double* row = rows;
+  for (std::size_t i = 0; i < count; ++i, row += fRowLength) {
+    fpModel->BuildSparseRow(row, walk.parameters, walk.indices, walk.values);
+    const int category = static_cast<int>(row[0]);
+    const double weight = row[fRowLength - 1];
+    if (accumulator.UpdateForRow(walk.indices, walk.values, category, weight, fbLikelihoodOnly) < 0) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool TavoPatternTabulator::EvaluateInBlocks(const double* rows, std::size_t count, PatternWalk& walk,
+                                            TavoAccumStats& accumulator) const {
+  return ForEachBlock(rows, count, *fpModel, BlockColumns::kKept, walk, [&](const TavoRowBlock& block) {
+    return accumulator.UpdateForBlock(block, fbLikelihoodOnly) == 0;
+  });
+}
+
+}  // namespace tavo

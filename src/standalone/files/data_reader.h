@@ -1,0 +1,29 @@
+// Reading a data file into a table.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "standalone/data/table.h"
+
+namespace standalone {
+
+struct ReadOptions {
+  std::string path;
+  std::string schemaPath;  // empty: `<name>.schema.json` beside the data when it exists
+  int threads = 1;         // parsing may use that many
+};
+
+/// What came of reading. On failure the table is empty and `error` says what is wrong and where (file, line,
+/// column) and what to do; a caller shows it as it stands.
+struct ReadResult {
+  bool ok = false;
+  std::string error;
+  std::vector<std::string> warnings;  // such as the list of variables that were renamed
+  Table table;
+};
+
+/// Reads by the file's ending: .csv, .tsv, .vdt. Never throws for bad data.
+ReadResult ReadDataFile(const ReadOptions& options);
+
+}  // namespace standalone

@@ -1,0 +1,50 @@
+#include "standalone/text/number_from_text.h"
+
+#include <charconv>
+#include <system_error>
+
+#include "host/data.h"
+
+namespace standalone {
+
+namespace {
+
+/// Removes the digits at the front of the text and returns how many there were.
+std::size_t TakeDigits(std::string_view& text) {
+  std::size_t count = 0;
+  while (count < text.size() && text[count] >= '0' && text[count] <= '9')
+    ++count;
+  text.remove_prefix(count);
+  return count;
+}
+
+bool TakeOneOf(std::string_view& text, std::string_view characters) {
+  if (text.empty() || characters.find(text.front()) == std::string_view::npos) return false;
+  text.remove_prefix(1);
+  return true;
+}
+
+}  // namespace
+
+bool IsNumberText(std::string_view text) {
+  TakeOneOf(text, "+-");
+  std::size_t digits = TakeDigits(text);
+  if (TakeOneOf(text, ".")) digits += TakeDigits(text);
+  if (digits == 0) return false;
+  if (TakeOneOf(text, "eE")) {
+    TakeOneOf(text, "+-");
+    if (TakeDigits(text) == 0) return false;
+  }
+  return text.empty();
+}
+
+std::optional<double> NumberFromText(std::string_view text) {
+  if (text.starts_with('+')) text.remove_prefix(1);  // from_chars knows the minus sign only
+  double number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  if (number == host::kSystemMissing) return std::nullopt;
+  return number;
+}
+
+}  // namespace standalone
