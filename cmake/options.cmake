@@ -21,7 +21,9 @@ if(TAVO_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
+# The assertions of calling orders and invariants run wherever a fault is looked for.
 if(TAVO_SANITIZE)
+  add_compile_options(-UNDEBUG)
   add_compile_options(-fsanitize=${TAVO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -g1 -O1)
   add_link_options(-fsanitize=${TAVO_SANITIZE})
 endif()
