@@ -108,10 +108,10 @@ TavoAccumStats::TavoAccumStats(const TavoCompSettings& settings, int parameters,
   }
   fHessian = OrvSymStructure(categories - 1, parameters);
   fbValid = fHessian.IsValid();
-  TavoAccumStats::Reset(0, false);  // a derived class is not there yet
+  TavoAccumStats::Reset(EstimationMethod::kFisherScoring, false);  // a derived class is not there yet
 }
 
-void TavoAccumStats::Reset(int method, bool separationCheck) {
+void TavoAccumStats::Reset(EstimationMethod method, bool separationCheck) {
   fMethod = method;
   fbSeparationCheck = separationCheck;
   fLogLikelihood = fLogLikelihoodRest = 0;

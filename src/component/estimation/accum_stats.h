@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "component/estimation/block_probabilities.h"
+#include "component/estimation/estimation_method.h"
 #include "component/estimation/row_block.h"
 #include "component/estimation/sparse_vector.h"
 #include "component/input/comp_settings.h"
@@ -52,11 +53,10 @@ class TavoAccumStats {
   virtual ~TavoAccumStats() = default;
 
   bool IsValid() const { return fbValid; }
-  /// Empties all sums. `method` is the estimation method, kept for its reader only: observed and expected
-  /// information of this model are the same. With `separationCheck` the extremes of the probabilities are
-  /// followed.
-  virtual void Reset(int method, bool separationCheck);
-  virtual bool IsUsable() const { return true; }
+  /// Empties all sums. The method is kept for `Method` only: observed and expected information of this model
+  /// are the same. With `separationCheck` the extremes of the probabilities are followed.
+  virtual void Reset(EstimationMethod method, bool separationCheck);
+  EstimationMethod Method() const { return fMethod; }
   /// Adds one row. `category` is the local index, K-1 the reference. 0, or -1 for a refused row (bad indices,
   /// category out of range, weight not above 0).
   virtual int UpdateForRow(const std::vector<int>& indices, const std::vector<double>& values, int category,
@@ -100,7 +100,7 @@ class TavoAccumStats {
   int fNValidRows = 0;
   int fNInvalidRows = 0;
   double fWeight = 0;
-  int fMethod = 0;
+  EstimationMethod fMethod = EstimationMethod::kFisherScoring;
   bool fbSeparationCheck = false;
   double fMinObserved = 0;
   double fMaxObserved = 0;

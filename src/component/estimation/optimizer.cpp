@@ -152,7 +152,7 @@ TavoOptimizer::StepResult TavoOptimizer::TakeStep() {
   fNStepHalvings = 0;
   for (double length = 1; !MustStop(); length /= 2 * fAccumulator.StepHalvingFactor(), ++fNStepHalvings) {
     MCMathFun::Daxpy(fNParameters, length, fStep, 0, 1, fvBeta, 0, 1);
-    fTabulator.SetMode(static_cast<int>(EstimationMethod::kFisherScoring), false);
+    fTabulator.SetMode(EstimationMethod::kFisherScoring, false);
     fStatus = fTabulator.EvaluateRows(true);
     if (fStatus.IsError()) return StepResult::kInterrupted;
     if (IsAcceptable(fLogLikelihood, CurrentLogLikelihood())) return StepResult::kTaken;
@@ -166,7 +166,7 @@ TavoOptimizer::StepResult TavoOptimizer::TakeStep() {
 }
 
 void TavoOptimizer::EvaluateAll(EstimationMethod method, bool separationCheck) {
-  fTabulator.SetMode(static_cast<int>(method), separationCheck);
+  fTabulator.SetMode(method, separationCheck);
   fStatus = fTabulator.EvaluateRows(false);
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "component/estimation/estimation_method.h"
 #include "component/estimation/fit_progress.h"
 #include "component/frame/orv_cancel_info.h"
 #include "component/frame/orv_status.h"
@@ -31,8 +32,6 @@ enum class TerminationState : int {
   kQuasiCompleteSeparation = 8,
   kNoIterations = 9
 };
-
-enum class EstimationMethod : int { kFisherScoring = 0, kNewtonRaphson = 1, kHybrid = 2 };
 
 /// Maximises the pseudo-log-likelihood by Fisher scoring with step-halving. Each evaluation is the pattern
 /// tabulator's. After a decided stop the information matrix is inverted (generalised: zero rows at singular

@@ -91,7 +91,7 @@ void TavoPatternTabulator::Detach() {
   fClones.clear();
 }
 
-void TavoPatternTabulator::SetMode(int method, bool separationCheck) {
+void TavoPatternTabulator::SetMode(EstimationMethod method, bool separationCheck) {
   if (fpAccumulator != nullptr) fpAccumulator->Reset(method, separationCheck);
   for (const auto& clone : fClones) {
     if (clone != nullptr) clone->Reset(method, separationCheck);

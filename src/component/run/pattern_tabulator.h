@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "component/estimation/estimation_method.h"
 #include "component/estimation/row_block.h"
 #include "component/frame/orv_cancel_info.h"
 #include "component/frame/orv_status.h"
@@ -59,7 +60,7 @@ class TavoPatternTabulator {
   void AttachAccumulator(TavoAccumStats& accumulator, const TavoModel& model);
   void Detach();
   /// Resets the accumulator and its clones to empty sums.
-  void SetMode(int method, bool separationCheck);
+  void SetMode(EstimationMethod method, bool separationCheck);
   /// One evaluation over all rows into the attached accumulator. Sums are merged in slice order, so they are
   /// the same in each run with the same number of slices.
   OrvStatus EvaluateRows(bool likelihoodOnly);

@@ -280,7 +280,7 @@ TEST(RequestStop, EndsTheFitWithoutErrorStateOrInverse) {
 class StoppingStats : public BentStats {
  public:
   using BentStats::BentStats;
-  void Reset(int method, bool check) override {
+  void Reset(EstimationMethod method, bool check) override {
     BentStats::Reset(method, check);
     if (++passes == 2) optimizer->RequestStop();
   }

@@ -30,7 +30,7 @@ Sums EvaluateWith(int threads) {
   EXPECT_TRUE(bench.PrepareModel());
   bench.PrepareFit<Stats>();
   bench.tabulator->AttachAccumulator(*bench.accumulator, *bench.model);
-  bench.tabulator->SetMode(0, false);
+  bench.tabulator->SetMode(EstimationMethod::kFisherScoring, false);
   Sums sums;
   sums.status = bench.tabulator->EvaluateRows(false);
   sums.logLikelihood = bench.accumulator->LogLikelihood();

@@ -112,8 +112,8 @@ struct TwoWays {
           bool likelihoodOnly = false)
       : whole(settings, kParameters, categories, estimates),
         rows(settings, kParameters, categories, estimates) {
-    whole.Reset(0, true);
-    rows.Reset(0, true);
+    whole.Reset(tavo::EstimationMethod::kFisherScoring, true);
+    rows.Reset(tavo::EstimationMethod::kFisherScoring, true);
     EXPECT_EQ(whole.UpdateForBlock(block, likelihoodOnly), 0);
     ForEachRow(block, [&](const std::vector<int>& indices, const std::vector<double>& values, std::size_t r) {
       EXPECT_EQ(rows.UpdateForRow(indices, values, static_cast<int>(block.Categories()[r]),

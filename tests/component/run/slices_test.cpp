@@ -33,7 +33,7 @@ struct Sliced {
       bench->estimates[i] = 0.1 * static_cast<double>(i) - 0.2;
     auto accumulator = bench->MakeAccumulator();
     Tabulator().AttachAccumulator(*accumulator, bench->model);
-    Tabulator().SetMode(0, false);
+    Tabulator().SetMode(EstimationMethod::kFisherScoring, false);
     EXPECT_TRUE(Tabulator().EvaluateRows(false).IsOK());
     Tabulator().Detach();
     return accumulator;
@@ -149,7 +149,7 @@ TEST(Slices, AFailingRowInOneSliceReportsItsStatusAndNothingIsMergedFromThereOn)
                           bench.model.CategoryCount(), bench.estimates);
   accumulator.SetBad(2);
   sliced.Tabulator().AttachAccumulator(accumulator, bench.model);
-  sliced.Tabulator().SetMode(0, false);
+  sliced.Tabulator().SetMode(EstimationMethod::kFisherScoring, false);
   const OrvStatus status = sliced.Tabulator().EvaluateRows(false);
   EXPECT_TRUE(status.IsError());
   EXPECT_EQ(status.Code(), StatusCode::kUserError);
