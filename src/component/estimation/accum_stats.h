@@ -67,10 +67,8 @@ class TavoAccumStats {
   int UpdateForBlock(const TavoRowBlock& block, bool likelihoodOnly);
   /// Probabilities of all categories and the log-probability of the reference, safe for any size of the
   /// linear predictors. False for unusable arguments.
-  virtual bool ComputeProbabilities(const OrvSparseVector& row, const std::vector<double>& parameters,
-                                    int categories, int parameterCount, std::vector<double>& probabilities,
-                                    double& logReference);
-  virtual double StepHalvingFactor() const { return 1.0; }
+  bool ComputeProbabilities(const OrvSparseVector& row, const std::vector<double>& parameters, int categories,
+                            int parameterCount, std::vector<double>& probabilities, double& logReference);
   /// An empty accumulator of the same sizes over the same parameter vector.
   virtual std::unique_ptr<TavoAccumStats> CloneEmpty() const;
   /// Adds another object's sums; a sum with a missing operand is missing. The log-likelihood of objects of

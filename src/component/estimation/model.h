@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "component/estimation/fit_layout.h"
 #include "component/estimation/rank_update.h"
 #include "component/estimation/regr_parameter.h"
 #include "component/estimation/row_block.h"
@@ -112,6 +113,9 @@ class TavoModel {
   /// is zero then). The model's own status isn't touched.
   OrvStatus BuildHypothesisMatrix(const std::vector<TavoMatrixRow>& rows, MCRectMatrix& L,
                                   bool& isFull) const;
+
+  /// The non-redundant parameters as the iteration sees them.
+  TavoFitLayout FitLayout() const;
 
   bool HasIntercept() const { return fNIntercepts > 0; }
   int InterceptCount() const { return fNIntercepts; }

@@ -107,6 +107,15 @@ void TavoModel::CompressBasicParameters() {
   }
 }
 
+TavoFitLayout TavoModel::FitLayout() const {
+  TavoFitLayout layout{fNEquations, HasIntercept(), fNonRedundantCentres, fNonRedundantScales, {}};
+  for (std::size_t k = 0; k < fBasicParameters.size(); ++k) {
+    if (fBasicBits.IsIn(static_cast<int>(k)))
+      layout.isIndicator.push_back(fBasicParameters[k].covariates.empty());
+  }
+  return layout;
+}
+
 OrvStatus TavoModel::GetInitialEstimates(std::vector<double>& estimates) {
   if (!fbStructureReady) return Fail(StatusCode::kUserError);
   if (fbBuilt) return Fail(StatusCode::kModelBuiltTwice);

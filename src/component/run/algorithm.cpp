@@ -8,6 +8,7 @@
 #include "component/design/sample_design.h"
 #include "component/estimation/accum_stats.h"
 #include "component/numerics/missing_value.h"
+#include "component/run/pattern_evaluator.h"
 #include "component/run/pattern_tabulator.h"
 
 namespace tavo {
@@ -152,9 +153,10 @@ void TavoAlgorithm::Estimate() {
     Merge(OutOfMemory(fEstimates.size()));
     return;
   }
+  TavoPatternEvaluator evaluator(*fpPatternTabulator, accumulator, fModel);
   fpOptimizer =
-      std::make_unique<TavoOptimizer>(fSettings, fModel, *fpPatternTabulator, accumulator, fEstimates,
-                                      fCancel, fSettings.GetProgressListener(), fSettings.HistoryFrequency());
+      std::make_unique<TavoOptimizer>(fSettings, fModel.FitLayout(), evaluator, fEstimates, fCancel,
+                                      fSettings.GetProgressListener(), fSettings.HistoryFrequency());
   fModel.SetCaseCounts(fFactorTables.SampleSize(), fFactorTables.PopulationEstimate());
   Merge(fpOptimizer->Estimate());
   if (MayGoOn()) Merge(fModel.SetEstimates(fpOptimizer->Estimates(), fpOptimizer->Hessian()));

@@ -10,7 +10,7 @@ class TavoPatternTabulator;
 
 class TavoCallBackCompStats final : public host::CallBackObject {
  public:
-  /// Everything is lent. `status` is this worker's own slot.
+  /// Nothing is owned. `status` is this worker's own slot.
   TavoCallBackCompStats(const TavoPatternTabulator& tabulator, int slice, host::TaskCompletion& completion,
                         OrvStatus& status)
       : fTabulator(tabulator), fSlice(slice), fCompletion(completion), fStatus(status) {}

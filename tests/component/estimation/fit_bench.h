@@ -13,6 +13,7 @@
 #include "component/input/comp_settings.h"
 #include "component/input/model_effect.h"
 #include "component/input/record_extractor.h"
+#include "component/run/pattern_evaluator.h"
 #include "component/run/pattern_tabulator.h"
 #include "component/tabulation/factor_tables.h"
 #include "memory_record_iterator.h"
@@ -128,6 +129,7 @@ class FitBench {
   template <class Stats = tavo::TavoAccumStats>
   void PrepareFit(tavo::EstimationMethod method = tavo::EstimationMethod::kFisherScoring,
                   int fisherIterations = 0) {
+    evaluator.reset();  // it lets go of what is replaced here
     tabulator =
         std::make_unique<tavo::TavoPatternTabulator>(settings, patternExtractor, dataExtractor, cancel);
     Rows rows;
@@ -137,7 +139,8 @@ class FitBench {
     tabulator->CreatePatterns(stream, *tables, *model);
     accumulator =
         std::make_unique<Stats>(settings, model->BasicNonRedundantCount(), model->CategoryCount(), estimates);
-    optimizer = std::make_unique<tavo::TavoOptimizer>(settings, *model, *tabulator, *accumulator, estimates,
+    evaluator = std::make_unique<tavo::TavoPatternEvaluator>(*tabulator, *accumulator, *model);
+    optimizer = std::make_unique<tavo::TavoOptimizer>(settings, model->FitLayout(), *evaluator, estimates,
                                                       cancel, &history, settings.HistoryFrequency(), method,
                                                       fisherIterations);
     model->SetCaseCounts(tables->SampleSize(), tables->PopulationEstimate());
@@ -169,6 +172,7 @@ class FitBench {
   std::vector<double> estimates;
   std::unique_ptr<tavo::TavoPatternTabulator> tabulator;
   std::unique_ptr<tavo::TavoAccumStats> accumulator;
+  std::unique_ptr<tavo::TavoPatternEvaluator> evaluator;
   std::unique_ptr<tavo::TavoOptimizer> optimizer;
   tavo::OrvIterationData history;
 

@@ -130,6 +130,7 @@ TEST(CallBack, RunStoresTheStatusOfItsSliceAndSignals) {
   tavo_test::AddBinaryReference(bench);
   ASSERT_TRUE(bench.PrepareModel());
   bench.PrepareFit();
+  bench.evaluator.reset();
   SignalCounter counter;
   OrvStatus status;
   TavoCallBackCompStats withoutAccumulator(*bench.tabulator, 0, counter, status);
