@@ -37,7 +37,7 @@ TavoAlgorithm::TavoAlgorithm(const TavoCompSettings& settings)
       fFactorTables(settings.Factors(), settings.FactorSizes(), settings.WeightVar(), settings.Dependent(),
                     settings.DependentCategories()),
       fCancel(settings.StopProcessor()),
-      fModel(settings, fCancel),
+      fModel(settings, fFactorTables, fPatternExtractor, fDataExtractor, fCancel),
       fConstFindings(settings.ContDesignVars().size()) {}
 
 TavoAlgorithm::~TavoAlgorithm() = default;
@@ -133,8 +133,7 @@ void TavoAlgorithm::RunStages(MCCommon::MultiPassRecordIter& iterator, MCOrv::Jo
 }
 
 void TavoAlgorithm::SetUpModel() {
-  fModel.SetRecordLayout(fPatternExtractor, fDataExtractor);
-  Merge(fModel.SetupDependent(fFactorTables));
+  Merge(fModel.SetupDependent());
   if (MayGoOn()) Merge(fModel.BuildParameters(fFactorTables.AssignParameters()));
 }
 
@@ -157,7 +156,6 @@ void TavoAlgorithm::Estimate() {
   fpOptimizer =
       std::make_unique<TavoOptimizer>(fSettings, fModel.FitLayout(), evaluator, fEstimates, fCancel,
                                       fSettings.GetProgressListener(), fSettings.HistoryFrequency());
-  fModel.SetCaseCounts(fFactorTables.SampleSize(), fFactorTables.PopulationEstimate());
   Merge(fpOptimizer->Estimate());
   if (MayGoOn()) Merge(fModel.SetEstimates(fpOptimizer->Estimates(), fpOptimizer->Hessian()));
   fpOptimizer->ReleaseHessian();

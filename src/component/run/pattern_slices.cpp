@@ -191,7 +191,7 @@ bool TavoPatternTabulator::EvaluateRowByRow(const double* rows, std::size_t coun
 
 bool TavoPatternTabulator::EvaluateInBlocks(const double* rows, std::size_t count, PatternWalk& walk,
                                             TavoAccumStats& accumulator) const {
-  return ForEachBlock(rows, count, *fpModel, BlockColumns::kKept, walk, [&](const TavoRowBlock& block) {
+  return ForEachBlock(rows, count, *fpModel, BlockColumns::kNonRedundant, walk, [&](const TavoRowBlock& block) {
     return accumulator.UpdateForBlock(block, fbLikelihoodOnly) == 0;
   });
 }

@@ -39,9 +39,8 @@ class FitBench : public DesignBench {
     return SetUpModel();
   }
   tavo::OrvStatus SetUpModel() {
-    model = std::make_unique<tavo::TavoModel>(settings, cancel);
-    model->SetRecordLayout(patternExtractor, dataExtractor);
-    return model->SetupDependent(*tables);
+    model = std::make_unique<tavo::TavoModel>(settings, *tables, patternExtractor, dataExtractor, cancel);
+    return model->SetupDependent();
   }
   tavo::OrvStatus BuildParameters() { return model->BuildParameters(tables->AssignParameters()); }
   /// Adds each record to X'WX.
@@ -77,7 +76,6 @@ class FitBench : public DesignBench {
     optimizer = std::make_unique<tavo::TavoOptimizer>(settings, model->FitLayout(), *evaluator, estimates,
                                                       cancel, &history, settings.HistoryFrequency(), method,
                                                       fisherIterations);
-    model->SetCaseCounts(tables->SampleSize(), tables->PopulationEstimate());
   }
   tavo::OrvStatus RunFit() { return optimizer->Estimate(); }
   /// Everything, and the estimates back in the model.

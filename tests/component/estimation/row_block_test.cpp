@@ -261,7 +261,7 @@ void ExpectBlockOfRows(FitBench& bench, std::size_t first, std::size_t count) {
   ASSERT_TRUE(bench.PrepareModel());
   const std::vector<double> patternRows = PatternRows(bench, first, count);
   TavoRowBlock block;
-  bench.model->StartBlock(bench.ParametersOf(bench.records[first]), tavo::BlockColumns::kKept, block);
+  bench.model->StartBlock(bench.ParametersOf(bench.records[first]), tavo::BlockColumns::kNonRedundant, block);
   bench.model->FillBlock(patternRows.data(), patternRows.size() / count, count, block);
   ASSERT_EQ(block.RowCount(), count);
   ForEachRow(block, [&](std::vector<int> indices, std::vector<double> values, std::size_t r) {
@@ -333,14 +333,11 @@ TEST(AddBlockToXPrimeX, AddsWhatTheRowsAddAloneRedundantColumnsIncluded) {
   EXPECT_FALSE(byBlock.model->FindRedundancies().IsError());
 }
 
-TEST(AddBlockToXPrimeX, RefusesAnUnbuiltModelAndColumnsThatItDoesNotHave) {
-  FitBench bench(2, {3}, 2);
-  TavoRowBlock block = MakeBlock(3, 2);
-  block.AddConstant(50, 1.0);
-  bench.SetUp();
-  EXPECT_FALSE(bench.model->AddBlockToXPrimeX(block));
+TEST(AddBlockToXPrimeX, RefusesColumnsThatTheModelDoesNotHave) {
   FitBench built(2, {3}, 2);
   AddThreePatterns(built);
+  TavoRowBlock block = MakeBlock(3, 2);
+  block.AddConstant(50, 1.0);
   EXPECT_FALSE(built.model->AddBlockToXPrimeX(block));
 }
 
