@@ -14,7 +14,7 @@ class TavoCallBackCompStats final : public host::CallBackObject {
   TavoCallBackCompStats(const TavoPatternTabulator& tabulator, int slice, host::TaskCompletion& completion,
                         OrvStatus& status)
       : fTabulator(tabulator), fSlice(slice), fCompletion(completion), fStatus(status) {}
-  /// Evaluates the slice, stores its status and signals.
+  /// Evaluates the slice, stores its status and signals. Doesn't throw.
   int Run() override;
 
  private:

@@ -130,16 +130,15 @@ TEST(CallBack, RunStoresTheStatusOfItsSliceAndSignals) {
   tavo_test::AddBinaryReference(bench);
   ASSERT_TRUE(bench.PrepareModel());
   bench.PrepareFit();
-  bench.evaluator.reset();
   SignalCounter counter;
-  OrvStatus status;
-  TavoCallBackCompStats withoutAccumulator(*bench.tabulator, 0, counter, status);
-  EXPECT_EQ(withoutAccumulator.Run(), 0);
-  EXPECT_TRUE(status.IsError());
-  EXPECT_EQ(counter.signals, 1);
-  bench.tabulator->AttachAccumulator(*bench.accumulator, *bench.model);
+  OrvStatus status = OrvStatus::Error(StatusCode::kUserError);
   EXPECT_EQ(TavoCallBackCompStats(*bench.tabulator, 0, counter, status).Run(), 0);
-  EXPECT_FALSE(status.IsError());
+  EXPECT_TRUE(status.IsOK());
+  EXPECT_EQ(counter.signals, 1);
+  StatsRefusingOneRow refusing(bench.settings, bench.model->BasicNonRedundantCount(), 2, bench.estimates);
+  bench.tabulator->AttachAccumulator(refusing, *bench.model);
+  EXPECT_EQ(TavoCallBackCompStats(*bench.tabulator, 0, counter, status).Run(), 0);
+  EXPECT_EQ(status.Code(), StatusCode::kUserError);
   EXPECT_EQ(counter.signals, 2);
 }
 

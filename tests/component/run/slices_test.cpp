@@ -170,15 +170,19 @@ TEST(Slices, ACancelledEvaluationAnswersOne) {
   }
 }
 
-TEST(Slices, ASliceThatDoesNotExistIsRefused) {
-  Sliced sliced(SampleSurvey(10), 2);
-  EXPECT_EQ(sliced.Tabulator().EvaluateSlice(0).Code(), StatusCode::kUserError);  // nothing attached
+#ifndef NDEBUG
+TEST(SlicesDeathTest, AnEvaluationNeedsAnAccumulatorAndASliceThatExists) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  Sliced sliced(SampleSurvey(10));
+  EXPECT_DEATH(sliced.Tabulator().EvaluateSlice(0), "fpAccumulator");
+  EXPECT_DEATH(sliced.Tabulator().EvaluateRows(true), "fpAccumulator");
   const auto accumulator = sliced.bench->MakeAccumulator();
   sliced.Tabulator().AttachAccumulator(*accumulator, sliced.bench->model);
-  EXPECT_EQ(sliced.Tabulator().EvaluateSlice(2).Code(), StatusCode::kUserError);
-  EXPECT_EQ(sliced.Tabulator().EvaluateSlice(-1).Code(), StatusCode::kUserError);
-  EXPECT_TRUE(sliced.Tabulator().EvaluateSlice(1).IsOK());
+  EXPECT_DEATH(sliced.Tabulator().EvaluateSlice(1), "fNSlices");
+  EXPECT_DEATH(sliced.Tabulator().EvaluateSlice(-1), "fNSlices");
+  EXPECT_TRUE(sliced.Tabulator().EvaluateSlice(0).IsOK());
 }
+#endif
 
 }  // namespace
 }  // namespace tavo
