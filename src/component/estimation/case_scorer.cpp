@@ -35,8 +35,9 @@ bool OrvCaseScorer::FillRow(const double* dataRow) {
   return true;
 }
 
-// Exponentials are taken relative to the highest predictor, that of the reference being 0, so that none
-// overflows.
+// A predictor within machine epsilon of the highest so far is tied with it, and the tie is broken afterwards:
+// rounding doesn't choose the category. Exponentials are taken relative to the highest predictor, that of the
+// reference being 0, so that none overflows.
 void OrvCaseScorer::EvaluateRow(std::vector<double>& probabilities, int& predicted) {
   probabilities.resize(fNLogits + 1);
   probabilities[fNLogits] = 0;
@@ -78,6 +79,7 @@ void OrvCaseScorer::AddScores(const double* dataRow, std::vector<double>& sums, 
   EvaluateRow(fProbabilities, predicted);
 
   const double weight = fColumns.Weight(dataRow, RowKind::kData);
+  // The score without its weight: the sums take it times w, the centre the product of two times w.
   fScoreIndices.clear();
   fScoreValues.clear();
   for (std::size_t j = 0; j < fNLogits; ++j) {
@@ -90,6 +92,7 @@ void OrvCaseScorer::AddScores(const double* dataRow, std::vector<double>& sums, 
       sums[k] += value * weight;
     }
   }
+  // The covariance divides the squared score by the weight: a case without one has no share in it.
   if (weight != 0) {
     ++fNCasesWithWeight;
     if (centre != nullptr) centre->Add(fScoreIndices, fScoreValues, weight);

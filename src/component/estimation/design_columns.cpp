@@ -1,3 +1,6 @@
+// Columns enter the fit centred and scaled to unit variance: the information is near the identity then,
+// whatever the units of the covariates are, and its factor keeps its digits. Nothing is stored per case; a
+// value is worked out from the row each time, which costs less than reading it from memory would.
 #include "component/estimation/design_columns.h"
 
 #include <algorithm>
@@ -58,6 +61,7 @@ void OrvDesignColumns::AppendTerms(const OrvModelEffect& effect) {
   effect.Covariates(columns, powers);
   for (std::size_t c = 0; c < columns.size(); ++c) {
     const auto column = static_cast<std::size_t>(columns[c]);
+    // Both offsets are looked up once here, not for each row.
     assert(column < fPattern.covariateOffset.size() && fPattern.covariateOffset[column] >= 0);
     fTerms.push_back({fPattern.covariateOffset[column], fData.covariateOffset[column], powers[c]});
   }
@@ -152,7 +156,7 @@ void OrvDesignColumns::FillBlock(const double* patternRows, std::size_t rowLengt
     FillColumn(patternRows, rowLength, rows, block.Source(v), block.Column(v));
 }
 
-// What Value answers, for many rows.
+// What Value answers, for many rows: the same operations in the same order, so that both give the same bits.
 void OrvDesignColumns::FillColumn(const double* patternRows, std::size_t rowLength, std::size_t rows,
                                   std::size_t effect, double* column) const {
   const double scale = fScales[effect];

@@ -11,6 +11,7 @@ using MCCommonMath::MCRectMatrix;
 
 namespace {
 
+// An effect is named by its place in the list of effects, in which the intercept has none.
 OrvStatus FillEffectTerms(const TavoMatrixRow& row, int number, const OrvParameterList& parameters,
                           MCRectMatrix& L) {
   const int intercepts = parameters.HasIntercept() ? 1 : 0;
@@ -48,6 +49,7 @@ OrvStatus FillAllValues(const TavoMatrixRow& row, int number, MCRectMatrix& L) {
 OrvStatus FillRow(const TavoMatrixRow& row, int number, bool isFull, const OrvParameterList& parameters,
                   MCRectMatrix& L) {
   const bool isAll = row.Type() == MatrixRowType::kAll;
+  // The order of the checks decides which fault of a row the user hears of.
   if (row.Type() == MatrixRowType::kInvalid) {
     return OrvStatus::Error(StatusCode::kRowWithoutCoefficients).SetInteger(0, number);
   }
@@ -56,6 +58,7 @@ OrvStatus FillRow(const TavoMatrixRow& row, int number, bool isFull, const OrvPa
   }
   if (isAll != isFull) return OrvStatus::Error(StatusCode::kAllRowsMixed);
   if (isAll) return FillAllValues(row, number, L);
+  // The intercept's column is the first; a row that doesn't name it has no value for it.
   if (!IsMissing(row.FirstValue())) L.SetElem(number, 0, row.FirstValue());
   return FillEffectTerms(row, number, parameters, L);
 }

@@ -43,6 +43,7 @@ OrvStatus TavoModel::FailWithCount(std::int64_t count, std::int32_t limit) {
   return fStatus;
 }
 
+// A step that a cancel ended early has left something incomplete, which nobody may go on with.
 OrvStatus TavoModel::EndOfLongStep() {
   if (!fStatus.IsError() && fCancel.IsCancelled()) return Fail(StatusCode::kCancelled);
   return fStatus;
@@ -60,6 +61,7 @@ OrvStatus TavoModel::SetupDependent() {
 OrvStatus TavoModel::BuildParameters(int maxCount) {
   if (fStatus.IsError()) return fStatus;
   assert(fStage == Stage::kResponse);
+  // Before any list or matrix exists, and in 64 bits.
   const std::int64_t count = static_cast<std::int64_t>(fResponse.LogitCount()) * maxCount;
   if (count > kParameterLimit) return FailWithCount(count, kParameterLimit);
 
@@ -91,6 +93,7 @@ OrvStatus TavoModel::AllocateMatrices() {
 
 // ---- redundancies ----
 
+// One entry for each effect: the matrix is the p by p one of the basic columns, as all logits share them.
 bool TavoModel::AddPatternToXPrimeX(const double* patternRow, const std::vector<int>& parameters) {
   if (fCancel.IsCancelled()) return false;
   assert(fStage == Stage::kParameters && patternRow != nullptr);
@@ -111,6 +114,7 @@ OrvStatus TavoModel::FindRedundancies() {
   assert(fStage == Stage::kParameters);
   if (!fRedundancy.HasRows()) return Fail(StatusCode::kDataNotProcessed);
   fRedundancy.Find(fSettings.Tolerance(), fCancel);
+  // All logits have the same columns, so what is redundant in one is so in all.
   fAllBits = fRedundancy.BitsOfAllLogits(EquationCount());
   fLayout = {EquationCount(),
              HasIntercept(),
@@ -148,6 +152,8 @@ OrvStatus TavoModel::SetEstimates(const std::vector<double>& estimates, const MC
   for (int k = 0; k < ParameterCount(); ++k) {
     if (fAllBits.IsIn(k)) fEstimates[static_cast<std::size_t>(k)] = estimates[next++];
   }
+  // Cases are scored on the internal scale, where columns are centred and sums keep their digits; people read
+  // the scale of the data.
   fTransformedEstimates = fEstimates;
   fpHessianGI = std::make_unique<MCSymMatrix>();
   if (!hessianInverse.Expand(fAllBits, *fpHessianGI)) {
@@ -175,6 +181,7 @@ void TavoModel::AddCaseScores(std::vector<double>& sums, const double* dataRow) 
 
 OrvStatus TavoModel::ScaleSRSCovariance() {
   assert(fStage == Stage::kEstimates);
+  // Of all valid records, those outside the subpopulation included: they belong to the sample.
   const double n = fTables.SampleSize();
   const double population = fTables.PopulationEstimate();
   if (fpSRSCentre != nullptr) fpSRSCentre->Scale(n, population, fSettings.GetSRSEstimator());
@@ -189,6 +196,7 @@ OrvStatus TavoModel::PredictCategory(const double* dataRow, std::vector<double>&
                                      int& category) {
   category = 0;
   probabilities.assign(static_cast<std::size_t>(CategoryCount()), MCMV::gMissingValue);
+  // A cancelled prediction is a missing one; the status of a cancelled run is its driver's to give.
   if (fCancel.IsCancelled()) return OrvStatus();
   assert(fpScorer != nullptr);
   int local = 0;
@@ -197,6 +205,7 @@ OrvStatus TavoModel::PredictCategory(const double* dataRow, std::vector<double>&
   return OrvStatus();
 }
 
+// For single rows, as odds ratios compare them; it may allocate.
 bool TavoModel::FillDesignRow(std::vector<double>& row, const double* dataRow, bool standardise) const {
   if (fCancel.IsCancelled()) return false;
   assert(fStage >= Stage::kParameters);

@@ -1,6 +1,7 @@
 #include "component/estimation/optimizer.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -72,6 +73,7 @@ TavoOptimizer::TavoOptimizer(const TavoCompSettings& settings, TavoFitLayout lay
 }
 
 OrvStatus TavoOptimizer::Estimate() {
+  assert(fSummary.iterations == 0 && IsMissing(fSummary.initialLogLikelihood));
   BeginFit();
   if (!EvaluateStart().IsError()) {
     if (HasNothingToIterate()) {
@@ -119,7 +121,9 @@ void TavoOptimizer::Iterate() {
   }
 }
 
-// One step, and a full evaluation where it led. False when the fit was interrupted or an evaluation failed.
+// One step, and a full evaluation where it led; that runs also after a step that found no increase, since
+// scores and information are wanted at the estimates that stand. False when the fit was interrupted or an
+// evaluation failed.
 bool TavoOptimizer::DoIteration() {
   ++fSummary.iterations;
   const double before = fLogLikelihood;
@@ -147,8 +151,9 @@ bool TavoOptimizer::DoIteration() {
   return true;
 }
 
-// Goes along the direction, halving the step until the likelihood is not worse. On an interruption and
-// without an increase the estimates stand where they were.
+// Goes along the direction, halving the step until the likelihood is not worse. A trial asks for the
+// likelihood alone, which costs a fraction of scores and information. On an interruption and without an
+// increase the estimates stand where they were.
 TavoOptimizer::StepResult TavoOptimizer::TakeStep() {
   fPrevious = fvBeta;
   fNStepHalvings = 0;
@@ -246,7 +251,8 @@ TerminationState TavoOptimizer::CheckConvergence(double logLikelihoodBefore, boo
   return state;
 }
 
-// True when the probabilities or the information decide the state.
+// True when the probabilities or the information decide the state. A nearly singular information far from the
+// bounds is a matter of the columns, not of separation.
 bool TavoOptimizer::FindSeparation(TerminationState& state) const {
   if (kNearOne >= 1 - fSums.minObserved && kNearOne >= 1 - fSums.maxObserved) {
     state = TerminationState::kCompleteSeparation;
@@ -265,7 +271,7 @@ double TavoOptimizer::LogLikelihoodChange(double before, double after) const {
   return fSettings.IsLogLikAbsolute() ? change : change / std::abs(before);
 }
 
-// On the scale of the data.
+// On the scale of the data: the criterion is about the numbers that the user sees.
 double TavoOptimizer::ParameterChange() const {
   const std::vector<double> now = OnDataScale(fvBeta);
   const std::vector<double> before = OnDataScale(fPrevious);
@@ -273,6 +279,8 @@ double TavoOptimizer::ParameterChange() const {
                                      : MCMathFun::VMaxRelDiff(now, before, kSmallestDenominator);
 }
 
+// A hybrid fit goes on after its Fisher scoring has settled or is spent; the steps are the same (see the
+// class).
 void TavoOptimizer::SwitchToNewton() {
   const bool isSpent = fSummary.iterations >= fNFisherIterations && fState == TerminationState::kNone;
   if (!IsSettled(fState) && !isSpent) return;
@@ -284,7 +292,8 @@ void TavoOptimizer::SwitchToNewton() {
   if (!fStatus.IsError() && fNSingularPivots > 0) fState = TerminationState::kSingularHessian;
 }
 
-// Only a fit that ended by its own rules has an information matrix to give.
+// Only a fit that ended by its own rules has an information matrix to give; the estimates of an interrupted
+// one are on their way, and its matrix would be taken for a result.
 void TavoOptimizer::InvertInformation() {
   const bool isDecided = !fStatus.IsError() && fState != TerminationState::kNone;
   if (!fStatus.IsError() && !isDecided && fCancel.IsCancelled())
@@ -329,6 +338,7 @@ bool TavoOptimizer::ComputeRSquares(double& coxSnell, double& nagelkerke, double
   coxSnell = nagelkerke = mcFadden = 0;
   if (fSummary.iterations <= 0 || !(fWeight > 0) || IsMissing(initial) || IsMissing(final)) return true;
 
+  // expm1 keeps the digits of 1 - exp(x) for a fit that improves little.
   coxSnell = nagelkerke = mcFadden = MCMV::gMissingValue;
   const double perWeight = (2 * initial - 2 * final) / fWeight;
   if (perWeight <= MCPower::gMachineMaxExp) coxSnell = -std::expm1(perWeight);

@@ -71,9 +71,9 @@ class TavoOptimizer {
   /// Of the cases of the last evaluation.
   double AccumulatedWeight() const { return fWeight; }
   /// With L0 and L1 the log-likelihoods at the start values and at the end and W the weight of the cases: Cox
-  /// and Snell (1989, page 209) 1 - exp(2 (L0 - L1)/W), Nagelkerke (1991) the same over its largest value 1 -
-  /// exp(2 L0/W), McFadden (1974) 1 - L1/L0. False when one can't be computed; it stays missing then. All are
-  /// 0 for a fit without iterations.
+  /// and Snell (1989, pages 208 to 209) 1 - exp(2 (L0 - L1)/W), Nagelkerke (1991) the same over its largest
+  /// value 1 - exp(2 L0/W), McFadden (1974) 1 - L1/L0. False when one can't be computed; it stays missing
+  /// then. All are 0 for a fit without iterations.
   bool ComputeRSquares(double& coxSnell, double& nagelkerke, double& mcFadden) const;
   /// Frees the inverse when it has been handed over.
   void ReleaseHessian() { fHessian.Resize(0); }

@@ -61,7 +61,8 @@ void OrvParameterList::AppendEffect(const OrvModelEffect& effect, int index, Orv
   const int modelEffect = index + (fbIntercept ? 1 : 0);
   const double centre = fEffectCentres[static_cast<std::size_t>(modelEffect)];
   const double scale = fEffectScales[static_cast<std::size_t>(modelEffect)];
-  const int count = tables.ParameterCount(modelEffect);
+  const int count =
+      tables.ParameterCount(modelEffect);  // level combinations that occurred; 1 without factors
   fFirst.push_back(BasicCount());
   fCounts.push_back(count);
   for (int level = 0; level < count; ++level) {

@@ -7,6 +7,7 @@ namespace tavo {
 
 namespace {
 
+// Codes are whole numbers that travelled as doubles.
 int CodeOf(double cell) {
   return static_cast<int>(cell + 0.5);
 }
@@ -28,6 +29,7 @@ std::size_t ChooseReference(const std::vector<int>& used, int wanted, OrvStatus&
   return used.size() - 1;
 }
 
+// Exactly: counts that differ at all are not tied.
 void KeepLargest(std::vector<int>& tied, const std::vector<double>& counts) {
   const auto countOf = [&](int local) { return counts[static_cast<std::size_t>(local)]; };
   double largest = countOf(tied.front());
