@@ -10,16 +10,17 @@ namespace tavo {
 using MCCommonMath::MCPower;
 using MCCommonMath::MCRectMatrix;
 
-OrvCaseScorer::OrvCaseScorer(const OrvResponseCategories& response, const OrvDesignColumns& columns,
-                             OrvFactorTables& tables, const std::vector<double>& estimates)
+OrvCaseScorer::OrvCaseScorer(const OrvResponseCategories& response, const OrvParameterList& parameters,
+                             const OrvDesignColumns& columns, OrvFactorTables& tables,
+                             const std::vector<double>& estimates)
     : fResponse(response),
       fColumns(columns),
       fTables(tables),
       fEstimates(estimates),
-      fNLogits(static_cast<std::size_t>(response.LogitCount())),
-      fNBasic(fEstimates.size() / fNLogits),
-      fParameters(static_cast<std::size_t>(tables.EffectCount()), -1) {
-  assert(fNBasic * fNLogits == fEstimates.size());
+      fNLogits(static_cast<std::size_t>(parameters.LogitCount())),
+      fNBasic(parameters.Basic().size()),
+      fParameters(static_cast<std::size_t>(parameters.EffectCount()), -1) {
+  assert(estimates.size() == parameters.All().size() && parameters.LogitCount() == response.LogitCount());
   fValues.reserve(fParameters.size());
   fTied.reserve(fNLogits + 1);
   fScoreIndices.reserve(fParameters.size() * fNLogits);

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "component/estimation/design_columns.h"
+#include "component/estimation/parameter_list.h"
 #include "component/estimation/response_categories.h"
 #include "component/estimation/srs_centre.h"
 #include "component/numerics/rect_matrix.h"
@@ -17,8 +18,9 @@ class OrvCaseScorer {
  public:
   /// Nothing is owned. `estimates`: of all parameters, logit by logit, on the internal scale, 0 for redundant
   /// ones.
-  OrvCaseScorer(const OrvResponseCategories& response, const OrvDesignColumns& columns,
-                OrvFactorTables& tables, const std::vector<double>& estimates);
+  OrvCaseScorer(const OrvResponseCategories& response, const OrvParameterList& parameters,
+                const OrvDesignColumns& columns, OrvFactorTables& tables,
+                const std::vector<double>& estimates);
 
   /// Probabilities by local index, reference last, and the local index of the most probable category; ties
   /// within machine epsilon of the linear predictors go to OrvResponseCategories::BreakTie. False, with

@@ -161,7 +161,8 @@ OrvStatus TavoModel::SetEstimates(const std::vector<double>& estimates, const MC
     return FailWithCount(ParameterCount(), 0);
   }
   MCMathFun::TransformParameters(fEstimates, Centres(), Scales(), EquationCount(), InterceptCount());
-  fpScorer = std::make_unique<OrvCaseScorer>(fResponse, fColumns, fTables, fTransformedEstimates);
+  fpScorer =
+      std::make_unique<OrvCaseScorer>(fResponse, fParameters, fColumns, fTables, fTransformedEstimates);
   fStage = Stage::kEstimates;
   return fStatus;
 }

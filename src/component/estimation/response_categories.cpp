@@ -1,6 +1,7 @@
 #include "component/estimation/response_categories.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace tavo {
@@ -9,7 +10,7 @@ namespace {
 
 // Codes are whole numbers that travelled as doubles.
 int CodeOf(double cell) {
-  return static_cast<int>(cell + 0.5);
+  return static_cast<int>(std::floor(cell + 0.5));
 }
 
 std::vector<int> CodesInUse(const std::vector<OrvFactorCounts::CountPair>& counts) {

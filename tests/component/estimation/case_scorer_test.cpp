@@ -26,8 +26,8 @@ class ScoredCases : public testing::Test {
     fBench.Effect({0}, {}).Effect({}, {0});
     fBench.Case(1, {1}, {2}, 1.5).Case(2, {2}, {-1}, 2).Case(3, {1}, {0.5}).Case(2, {1}, {4}, 0.5);
     fpParts = std::make_unique<ModelParts>(fBench);
-    fpScorer =
-        std::make_unique<OrvCaseScorer>(fpParts->response, fpParts->columns, *fBench.tables, fEstimates);
+    fpScorer = std::make_unique<OrvCaseScorer>(fpParts->response, fpParts->parameters, fpParts->columns,
+                                               *fBench.tables, fEstimates);
   }
   std::vector<double> Design(const MCCommon::Record& record) const {
     const double x = (record[2] - fpParts->parameters.Centres()[3]) / fpParts->parameters.Scales()[3];
@@ -136,7 +136,7 @@ TEST(CaseScorer, HugePredictorsStayFinite) {
   bench.Case(1, {}, {}).Case(2, {}, {}).Case(3, {}, {});
   ModelParts parts(bench);
   const std::vector<double> estimates{1e4, -1e4};
-  OrvCaseScorer scorer(parts.response, parts.columns, *bench.tables, estimates);
+  OrvCaseScorer scorer(parts.response, parts.parameters, parts.columns, *bench.tables, estimates);
   std::vector<double> p;
   int predicted = -1;
   ASSERT_TRUE(scorer.Predict(bench.DataRow(bench.records[0]).data(), p, predicted));
@@ -154,7 +154,7 @@ TEST(CaseScorer, PredictorsWithinMachineEpsilonAreTied) {
   bench.Case(1, {}, {}, 3).Case(2, {}, {}, 3).Case(3, {}, {}, 5);  // a tie goes to the reference
   ModelParts parts(bench);
   for (const auto& c : cases) {
-    OrvCaseScorer scorer(parts.response, parts.columns, *bench.tables, c.etas);
+    OrvCaseScorer scorer(parts.response, parts.parameters, parts.columns, *bench.tables, c.etas);
     std::vector<double> p;
     int predicted = -1;
     ASSERT_TRUE(scorer.Predict(bench.DataRow(bench.records[0]).data(), p, predicted));
