@@ -43,7 +43,7 @@ void EvaluateRows(benchmark::State& state, bool likelihoodOnly) {
   const std::vector<double> estimates(static_cast<std::size_t>((categories - 1) * kParameters), 0.1);
   tavo::TavoAccumStats sums(settings, kParameters, categories, estimates);
   for (auto _ : state) {
-    sums.Reset(0, false);
+    sums.Reset(tavo::EstimationMethod::kFisherScoring, false);
     for (std::size_t r = 0; r < rows.indices.size(); ++r) {
       const int category = static_cast<int>(r) % categories;
       if (sums.UpdateForRow(rows.indices[r], rows.values[r], category, 1.5, likelihoodOnly) != 0) {
@@ -75,7 +75,7 @@ void EvaluateBlocks(benchmark::State& state, bool likelihoodOnly) {
   const std::vector<double> estimates(static_cast<std::size_t>((categories - 1) * kParameters), 0.1);
   tavo::TavoAccumStats sums(settings, kParameters, categories, estimates);
   for (auto _ : state) {
-    sums.Reset(0, false);
+    sums.Reset(tavo::EstimationMethod::kFisherScoring, false);
     for (std::size_t r = 0; r < kRows; r += block.RowCount()) {
       if (sums.UpdateForBlock(block, likelihoodOnly) != 0) state.SkipWithError("a block was refused");
     }

@@ -17,6 +17,7 @@ using MCCommonMath::MCSymMatrix;
 
 namespace {
 
+// The missing value is a finite number, which a plain sum would take for one.
 double SumOrMissing(double a, double b) {
   return IsMissing(a) || IsMissing(b) ? MCMV::gMissingValue : a + b;
 }
@@ -26,6 +27,7 @@ void AddOrMissing(std::vector<double>& sums, const std::vector<double>& terms) {
     sums[e] = SumOrMissing(sums[e], terms[e]);
 }
 
+// Below this argument exp gives denormal numbers, slowly, or 0.
 double ExpOrZero(double x) {
   return x >= MCPower::gMachineMinExp ? std::exp(x) : 0.0;
 }
@@ -46,6 +48,7 @@ double PredictorsToProbabilities(double highest, std::vector<double>& values) {
       others += value;
     }
   }
+  // Denormal probabilities have few digits and slow everything down that they meet.
   for (double& value : values) {
     value /= 1 + others;
     if (value < std::numeric_limits<double>::min()) value = 0;
@@ -76,6 +79,8 @@ OrvSymStructure::OrvSymStructure(int blocks, int rowsPerBlock)
   }
 }
 
+// A model with many parameters and categories is where memory runs out first: a plain error, not an
+// exception.
 bool OrvSymStructure::Allocate() {
   if (fNBlocks < 0 || fNRowsPerBlock < 0) return false;
   try {
@@ -108,10 +113,10 @@ TavoAccumStats::TavoAccumStats(const TavoCompSettings& settings, int parameters,
   }
   fHessian = OrvSymStructure(categories - 1, parameters);
   fbValid = fHessian.IsValid();
-  TavoAccumStats::Reset(0, false);  // a derived class is not there yet
+  TavoAccumStats::Reset(EstimationMethod::kFisherScoring, false);  // a derived class is not there yet
 }
 
-void TavoAccumStats::Reset(int method, bool separationCheck) {
+void TavoAccumStats::Reset(EstimationMethod method, bool separationCheck) {
   fMethod = method;
   fbSeparationCheck = separationCheck;
   fLogLikelihood = fLogLikelihoodRest = 0;
@@ -143,10 +148,13 @@ int TavoAccumStats::UpdateForRow(const std::vector<int>& indices, const std::vec
     ++fNInvalidRows;
     return -1;
   }
+  // From here on the row counts; what is refused above leaves no trace in the sums.
   ++fNValidRows;
   fWeight += weight;
   if (fbSeparationCheck) NoteProbabilities(fProbabilities[static_cast<std::size_t>(category)]);
 
+  // The logarithm of the observed probability by way of the predictors: that of a probability that has become
+  // 0 or 1 in doubles would be infinite or 0.
   const bool isReference = category == fNCategories - 1;
   double logObserved = logReference;
   if (!isReference && fNParameters > 0)
@@ -156,6 +164,7 @@ int TavoAccumStats::UpdateForRow(const std::vector<int>& indices, const std::vec
   return 0;
 }
 
+// Neumaier (1974): what the larger of sum and term took from the smaller is summed apart.
 void TavoAccumStats::AddToLogLikelihood(double term) {
   const double sum = fLogLikelihood + term;
   const double larger = std::abs(fLogLikelihood) >= std::abs(term) ? fLogLikelihood : term;
@@ -171,6 +180,8 @@ void TavoAccumStats::NoteProbabilities(double observed) {
     fMinComputed = std::min(fMinComputed, probability);
 }
 
+// Only non-zero entries are touched, and of each symmetric block only its lower triangle: the cost of a row
+// is that of its own entries, not of the model's parameters.
 void TavoAccumStats::AddScoresAndInformation(const OrvSparseVector& row, int category, double weight) {
   const double* probability = fProbabilities.data();
   for (int i = 0; i < fNCategories - 1; ++i) {
@@ -192,6 +203,7 @@ bool TavoAccumStats::ComputeProbabilities(const OrvSparseVector& row, const std:
   probabilities.resize(logits + 1);
 
   // A predictor that is NaN changes neither bound, and its category gets probability 0.
+  // All predictors 0, as at the start of a model without intercept, gives exactly 1/K.
   double highest = 0;
   double lowest = 0;
   for (std::size_t j = 0; j < logits; ++j) {
@@ -209,6 +221,7 @@ bool TavoAccumStats::ComputeProbabilities(const OrvSparseVector& row, const std:
   return true;
 }
 
+// It shares the estimates, which nobody changes during an evaluation.
 std::unique_ptr<TavoAccumStats> TavoAccumStats::CloneEmpty() const {
   return std::make_unique<TavoAccumStats>(fSettings, fNParameters, fNCategories, fEstimates);
 }
@@ -222,6 +235,7 @@ void TavoAccumStats::Merge(const TavoAccumStats& other) {
     fLogLikelihood = MCMV::gMissingValue;
     fLogLikelihoodRest = 0;
   } else {
+    // Sum and rest are added apart: together they would lose the digits for which the rest was collected.
     AddToLogLikelihood(other.fLogLikelihood);
     AddToLogLikelihood(other.fLogLikelihoodRest);
   }
@@ -240,6 +254,7 @@ void TavoAccumStats::Merge(const TavoAccumStats& other) {
   fMinComputed = std::min(fMinComputed, other.fMinComputed);
 }
 
+// The blocks are put together only when the matrix is wanted, once an iteration.
 int TavoAccumStats::GetHessian(MCSymMatrix& matrix) const {
   const int logits = fNCategories - 1;
   const int size = logits * fNParameters;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "component/estimation/block_probabilities.h"
+#include "component/estimation/estimation_method.h"
 #include "component/estimation/row_block.h"
 #include "component/estimation/sparse_vector.h"
 #include "component/input/comp_settings.h"
@@ -13,7 +14,7 @@
 namespace tavo {
 
 /// A symmetric matrix of n by n blocks, each a packed symmetric m by m matrix. Block (i, j) and block (j, i)
-/// are the same object, and of it only the lower triangle is kept. A failed allocation leaves an invalid,
+/// are the same object, and of it only the lower triangle is held. A failed allocation leaves an invalid,
 /// empty structure.
 class OrvSymStructure {
  public:
@@ -41,22 +42,30 @@ class OrvSymStructure {
 };
 
 /// Sums over rows the weighted log-likelihood, the score vector and the information of the baseline-category
-/// logit at one parameter vector (lent; (K-1) p' values, logit by logit, p' kept basic parameters). One
-/// object per thread.
+/// logit at one parameter vector, (K-1) p' values, logit by logit, with p' non-redundant basic parameters:
+///
+///   log-likelihood  sum of w log p_y, with y the observed category
+///   score           for logit j, sum of w ((y is j) - p_j) x
+///   information     for logits i and j, sum of w p_i ((i is j) - p_j) x x'
+///
+/// (McCullagh and Nelder 1989, chapter 5; for weighted samples Binder 1983.) The information is the
+/// expected as well as the observed one, as the logit is the canonical link. Rows come one by one or in
+/// blocks; the sums differ by rounding. One object per thread. What is virtual is so for tests, which bend
+/// the likelihood.
 class TavoAccumStats {
  public:
-  /// `parameters` is p', `categories` K. Everything is lent. Not valid when a count is out of range, the
+  /// `parameters` is p', `categories` K. Nothing is owned: the estimates may change between evaluations, as
+  /// `Reset` empties the sums. Not valid when a count is out of range, the
   /// vector is too short or memory ran out.
   TavoAccumStats(const TavoCompSettings& settings, int parameters, int categories,
                  const std::vector<double>& estimates);
   virtual ~TavoAccumStats() = default;
 
   bool IsValid() const { return fbValid; }
-  /// Empties all sums. `method` is the estimation method, kept for its reader only: observed and expected
-  /// information of this model are the same. With `separationCheck` the extremes of the probabilities are
-  /// followed.
-  virtual void Reset(int method, bool separationCheck);
-  virtual bool IsUsable() const { return true; }
+  /// Empties all sums. The method is kept for `Method` only: observed and expected information of this model
+  /// are the same. With `separationCheck` the extremes of the probabilities are followed.
+  virtual void Reset(EstimationMethod method, bool separationCheck);
+  EstimationMethod Method() const { return fMethod; }
   /// Adds one row. `category` is the local index, K-1 the reference. 0, or -1 for a refused row (bad indices,
   /// category out of range, weight not above 0).
   virtual int UpdateForRow(const std::vector<int>& indices, const std::vector<double>& values, int category,
@@ -67,15 +76,13 @@ class TavoAccumStats {
   int UpdateForBlock(const TavoRowBlock& block, bool likelihoodOnly);
   /// Probabilities of all categories and the log-probability of the reference, safe for any size of the
   /// linear predictors. False for unusable arguments.
-  virtual bool ComputeProbabilities(const OrvSparseVector& row, const std::vector<double>& parameters,
-                                    int categories, int parameterCount, std::vector<double>& probabilities,
-                                    double& logReference);
-  virtual double StepHalvingFactor() const { return 1.0; }
+  bool ComputeProbabilities(const OrvSparseVector& row, const std::vector<double>& parameters, int categories,
+                            int parameterCount, std::vector<double>& probabilities, double& logReference);
   /// An empty accumulator of the same sizes over the same parameter vector.
   virtual std::unique_ptr<TavoAccumStats> CloneEmpty() const;
   /// Adds another object's sums; a sum with a missing operand is missing. The log-likelihood of objects of
   /// different shape has no sum: it becomes missing.
-  virtual void Merge(const TavoAccumStats& other);
+  void Merge(const TavoAccumStats& other);
 
   /// The dense information matrix of (K-1) p' rows, or -1.
   int GetHessian(MCCommonMath::MCSymMatrix& matrix) const;
@@ -100,7 +107,7 @@ class TavoAccumStats {
   int fNValidRows = 0;
   int fNInvalidRows = 0;
   double fWeight = 0;
-  int fMethod = 0;
+  EstimationMethod fMethod = EstimationMethod::kFisherScoring;
   bool fbSeparationCheck = false;
   double fMinObserved = 0;
   double fMaxObserved = 0;

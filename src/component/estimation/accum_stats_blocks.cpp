@@ -1,4 +1,7 @@
-// The sums of an evaluation, a block of rows at a time.
+// The sums of an evaluation, a block of rows at a time: the formulas of the row-wise form, turned inside out.
+// The loop over the rows of a block is the innermost one and has no branch and no index in it, so that it
+// runs in vector registers; a column that is constant in the block enters once, with the sum of the row
+// factors.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -12,6 +15,8 @@ namespace vectors = MCCommonMath::vectors;
 
 int TavoAccumStats::UpdateForBlock(const TavoRowBlock& block, bool likelihoodOnly) {
   if (!IsAcceptable(block)) return -1;
+  // Rows with predictors beyond the range of doubles are rare, and what they count for is said in one place
+  // only.
   const bool isEvaluated =
       fNParameters > 0 &&
       fBlockProbabilities.Evaluate(block, fEstimates.data(), static_cast<std::size_t>(fNCategories),
@@ -25,6 +30,7 @@ int TavoAccumStats::UpdateForBlock(const TavoRowBlock& block, bool likelihoodOnl
   return 0;
 }
 
+// Written so that a NaN is refused.
 bool TavoAccumStats::IsAcceptable(const TavoRowBlock& block) const {
   if (!fbValid || block.MaxIndexPlusOne() > fNParameters) return false;
   for (std::size_t r = 0; r < block.RowCount(); ++r) {
@@ -48,6 +54,7 @@ int TavoAccumStats::UpdateForRowsOf(const TavoRowBlock& block, bool likelihoodOn
 void TavoAccumStats::NoteProbabilitiesOf(const TavoRowBlock& block) {
   const auto [least, most] =
       std::minmax_element(fBlockProbabilities.Observed(), fBlockProbabilities.Observed() + block.RowCount());
+  // A block without rows has no extremes.
   if (least == fBlockProbabilities.Observed() + block.RowCount()) return;
   fMinObserved = std::min(fMinObserved, *least);
   fMaxObserved = std::max(fMaxObserved, *most);
@@ -57,7 +64,8 @@ void TavoAccumStats::NoteProbabilitiesOf(const TavoRowBlock& block) {
   }
 }
 
-// Several sums side by side, each with what rounding took from it (Knuth 1969, two-sum).
+// Eight sums side by side, as a compensated sum waits for itself at each term, each with what rounding took
+// from it (Knuth 1969, two-sum).
 void TavoAccumStats::AddLogLikelihoodOf(const TavoRowBlock& block) {
   constexpr std::size_t kLanes = 8;
   static_assert(TavoRowBlock::kMaxRows % kLanes == 0);
@@ -80,6 +88,7 @@ void TavoAccumStats::AddLogLikelihoodOf(const TavoRowBlock& block) {
   }
 }
 
+// For each pair of logits one factor a row; the block multiplies it into its columns.
 void TavoAccumStats::AddScoresAndInformationOf(const TavoRowBlock& block) {
   const std::size_t rows = block.RowCount();
   const double* const weights = block.Weights();

@@ -1,3 +1,6 @@
+// The same steps as for one row, each a loop over all rows of the block with one category after the other:
+// predictors, the highest of them, exponentials relative to it, their sum, the observed logarithm,
+// probabilities.
 #include "component/estimation/block_probabilities.h"
 
 #include <algorithm>
@@ -20,7 +23,7 @@ bool TavoBlockProbabilities::Evaluate(const TavoRowBlock& block, const double* p
     block.LinearPredictors(parameters + j * parameterCount, Values(j));
   std::fill(Values(logits), Values(logits) + fNRows, 0.0);
   if (!FindHighestPredictors()) return false;
-  CopyObserved(block, fLogObserved);
+  CopyObserved(block, fLogObserved);  // the predictors, before they are overwritten
   TakeExponentials();
   TakeLogObserved();
   Normalise();
@@ -28,6 +31,7 @@ bool TavoBlockProbabilities::Evaluate(const TavoRowBlock& block, const double* p
   return true;
 }
 
+// Counts in doubles what isn't finite, so that the loop has no branch.
 bool TavoBlockProbabilities::FindHighestPredictors() {
   std::fill(fHighest.begin(), fHighest.end(), 0.0);
   double* const highest = fHighest.data();
@@ -65,6 +69,7 @@ void TavoBlockProbabilities::TakeExponentials() {
       ties[r] += values[r] < 1 ? 0.0 : 1.0;
     }
   }
+  // Ties started at -1: of several highest predictors all but one belong to the others.
   for (std::size_t r = 0; r < fNRows; ++r)
     others[r] += ties[r];
 }
@@ -78,7 +83,7 @@ void TavoBlockProbabilities::TakeOneExponential() {
     others[r] = -std::abs(first[r]);
   vectors::Exp(others, fNRows);
   for (std::size_t r = 0; r < fNRows; ++r) {
-    const bool isFirstHigher = first[r] > 0;
+    const bool isFirstHigher = first[r] > 0;  // a select, not a branch
     first[r] = isFirstHigher ? 1.0 : others[r];
     reference[r] = isFirstHigher ? others[r] : 1.0;
   }
@@ -93,6 +98,8 @@ void TavoBlockProbabilities::TakeLogObserved() {
     fLogObserved[r] -= logs[r] + fHighest[r];
 }
 
+// As in the row-wise form a probability below the normal range is 0: denormal numbers have few digits and are
+// slow.
 void TavoBlockProbabilities::Normalise() {
   const double* const others = fOthers.data();
   for (std::size_t c = 0; c < fNCategories; ++c) {

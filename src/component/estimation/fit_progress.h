@@ -26,10 +26,10 @@ class ProgressListener {
 };
 
 /// One iteration: "iterNum", "stepHalving", "loglik", "time" (seconds since the fit began), "paramEstim"
-/// (kept parameters on the scale of the data).
+/// (non-redundant parameters on the scale of the data).
 class OrvIterationReporter : public ProgressReportVect {
  public:
-  /// `estimates` is lent until the next call.
+  /// `estimates` is not owned, and outlives the object or the next call.
   void Set(const std::vector<double>* estimates, int iteration, int stepHalvings, double logLikelihood,
            double seconds);
   int GetInt(std::string_view name) const override;
@@ -51,7 +51,7 @@ class OrvIterationData : public ProgressListener {
     int iteration = 0;
     int stepHalvings = 0;
     double minusTwoLogLikelihood = 0;  // missing when the log-likelihood is
-    std::vector<double> estimates;     // kept parameters, data scale
+    std::vector<double> estimates;     // non-redundant parameters, data scale
   };
   /// Appends a row; a report that isn't a ProgressReportVect is ignored.
   void Update(const ProgressReport& report) override;

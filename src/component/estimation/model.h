@@ -6,9 +6,14 @@
 #include <memory>
 #include <vector>
 
-#include "component/estimation/rank_update.h"
-#include "component/estimation/regr_parameter.h"
+#include "component/estimation/case_scorer.h"
+#include "component/estimation/design_columns.h"
+#include "component/estimation/fit_layout.h"
+#include "component/estimation/parameter_list.h"
+#include "component/estimation/redundancy.h"
+#include "component/estimation/response_categories.h"
 #include "component/estimation/row_block.h"
+#include "component/estimation/srs_centre.h"
 #include "component/frame/orv_cancel_info.h"
 #include "component/frame/orv_status.h"
 #include "component/input/comp_settings.h"
@@ -17,6 +22,7 @@
 #include "component/numerics/bit_set.h"
 #include "component/numerics/rect_matrix.h"
 #include "component/numerics/sym_matrix.h"
+#include "component/tabulation/factor_tables.h"
 
 namespace tavo {
 
@@ -24,233 +30,175 @@ using MCCommonMath::MCBitSet;
 using MCCommonMath::MCRectMatrix;
 using MCCommonMath::MCSymMatrix;
 
-class OrvFactorTables;
-
-/// A baseline-category logit. With K response categories, the reference last, there are K-1 logits, each with
-/// the same p basic design columns; logit j of a row x is x'b_j, and category j has probability exp(x'b_j) /
-/// (1 + sum over all logits). The list of all parameters is the basic list repeated K-1 times: parameter j*p
-/// + k is column k of logit j.
+/// A baseline-category logit (Agresti 2002, section 7.1). With K response categories, the reference last,
+/// there are K-1 logits, each with the same p basic design columns; logit j of a row x is x'b_j, and category
+/// j has probability exp(x'b_j) / (1 + sum over all logits).
 ///
-/// The fit works on an internal scale: column k enters as (v - c)/s with its effect's centre c (only in a
-/// model with an intercept) and scale s. Estimates are kept on both scales. A column without spread, a
-/// constant covariate beside an intercept, has scale 0 and enters as 0, so that it is found redundant.
+/// The model is the whole of its parts, and says in which order they come to be: OrvResponseCategories,
+/// OrvParameterList with OrvDesignColumns, OrvRedundancy, the start values, the estimates with OrvCaseScorer,
+/// and OrvSRSCentre. Estimates are kept on the scale of the data and on the internal scale of the fit.
 ///
-/// Calling order: SetRecordLayout, SetupDependent, BuildParameters, AddPatternToXPrimeX for each row,
-/// FindRedundancies, GetInitialEstimates, SetCaseCounts, the optimizer with BuildSparseRow, SetEstimates, the
-/// design pass with ComputeCaseScores or AddCaseScores, ScaleSRSCovariance. BuildSparseRow, StartBlock,
-/// FillBlock and ParameterValue may be called from several threads at once; everything else from one.
+/// Calling order, asserted: SetupDependent, BuildParameters, AddPatternToXPrimeX or AddBlockToXPrimeX for
+/// each row, FindRedundancies, GetInitialEstimates and the fit, SetEstimates, AddCaseScores for each case of
+/// the design pass, ScaleSRSCovariance. As long as nothing failed, each operation that returns a status
+/// returns the model's own, which keeps a warning; after an error the model is of no use. BuildSparseRow,
+/// StartBlock, FillBlock and ParameterValue may be called from several threads at once; everything else from
+/// one.
 class TavoModel {
  public:
-  /// Settings and cancel object are lent.
-  TavoModel(const TavoCompSettings& settings, const OrvCancelInfo& cancel);
-  virtual ~TavoModel();
+  /// Nothing is owned; all of it outlives the model. Tables and extractors may be filled later, before
+  /// SetupDependent.
+  TavoModel(const TavoCompSettings& settings, OrvFactorTables& tables, const OrvRecordExtractor& patternRow,
+            const OrvRecordExtractor& dataRow, const OrvCancelInfo& cancel);
+  TavoModel(const TavoModel&) = delete;
+  TavoModel& operator=(const TavoModel&) = delete;
+  ~TavoModel();
 
-  /// Positions in the rows of both extractors.
-  void SetRecordLayout(const OrvRecordExtractor& patternRow, const OrvRecordExtractor& dataRow);
-  /// Decides the response categories in use and the reference. The tables are lent from here on. 95028, 95029
-  /// (warning). As all operations that return a status, it returns the model's status, which keeps a warning.
-  virtual OrvStatus SetupDependent(OrvFactorTables& tables);
-  /// Builds the parameter lists; `maxCount` is the tables' count of basic columns. 95045.
-  virtual OrvStatus BuildParameters(int maxCount);
-  /// Adds one pattern row to X'WX; `parameters` holds one basic parameter index per model effect.
-  virtual bool AddPatternToXPrimeX(const double* patternRow, const std::vector<int>& parameters);
+  /// Decides the response categories in use and the reference; StatusCode::kOneDependentValue, and the
+  /// warning StatusCode::kReferenceNotInUse.
+  OrvStatus SetupDependent();
+  /// Builds the parameter list; `maxCount` is the tables' count of basic columns.
+  /// StatusCode::kTooManyParameters (integers: count, limit; limit 0 when memory ran out),
+  /// StatusCode::kCancelled.
+  OrvStatus BuildParameters(int maxCount);
+  /// Adds one pattern row to X'WX; `parameters` holds one basic parameter index per model effect. False, with
+  /// nothing added, after a cancel or when an index is out of range.
+  bool AddPatternToXPrimeX(const double* patternRow, const std::vector<int>& parameters);
   /// The same for the rows of a block that was started with all columns.
   bool AddBlockToXPrimeX(const TavoRowBlock& block);
-  /// Sweeps X'WX: a column that depends on earlier ones is aliased. 95004, 95005, 1.
-  virtual OrvStatus FindRedundancies();
-  /// Start values of the kept parameters: the exact solution of the model with intercepts only.
-  virtual OrvStatus GetInitialEstimates(std::vector<double>& estimates);
-  /// Kept design columns of a pattern row: compressed indices (strictly ascending) and values that are not 0.
-  /// A row of zeros gets one explicit 0, since no entry at all would be no row. Outputs are cleared first;
-  /// they keep their capacity.
-  virtual void BuildSparseRow(const double* patternRow, const std::vector<int>& parameters,
-                              std::vector<int>& indices, std::vector<double>& values) const;
-  /// The same for many rows of a pattern: StartBlock gives the block its entries, those of the kept columns
-  /// under their compressed indices or those of all columns under their basic ones; FillBlock gives it the
-  /// values of up to TavoRowBlock::kMaxRows pattern rows that lie end to end. A row's zeros may stay among
-  /// its entries. Memory that runs out throws std::bad_alloc.
+  /// Sweeps X'WX. StatusCode::kDataNotProcessed when no row was added, StatusCode::kCancelled.
+  OrvStatus FindRedundancies();
+  /// The non-redundant parameters as the iteration sees them; known from FindRedundancies on.
+  const TavoFitLayout& FitLayout() const { return fLayout; }
+  /// See StartValues.
+  OrvStatus GetInitialEstimates(std::vector<double>& estimates);
+  /// See OrvDesignColumns.
+  void BuildSparseRow(const double* patternRow, const std::vector<int>& parameters, std::vector<int>& indices,
+                      std::vector<double>& values) const {
+    fColumns.BuildSparseRow(patternRow, parameters, fRedundancy, indices, values);
+  }
+  /// The same for many rows of a pattern; see OrvDesignColumns. The block's entries are those of the
+  /// non-redundant columns under their compressed indices, or those of all columns under their basic ones.
+  /// Memory that runs out throws std::bad_alloc.
   void StartBlock(const std::vector<int>& parameters, BlockColumns which, TavoRowBlock& block) const;
   void FillBlock(const double* patternRows, std::size_t rowLength, std::size_t rows,
-                 TavoRowBlock& block) const;
-  /// Takes the estimates of the kept parameters and the inverse of their information, both on the internal
-  /// scale. 91000 when their sizes don't fit the kept parameters, 95045, 1.
+                 TavoRowBlock& block) const {
+    fColumns.FillBlock(patternRows, rowLength, rows, block);
+  }
+  /// Takes the estimates of the non-redundant parameters and the inverse of their information, both on the
+  /// internal scale. StatusCode::kTooManyParameters when memory ran out, StatusCode::kCancelled.
   OrvStatus SetEstimates(const std::vector<double>& estimates, const MCSymMatrix& hessianInverse);
-  void SetCaseCounts(double sampleSize, double populationTotal);
-  /// Score of one data row, a vector over all parameters: (1 if the response is j, else 0, minus probability
-  /// j) * x * w. Also accumulates the central part of the covariance under simple random sampling and the
-  /// classification table.
-  virtual void ComputeCaseScores(std::vector<double>& scores, const double* dataRow);
+  /// Score of one data row over all parameters; see OrvCaseScorer::AddScores. Also adds to the centre of the
+  /// covariance under simple random sampling and to the classification table. Zero after a cancel.
+  void ComputeCaseScores(std::vector<double>& scores, const double* dataRow);
   /// Adds the same values to running sums.
   void AddCaseScores(std::vector<double>& sums, const double* dataRow);
-  /// Scales the SRS centre by N/(n-1), and by 1 - n/N without replacement. Completes the model. 95007.
+  /// Scales the SRS centre, see OrvSRSCentre::Scale, and completes the model.
+  /// StatusCode::kEmptySubpopulation when no case with weight was scored.
   OrvStatus ScaleSRSCovariance();
-  /// Probabilities (by local index, reference last) and the predicted category code; 0 and missing values for
-  /// a level combination that the estimation data didn't have, and on a cancel. 95006 before there are
-  /// estimates. Ties within machine epsilon: the largest weighted count, then the largest unweighted count,
-  /// then the smallest code.
-  virtual OrvStatus PredictCategory(const double* dataRow, std::vector<double>& probabilities, int& category);
-  /// First basic parameter and count of an effect; with an intercept, effect 0 is the intercept.
-  virtual bool GetEffectParameters(int effect, int& first, int& count) const;
+  /// Probabilities (by local index, reference last) and the code of the predicted category; 0 and missing
+  /// values for a level combination that the estimation data didn't have, and after a cancel. From
+  /// SetEstimates on.
+  OrvStatus PredictCategory(const double* dataRow, std::vector<double>& probabilities, int& category);
+  /// First basic parameter and count of an effect; with an intercept, effect 0 is the intercept. False for an
+  /// effect out of range.
+  bool GetEffectParameters(int effect, int& first, int& count) const {
+    return fParameters.EffectRange(effect, first, count);
+  }
   /// The product of the parameter's covariates raised to their powers; 1 without covariates.
-  double ParameterValue(const double* row, const OrvRegrParameter& parameter, bool usePatternOffsets) const;
+  double ParameterValue(const double* row, const OrvRegrParameter& parameter, bool usePatternOffsets) const {
+    return fColumns.ParameterValue(row, parameter, usePatternOffsets ? RowKind::kPattern : RowKind::kData);
+  }
   /// Fills a dense design row of p values. False for an unknown level combination, whose columns stay 0, or
-  /// on a cancel. Not standardised, a column holds its covariate product; standardised, its value on the
+  /// after a cancel. Not standardised, a column holds its covariate product; standardised, its value on the
   /// internal scale.
   bool FillDesignRow(std::vector<double>& row, const double* dataRow, bool standardise) const;
-  /// The categories of a factor (position from 0) that have weight, ascending, with the chosen reference
-  /// moved to the end; `counts` in parallel. `reference`: 0 highest in use, -1 lowest, otherwise that
-  /// category. Warnings: 95041 fewer than two categories where a comparison is wanted (`isControl` false; no
-  /// reference is chosen then), 95042 and, for a control, 95043 the requested category is not in use and the
-  /// highest was taken (integers: record column, request).
+  /// The categories of a factor (position from 0) that have weight; see tavo::FactorLevels.
   OrvStatus FactorLevels(int factor, int reference, bool isControl, std::vector<int>& levels,
                          std::vector<double>& counts) const;
-  /// The rows of a custom hypothesis as numbers: one row each, with the columns of one logit, or of all
-  /// logits
-  /// (`isFull`) when the first row is kAll. Rows count from 0 in the arguments of errors: 95009 wrong number
-  /// of values in a kAll row, 95019 a row without type, 95020 wrong number of values for an effect, 95021 an
-  /// intercept where the model has none, 95022 unknown effect, 95039 kAll mixed with other rows, 95045, 1 (L
-  /// is zero then). The model's own status isn't touched.
+  /// The rows of a custom hypothesis as numbers; see BuildHypothesisRows. The model's own status isn't
+  /// touched.
   OrvStatus BuildHypothesisMatrix(const std::vector<TavoMatrixRow>& rows, MCRectMatrix& L,
                                   bool& isFull) const;
 
-  bool HasIntercept() const { return fNIntercepts > 0; }
-  int InterceptCount() const { return fNIntercepts; }
-  int EquationCount() const { return fNEquations; }
+  bool HasIntercept() const { return fSettings.HasIntercept(); }
+  int InterceptCount() const { return HasIntercept() ? 1 : 0; }
+  int EquationCount() const { return fResponse.LogitCount(); }
   /// Model effects, the intercept included.
-  int EffectCount() const { return fNEffects; }
-  int ParameterCount() const { return static_cast<int>(fAllParameters.size()); }
-  int BasicParameterCount() const { return static_cast<int>(fBasicParameters.size()); }
-  int BasicNonRedundantCount() const { return fNBasicNonRedundant; }
-  int AllNonRedundantCount() const { return fNAllNonRedundant; }
-  int CategoryCount() const { return static_cast<int>(fCategories.size()); }
+  int EffectCount() const { return static_cast<int>(fSettings.Effects().size()) + InterceptCount(); }
+  int ParameterCount() const { return fParameters.AllCount(); }
+  int BasicParameterCount() const { return fParameters.BasicCount(); }
+  int BasicNonRedundantCount() const { return fRedundancy.NonRedundantCount(); }
+  int AllNonRedundantCount() const { return fRedundancy.NonRedundantCount() * EquationCount(); }
+  int CategoryCount() const { return fResponse.Count(); }
   /// Response category codes in use, reference last.
-  const std::vector<int>& Categories() const { return fCategories; }
+  const std::vector<int>& Categories() const { return fResponse.Codes(); }
   /// By category code - 1: the position in Categories(), -1 for an empty category.
-  const std::vector<int>& LocalCategoryIndices() const { return fLocalCategories; }
-  const std::vector<double>& WeightedCounts() const { return fWeightedCounts; }
-  const std::vector<double>& UnweightedCounts() const { return fUnweightedCounts; }
-  const std::vector<OrvRegrParameter>& AllParameters() const { return fAllParameters; }
-  const std::vector<OrvRegrParameter>& BasicParameters() const { return fBasicParameters; }
-  /// A set bit marks a kept parameter.
-  const MCBitSet& BasicBits() const { return fBasicBits; }
+  const std::vector<int>& LocalCategoryIndices() const { return fResponse.LocalIndices(); }
+  const std::vector<double>& WeightedCounts() const { return fResponse.WeightedCounts(); }
+  const std::vector<double>& UnweightedCounts() const { return fResponse.UnweightedCounts(); }
+  const std::vector<OrvRegrParameter>& AllParameters() const { return fParameters.All(); }
+  const std::vector<OrvRegrParameter>& BasicParameters() const { return fParameters.Basic(); }
+  /// A set bit marks a non-redundant parameter.
+  const MCBitSet& BasicBits() const { return fRedundancy.Bits(); }
   const MCBitSet& AllBits() const { return fAllBits; }
   /// Per basic parameter.
-  const std::vector<double>& Centres() const { return fParameterCentres; }
-  const std::vector<double>& Scales() const { return fParameterScales; }
-  /// Per kept basic parameter.
-  const std::vector<double>& NonRedundantCentres() const { return fNonRedundantCentres; }
-  const std::vector<double>& NonRedundantScales() const { return fNonRedundantScales; }
-  const std::vector<double>& Estimates() const { return fEstimates; }                        // data scale
-  const std::vector<double>& TransformedEstimates() const { return fTransformedEstimates; }  // internal scale
+  const std::vector<double>& Centres() const { return fParameters.Centres(); }
+  const std::vector<double>& Scales() const { return fParameters.Scales(); }
+  /// Per non-redundant basic parameter.
+  const std::vector<double>& NonRedundantCentres() const { return fLayout.centres; }
+  const std::vector<double>& NonRedundantScales() const { return fLayout.scales; }
+  /// Of all parameters, 0 for redundant ones, on the scale of the data; all 0 before SetEstimates.
+  const std::vector<double>& Estimates() const { return fEstimates; }
+  /// The same on the internal scale; empty before SetEstimates.
+  const std::vector<double>& TransformedEstimates() const { return fTransformedEstimates; }
+  /// Observed by predicted local index, weighted.
   const MCRectMatrix& ClassificationTable() const { return fClassification; }
+  /// The inverse information expanded to all parameters, 0 for redundant ones; null before SetEstimates and
+  /// after its release.
   const MCSymMatrix* HessianGI() const { return fpHessianGI.get(); }
-  /// Null when the settings don't ask for it.
-  const MCSymMatrix* SRSCentre() const;
-  /// Swept on BasicBits by FindRedundancies.
-  const MCSymMatrix* XPrimeX() const { return fpXPrimeX.get(); }
-  /// Its diagonal before the first sweep.
-  const std::vector<double>& XPrimeXDiagonal() const { return fXPrimeXDiagonal; }
+  /// Null when the settings don't ask for it, and after its release.
+  const MCSymMatrix* SRSCentre() const { return fpSRSCentre == nullptr ? nullptr : &fpSRSCentre->Matrix(); }
+  /// Swept on BasicBits by FindRedundancies; null before BuildParameters and after its release.
+  const MCSymMatrix* XPrimeX() const { return fRedundancy.XPrimeX(); }
+  /// Its diagonal before the sweep.
+  const std::vector<double>& XPrimeXDiagonal() const { return fRedundancy.XPrimeXDiagonal(); }
+  // Each matrix goes as soon as it has served.
   void ReleaseHessianGI() { fpHessianGI.reset(); }
-  void ReleaseSRSCentre();
-  void ReleaseXPrimeX() { fpXPrimeX.reset(); }
-  double SampleSize() const { return fSampleSize; }
-  double PopulationTotal() const { return fPopulationTotal; }
-  bool IsBuilt() const { return fbBuilt; }
+  void ReleaseSRSCentre() { fpSRSCentre.reset(); }
+  void ReleaseXPrimeX() { fRedundancy.ReleaseXPrimeX(); }
+  bool IsBuilt() const { return fStage == Stage::kBuilt; }
   const OrvStatus& Status() const { return fStatus; }
   const TavoCompSettings& Settings() const { return fSettings; }
 
  private:
-  struct RowLayout {
-    int weight = 0;
-    int response = 0;
-    std::vector<int> covariateOffset;  // by record column; -1 for a column that is no covariate
-  };
-  // One covariate of an effect, with its place in both kinds of rows.
-  struct CovariateTerm {
-    int patternOffset = 0;
-    int dataOffset = 0;
-    int power = 0;
-  };
+  /// What is known so far; each stage has all of those before it.
+  enum class Stage { kNothing, kResponse, kParameters, kRedundancies, kEstimates, kBuilt };
 
-  void CompressBasicParameters();
   OrvStatus Fail(std::uint32_t code);
   OrvStatus FailWithCount(std::int64_t count, std::int32_t limit);
   OrvStatus EndOfLongStep();
-  std::size_t ChooseReference(const std::vector<int>& used);
-  void ClearParameters();
-  void TakeTransformation();
-  void AppendParameter(const OrvRegrParameter& parameter, double centre, double scale);
-  bool AppendEffectParameters(int effect);
-  bool AppendCovariateTerms(const OrvRegrParameter& parameter);
-  void RepeatForOtherLogits();
-  void AllocateMatrices();
-  double DesignValue(const double* row, std::size_t effect, bool usePatternOffsets) const;
-  void FillColumn(const double* patternRows, std::size_t rowLength, std::size_t rows, std::size_t effect,
-                  double* column) const;
-  bool TakesXPrimeX() const;
-  bool FindParameters(const double* dataRow) const;
-  bool FillScoringRow(const double* dataRow);
-  void EvaluateScoringRow(std::vector<double>& probabilities, int& local);
-  int BreakTie();
-  bool ScoreRow(std::vector<double>& sums, const double* dataRow);
-  void AddToSRSCentre(double weight);
-  OrvStatus FillHypothesisRow(const TavoMatrixRow& row, int number, bool isFull, MCRectMatrix& L) const;
-  OrvStatus FillEffectTerms(const TavoMatrixRow& row, int number, MCRectMatrix& L) const;
-  OrvStatus FillAllValues(const TavoMatrixRow& row, int number, MCRectMatrix& L) const;
+  OrvStatus AllocateMatrices();
 
   const TavoCompSettings& fSettings;
+  OrvFactorTables& fTables;
+  const OrvRecordExtractor& fPatternRow;
+  const OrvRecordExtractor& fDataRow;
   const OrvCancelInfo& fCancel;
-  OrvFactorTables* fpTables = nullptr;
-  RowLayout fPatternLayout;
-  RowLayout fDataLayout;
-  std::vector<int> fCategories;
-  std::vector<int> fLocalCategories;
-  std::vector<double> fWeightedCounts;
-  std::vector<double> fUnweightedCounts;
-  int fNEffects = 0;
-  int fNEquations = 0;
-  int fNIntercepts = 0;
-  std::vector<double> fEffectCentres;
-  std::vector<double> fEffectScales;
-  std::vector<double> fParameterCentres;
-  std::vector<double> fParameterScales;
-  std::vector<double> fNonRedundantCentres;
-  std::vector<double> fNonRedundantScales;
-  std::unique_ptr<MCSymMatrix> fpXPrimeX;
-  std::vector<double> fXPrimeXDiagonal;
-  std::unique_ptr<MCSymMatrix> fpSRSCentre;
-  mutable OrvRankUpdate fSRSRows;  // rows still to be added to the SRS centre; flushed before anyone reads it
-  bool fbSRSBySparseRows = false;  // rows with few entries go to the SRS centre one by one
-  std::unique_ptr<MCSymMatrix> fpHessianGI;
-  int fNRecordsAdded = 0;
-  MCBitSet fBasicBits;
+  Stage fStage = Stage::kNothing;
+  OrvResponseCategories fResponse;
+  OrvParameterList fParameters;
+  OrvDesignColumns fColumns;
+  OrvRedundancy fRedundancy;
   MCBitSet fAllBits;
-  std::vector<OrvRegrParameter> fAllParameters;
-  std::vector<OrvRegrParameter> fBasicParameters;
-  int fNBasicNonRedundant = 0;
-  int fNAllNonRedundant = 0;
-  std::vector<int> fCompressedIndex;  // per basic parameter, -1 when aliased
-  bool fbStructureReady = false;
-  bool fbBuilt = false;
+  TavoFitLayout fLayout;
   std::vector<double> fEstimates;
   std::vector<double> fTransformedEstimates;
-  std::vector<std::size_t> fFirstTerm;  // by model effect, and one entry more: its range of fCovariateTerms
-  std::vector<CovariateTerm> fCovariateTerms;
-  std::vector<double> fConstantValues;  // by model effect: the design value of an effect without covariates
-  // Work of the evaluation of one data row: its design row, sparse, with basic parameter indices.
-  mutable std::vector<int> fWorkParameters;  // by model effect
-  std::vector<int> fWorkIndices;
-  std::vector<double> fWorkValues;
-  std::vector<double> fWorkProbabilities;  // K
-  std::vector<int> fWorkScoreIndices;      // of the score, over all logits
-  std::vector<double> fWorkScoreValues;
-  std::vector<int> fWorkTied;
-  double fPopulationTotal = 0;
-  double fSampleSize = 0;
-  long fNCasesWithWeight = 0;
-  std::vector<int> fFirstParameter;    // by settings' effect
-  std::vector<int> fEffectParameters;  // count, by settings' effect
-  MCRectMatrix fClassification;        // observed by predicted, local indices, weighted
+  std::unique_ptr<MCSymMatrix> fpHessianGI;
+  std::unique_ptr<OrvCaseScorer> fpScorer;
+  std::unique_ptr<OrvSRSCentre> fpSRSCentre;
+  MCRectMatrix fClassification;
+  std::vector<double> fWorkValues;  // of one row, by model effect
   OrvStatus fStatus;
 };
 

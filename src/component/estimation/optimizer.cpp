@@ -1,15 +1,14 @@
 #include "component/estimation/optimizer.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <limits>
+#include <utility>
 
-#include "component/estimation/accum_stats.h"
-#include "component/estimation/model.h"
 #include "component/numerics/machine_constants.h"
 #include "component/numerics/math_functions.h"
 #include "component/numerics/missing_value.h"
-#include "component/run/pattern_tabulator.h"
 
 namespace tavo {
 
@@ -20,8 +19,11 @@ using MCCommonMath::MCPower;
 
 namespace {
 
-// Separation. Complete: no observed response has a probability below 1 - kNearOne. Quasi-complete: the
-// information is nearly singular while probabilities have come near 1 or 0.
+// Separation (Albert and Anderson 1984): where a linear combination of the columns tells the categories
+// apart, for all cases (complete) or for all but those on the border (quasi-complete), the likelihood has no
+// maximum at finite estimates. The fit runs away then, and is recognised by where it goes, not by a linear
+// program over the cases. Complete: no observed response has a probability below 1 - kNearOne.
+// Quasi-complete: the information is nearly singular while probabilities have come near 1 or 0.
 constexpr double kNearOne = 0.01;
 constexpr double kNearZero = 0.001;
 constexpr double kNearSingular = 0.000316;
@@ -38,6 +40,11 @@ bool IsSettled(TerminationState state) {
 // less than that, and may seem to lower it.
 constexpr double kRounding = 8 * std::numeric_limits<double>::epsilon();
 
+// A positive sum is rounding: no likelihood is above 1. Written so that NaN stays NaN.
+double AtMostZero(double logLikelihood) {
+  return logLikelihood > 0 ? 0.0 : logLikelihood;
+}
+
 // Not worse than before, as far as rounding lets one tell. A NaN is never accepted.
 bool IsAcceptable(double before, double now) {
   if (IsMissing(now)) return false;
@@ -46,30 +53,28 @@ bool IsAcceptable(double before, double now) {
 
 }  // namespace
 
-TavoOptimizer::TavoOptimizer(const TavoCompSettings& settings, const TavoModel& model,
-                             TavoPatternTabulator& tabulator, TavoAccumStats& accumulator,
+TavoOptimizer::TavoOptimizer(const TavoCompSettings& settings, TavoFitLayout layout, TavoEvaluator& evaluator,
                              std::vector<double>& estimates, const OrvCancelInfo& cancel,
                              ProgressListener* listener, int reportPeriod, EstimationMethod method,
                              int fisherIterations)
     : fSettings(settings),
-      fModel(model),
-      fTabulator(tabulator),
-      fAccumulator(accumulator),
+      fLayout(std::move(layout)),
+      fEvaluator(evaluator),
       fvBeta(estimates),
       fCancel(cancel),
       fpListener(listener),
       fReportPeriod(reportPeriod),
       fMethod(method),
       fNFisherIterations(fisherIterations),
-      fNParameters(model.AllNonRedundantCount()) {
+      fNParameters(fLayout.ParameterCount()) {
   fvBeta.resize(static_cast<std::size_t>(fNParameters), 0.0);
   fSummary.initialLogLikelihood = MCMV::gMissingValue;
   fSummary.finalLogLikelihood = MCMV::gMissingValue;
 }
 
 OrvStatus TavoOptimizer::Estimate() {
+  assert(fSummary.iterations == 0 && IsMissing(fSummary.initialLogLikelihood));
   BeginFit();
-  fTabulator.AttachAccumulator(fAccumulator, fModel);
   if (!EvaluateStart().IsError()) {
     if (HasNothingToIterate()) {
       fState = TerminationState::kNoIterations;
@@ -77,7 +82,6 @@ OrvStatus TavoOptimizer::Estimate() {
       Iterate();
     }
   }
-  fTabulator.Detach();
   InvertInformation();
   if (!fStatus.IsError() && fReportCountdown != fReportPeriod) Report();
   return fStatus;
@@ -95,18 +99,18 @@ void TavoOptimizer::BeginFit() {
 
 // Likelihood, direction and report at the start values.
 OrvStatus TavoOptimizer::EvaluateStart() {
-  EvaluateAll(fCurrentMethod, false);
+  EvaluateAll(false);
   if (fStatus.IsError()) return fStatus;
-  fSummary.initialLogLikelihood = fLogLikelihood = CurrentLogLikelihood();
+  fSummary.initialLogLikelihood = fLogLikelihood;
   Report();
   FactorInformation();
-  if (!fStatus.IsError() && fNParameters > 0) fHessian.LTSubstitute(fAccumulator.Scores(), fStep);
+  if (!fStatus.IsError() && fNParameters > 0) fHessian.LTSubstitute(fSums.scores, fStep);
   return fStatus;
 }
 
-// The start values of intercepts are their estimates.
+// A model of intercepts alone is solved by its start values, the log-odds of the counts.
 bool TavoOptimizer::HasNothingToIterate() const {
-  const bool interceptsOnly = fModel.HasIntercept() && fNParameters < fModel.CategoryCount();
+  const bool interceptsOnly = fLayout.hasIntercept && fNParameters <= fLayout.logits;
   return interceptsOnly || fNParameters == 0 || fSettings.MaxIterations() == 0;
 }
 
@@ -117,7 +121,9 @@ void TavoOptimizer::Iterate() {
   }
 }
 
-// One step, and a full evaluation where it led. False when the fit was interrupted or an evaluation failed.
+// One step, and a full evaluation where it led; that runs also after a step that found no increase, since
+// scores and information are wanted at the estimates that stand. False when the fit was interrupted or an
+// evaluation failed.
 bool TavoOptimizer::DoIteration() {
   ++fSummary.iterations;
   const double before = fLogLikelihood;
@@ -127,17 +133,17 @@ bool TavoOptimizer::DoIteration() {
     return false;
   }
   const bool separationCheck = ChecksSeparation();
-  EvaluateAll(fCurrentMethod, separationCheck);
+  EvaluateAll(separationCheck);
   FactorInformation();
   if (fStatus.IsError()) return false;
-  fSummary.finalLogLikelihood = fLogLikelihood = CurrentLogLikelihood();
+  fSummary.finalLogLikelihood = fLogLikelihood;
 
   fState = result == StepResult::kNoIncrease ? TerminationState::kNoIncrease
                                              : CheckConvergence(before, separationCheck);
   if (fMethod == EstimationMethod::kHybrid && fCurrentMethod == EstimationMethod::kFisherScoring)
     SwitchToNewton();
   if (fStatus.IsError()) return false;
-  if (fState == TerminationState::kNone) fHessian.LTSubstitute(fAccumulator.Scores(), fStep);
+  if (fState == TerminationState::kNone) fHessian.LTSubstitute(fSums.scores, fStep);
   if (--fReportCountdown <= 0) {
     Report();
     fReportCountdown = fReportPeriod;
@@ -145,17 +151,18 @@ bool TavoOptimizer::DoIteration() {
   return true;
 }
 
-// Goes along the direction, halving the step until the likelihood is not worse. On an interruption and
-// without an increase the estimates stand where they were.
+// Goes along the direction, halving the step until the likelihood is not worse. A trial asks for the
+// likelihood alone, which costs a fraction of scores and information. On an interruption and without an
+// increase the estimates stand where they were.
 TavoOptimizer::StepResult TavoOptimizer::TakeStep() {
   fPrevious = fvBeta;
   fNStepHalvings = 0;
-  for (double length = 1; !MustStop(); length /= 2 * fAccumulator.StepHalvingFactor(), ++fNStepHalvings) {
+  for (double length = 1; !MustStop(); length /= 2 * StepHalvingFactor(), ++fNStepHalvings) {
     MCMathFun::Daxpy(fNParameters, length, fStep, 0, 1, fvBeta, 0, 1);
-    fTabulator.SetMode(static_cast<int>(EstimationMethod::kFisherScoring), false);
-    fStatus = fTabulator.EvaluateRows(true);
+    double trial = 0;
+    fStatus = fEvaluator.EvaluateLikelihood(trial);
     if (fStatus.IsError()) return StepResult::kInterrupted;
-    if (IsAcceptable(fLogLikelihood, CurrentLogLikelihood())) return StepResult::kTaken;
+    if (IsAcceptable(fLogLikelihood, AtMostZero(trial))) return StepResult::kTaken;
     fvBeta = fPrevious;
     if (fNStepHalvings >= fSettings.MaxStepHalving()) {
       fSummary.logLikelihoodChange = fSummary.parameterChange = 0;
@@ -165,14 +172,14 @@ TavoOptimizer::StepResult TavoOptimizer::TakeStep() {
   return StepResult::kInterrupted;
 }
 
-void TavoOptimizer::EvaluateAll(EstimationMethod method, bool separationCheck) {
-  fTabulator.SetMode(static_cast<int>(method), separationCheck);
-  fStatus = fTabulator.EvaluateRows(false);
+void TavoOptimizer::EvaluateAll(bool separationCheck) {
+  fStatus = fEvaluator.EvaluateAll(fCurrentMethod, separationCheck, fSums, fHessian);
+  if (!fStatus.IsError()) fLogLikelihood = AtMostZero(fSums.logLikelihood);
 }
 
 void TavoOptimizer::FactorInformation() {
   if (fStatus.IsError() || fNParameters == 0) return;
-  if (fAccumulator.GetHessian(fHessian) == fNParameters) {
+  if (fHessian.GetNRows() == fNParameters) {
     std::vector<double> diagonal;
     if (!fPivotUnits.empty()) fHessian.GetDiagonal(diagonal);
     fNSingularPivots = fHessian.LTChol(fSettings.Tolerance(), fMeasure, false);
@@ -190,14 +197,11 @@ void TavoOptimizer::FactorInformation() {
 // columns with those of covariates, so it needs them in the units of a column of 1.
 void TavoOptimizer::SetPivotUnits() {
   fPivotUnits.clear();
-  if (fModel.HasIntercept()) return;
-  for (int logit = 0; logit < fModel.EquationCount(); ++logit) {
-    std::size_t kept = 0;
-    for (int k = 0; k < fModel.BasicParameterCount(); ++k) {
-      if (!fModel.BasicBits().IsIn(k)) continue;
-      const double scale = fModel.NonRedundantScales()[kept++];
-      const bool isIndicator = fModel.BasicParameters()[static_cast<std::size_t>(k)].covariates.empty();
-      fPivotUnits.push_back(isIndicator ? 1 / (scale * scale) : 1.0);
+  if (fLayout.hasIntercept) return;
+  for (int logit = 0; logit < fLayout.logits; ++logit) {
+    for (std::size_t k = 0; k < fLayout.scales.size(); ++k) {
+      const double scale = fLayout.scales[k];
+      fPivotUnits.push_back(fLayout.isIndicator[k] ? 1 / (scale * scale) : 1.0);
     }
   }
 }
@@ -214,12 +218,6 @@ double TavoOptimizer::MeasureInUnits(const std::vector<double>& diagonal) const 
     largest = std::max(largest, diagonal[i] / fPivotUnits[i]);
   }
   return std::sqrt(smallest / largest);
-}
-
-// A positive sum is rounding: no likelihood is above 1. Written so that NaN stays NaN.
-double TavoOptimizer::CurrentLogLikelihood() const {
-  const double sum = fAccumulator.LogLikelihood();
-  return sum > 0 ? 0.0 : sum;
 }
 
 bool TavoOptimizer::MustStop() const {
@@ -253,18 +251,15 @@ TerminationState TavoOptimizer::CheckConvergence(double logLikelihoodBefore, boo
   return state;
 }
 
-// True when the probabilities or the information decide the state.
+// True when the probabilities or the information decide the state. A nearly singular information far from the
+// bounds is a matter of the columns, not of separation.
 bool TavoOptimizer::FindSeparation(TerminationState& state) const {
-  double minObserved = 0;
-  double maxObserved = 0;
-  double minComputed = 0;
-  fAccumulator.GetObservedProbabilities(minObserved, maxObserved, minComputed);
-  if (kNearOne >= 1 - minObserved && kNearOne >= 1 - maxObserved) {
+  if (kNearOne >= 1 - fSums.minObserved && kNearOne >= 1 - fSums.maxObserved) {
     state = TerminationState::kCompleteSeparation;
     return true;
   }
   if (!(kNearSingular >= fMeasure)) return false;
-  const bool isNearBound = maxObserved > 1 - kNearOne || kNearZero > minComputed;
+  const bool isNearBound = fSums.maxObserved > 1 - kNearOne || kNearZero > fSums.minComputed;
   state = isNearBound ? TerminationState::kQuasiCompleteSeparation : TerminationState::kSingularHessian;
   return true;
 }
@@ -276,7 +271,7 @@ double TavoOptimizer::LogLikelihoodChange(double before, double after) const {
   return fSettings.IsLogLikAbsolute() ? change : change / std::abs(before);
 }
 
-// On the scale of the data.
+// On the scale of the data: the criterion is about the numbers that the user sees.
 double TavoOptimizer::ParameterChange() const {
   const std::vector<double> now = OnDataScale(fvBeta);
   const std::vector<double> before = OnDataScale(fPrevious);
@@ -284,18 +279,21 @@ double TavoOptimizer::ParameterChange() const {
                                      : MCMathFun::VMaxRelDiff(now, before, kSmallestDenominator);
 }
 
+// A hybrid fit goes on after its Fisher scoring has settled or is spent; the steps are the same (see the
+// class).
 void TavoOptimizer::SwitchToNewton() {
   const bool isSpent = fSummary.iterations >= fNFisherIterations && fState == TerminationState::kNone;
   if (!IsSettled(fState) && !isSpent) return;
   fCurrentMethod = EstimationMethod::kNewtonRaphson;
   fState = TerminationState::kNone;
   fNFisherIterations = fSummary.iterations;
-  EvaluateAll(fCurrentMethod, false);
+  EvaluateAll(false);
   FactorInformation();
   if (!fStatus.IsError() && fNSingularPivots > 0) fState = TerminationState::kSingularHessian;
 }
 
-// Only a fit that ended by its own rules has an information matrix to give.
+// Only a fit that ended by its own rules has an information matrix to give; the estimates of an interrupted
+// one are on their way, and its matrix would be taken for a result.
 void TavoOptimizer::InvertInformation() {
   const bool isDecided = !fStatus.IsError() && fState != TerminationState::kNone;
   if (!fStatus.IsError() && !isDecided && fCancel.IsCancelled())
@@ -310,9 +308,7 @@ void TavoOptimizer::InvertInformation() {
     fStatus.SetInteger(0, fNParameters);
     return;
   }
-  int valid = 0;
-  int invalid = 0;
-  fAccumulator.GetCounts(valid, invalid, fWeight);
+  fWeight = fSums.weight;
 }
 
 void TavoOptimizer::Report() {
@@ -326,8 +322,8 @@ void TavoOptimizer::Report() {
 
 std::vector<double> TavoOptimizer::OnDataScale(const std::vector<double>& estimates) const {
   std::vector<double> onDataScale = estimates;
-  MCMathFun::TransformParameters(onDataScale, fModel.NonRedundantCentres(), fModel.NonRedundantScales(),
-                                 fModel.EquationCount(), fModel.InterceptCount());
+  MCMathFun::TransformParameters(onDataScale, fLayout.centres, fLayout.scales, fLayout.logits,
+                                 fLayout.InterceptCount());
   return onDataScale;
 }
 
@@ -342,6 +338,7 @@ bool TavoOptimizer::ComputeRSquares(double& coxSnell, double& nagelkerke, double
   coxSnell = nagelkerke = mcFadden = 0;
   if (fSummary.iterations <= 0 || !(fWeight > 0) || IsMissing(initial) || IsMissing(final)) return true;
 
+  // expm1 keeps the digits of 1 - exp(x) for a fit that improves little.
   coxSnell = nagelkerke = mcFadden = MCMV::gMissingValue;
   const double perWeight = (2 * initial - 2 * final) / fWeight;
   if (perWeight <= MCPower::gMachineMaxExp) coxSnell = -std::expm1(perWeight);

@@ -3,9 +3,11 @@
 
 #include <atomic>
 #include <chrono>
-#include <memory>
 #include <vector>
 
+#include "component/estimation/estimation_method.h"
+#include "component/estimation/evaluator.h"
+#include "component/estimation/fit_layout.h"
 #include "component/estimation/fit_progress.h"
 #include "component/frame/orv_cancel_info.h"
 #include "component/frame/orv_status.h"
@@ -13,10 +15,6 @@
 #include "component/numerics/sym_matrix.h"
 
 namespace tavo {
-
-class TavoAccumStats;
-class TavoModel;
-class TavoPatternTabulator;
 
 /// How a fit ended.
 enum class TerminationState : int {
@@ -32,23 +30,26 @@ enum class TerminationState : int {
   kNoIterations = 9
 };
 
-enum class EstimationMethod : int { kFisherScoring = 0, kNewtonRaphson = 1, kHybrid = 2 };
-
-/// Maximises the pseudo-log-likelihood by Fisher scoring with step-halving. Each evaluation is the pattern
-/// tabulator's. After a decided stop the information matrix is inverted (generalised: zero rows at singular
-/// pivots). For this model Newton-Raphson takes the same steps as Fisher scoring; the method changes what is
-/// shown.
+/// Maximises the pseudo-log-likelihood (Binder 1983) by Fisher scoring (McCullagh and Nelder 1989,
+/// section 2.5) with step-halving: the step goes along d = H^-1 s, with the score s and the information H,
+/// and is halved until the log-likelihood is not worse (backtracking; Dennis and Schnabel 1983, section 6.3).
+/// After a decided stop the information matrix is inverted (generalised: zero rows at singular pivots). For
+/// this model observed and expected information are equal, so Newton-Raphson takes the same steps; the method
+/// changes what is shown.
 class TavoOptimizer {
  public:
-  /// Everything is lent; `estimates` holds the start values and receives the result (internal scale, kept
-  /// parameters). `listener` may be null. `tabulator` and `accumulator` are used during `Estimate` only.
-  TavoOptimizer(const TavoCompSettings& settings, const TavoModel& model, TavoPatternTabulator& tabulator,
-                TavoAccumStats& accumulator, std::vector<double>& estimates, const OrvCancelInfo& cancel,
-                ProgressListener* listener, int reportPeriod,
-                EstimationMethod method = EstimationMethod::kFisherScoring, int fisherIterations = 0);
+  /// Nothing is owned, and all but `evaluator`, which is used during `Estimate` only, outlives the object.
+  /// `estimates`, the vector over which the evaluator was made, holds the start values and receives the
+  /// result (internal scale, non-redundant parameters, in the order of `layout`). `listener` may be null; it
+  /// hears of iteration 0, of each `reportPeriod`-th one and of the last. `fisherIterations` is where a
+  /// hybrid fit switches at the latest.
+  TavoOptimizer(const TavoCompSettings& settings, TavoFitLayout layout, TavoEvaluator& evaluator,
+                std::vector<double>& estimates, const OrvCancelInfo& cancel, ProgressListener* listener,
+                int reportPeriod, EstimationMethod method = EstimationMethod::kFisherScoring,
+                int fisherIterations = 0);
 
-  /// Runs the fit once. The status is an evaluation's error, 95045 when memory ran out, or 1 after a cancel;
-  /// how a fit without error ended tells the termination state.
+  /// Runs the fit, once. The status is an evaluation's error, StatusCode::kTooManyParameters when memory ran
+  /// out, or StatusCode::kCancelled; how a fit without error ended tells the termination state.
   OrvStatus Estimate();
   /// May come from another thread; the loop ends at its next head, in no termination state.
   void RequestStop() { fbStopRequested.store(true, std::memory_order_relaxed); }
@@ -62,14 +63,17 @@ class TavoOptimizer {
   };
   Summary GetIterationSummary() const { return fSummary; }
   TerminationState GetTerminationState() const { return fState; }
-  /// The generalised inverse of the information; of size 0 when the fit was interrupted or failed.
+  /// The generalised inverse of the information; of no rows when the fit was interrupted or failed.
   const MCCommonMath::MCSymMatrix& Hessian() const { return fHessian; }
   const std::vector<double>& Estimates() const { return fvBeta; }
   /// Iterations of a hybrid fit before its switch; 0 for the other methods.
   int FisherIterationsUsed() const;
+  /// Of the cases of the last evaluation.
   double AccumulatedWeight() const { return fWeight; }
-  /// Cox and Snell (1989), Nagelkerke (1991), McFadden (1974). False when one can't be computed; it stays
-  /// missing then. All are 0 for a fit without iterations.
+  /// With L0 and L1 the log-likelihoods at the start values and at the end and W the weight of the cases: Cox
+  /// and Snell (1989, pages 208 to 209) 1 - exp(2 (L0 - L1)/W), Nagelkerke (1991) the same over its largest
+  /// value 1 - exp(2 L0/W), McFadden (1974) 1 - L1/L0. False when one can't be computed; it stays missing
+  /// then. All are 0 for a fit without iterations.
   bool ComputeRSquares(double& coxSnell, double& nagelkerke, double& mcFadden) const;
   /// Frees the inverse when it has been handed over.
   void ReleaseHessian() { fHessian.Resize(0); }
@@ -77,14 +81,16 @@ class TavoOptimizer {
  private:
   enum class StepResult { kTaken, kNoIncrease, kInterrupted };
 
+  /// A step that made the likelihood worse is divided by twice this.
+  static constexpr double StepHalvingFactor() { return 1.0; }
+
   void BeginFit();
   OrvStatus EvaluateStart();
   void Iterate();
   bool DoIteration();
   void InvertInformation();
-  double CurrentLogLikelihood() const;
   bool MustStop() const;
-  void EvaluateAll(EstimationMethod method, bool separationCheck);
+  void EvaluateAll(bool separationCheck);
   StepResult TakeStep();
   void FactorInformation();
   void SetPivotUnits();
@@ -100,9 +106,8 @@ class TavoOptimizer {
   std::vector<double> OnDataScale(const std::vector<double>& estimates) const;
 
   const TavoCompSettings& fSettings;
-  const TavoModel& fModel;
-  TavoPatternTabulator& fTabulator;
-  TavoAccumStats& fAccumulator;
+  const TavoFitLayout fLayout;
+  TavoEvaluator& fEvaluator;
   std::vector<double>& fvBeta;
   const OrvCancelInfo& fCancel;
   ProgressListener* fpListener;
@@ -110,6 +115,7 @@ class TavoOptimizer {
   EstimationMethod fMethod;
   int fNFisherIterations;
   int fNParameters;
+  TavoEvaluation fSums;                // at the estimates, of the last full evaluation
   MCCommonMath::MCSymMatrix fHessian;  // the information, then its factor, at last its inverse
   int fNSingularPivots = 0;            // of the last factorisation
   double fMeasure = 0;                 // its distance from singularity

@@ -1,6 +1,7 @@
 #include "component/estimation/rank_update.h"
 
 #include <algorithm>
+#include <cassert>
 #include <new>
 
 namespace tavo {
@@ -18,6 +19,7 @@ bool OrvRankUpdate::SetLength(int n) {
 }
 
 double* OrvRankUpdate::NextRow(double weight) {
+  assert(!IsFull());
   double* row = fRows.data() + fNRows * fLength;
   std::fill(row, row + fLength, 0.0);
   fWeights[fNRows++] = weight;
@@ -26,11 +28,14 @@ double* OrvRankUpdate::NextRow(double weight) {
 
 void OrvRankUpdate::FlushInto(MCCommonMath::MCSymMatrix& matrix) {
   if (fNRows == 0) return;
+  assert(static_cast<std::size_t>(matrix.GetNRows()) == fLength);
   // A block that isn't full is filled up with rows that add nothing.
   while (!IsFull())
     NextRow(0.0);
   fNRows = 0;
 
+  // The sum is in pairs, so that it does not wait for itself, and so that its order is the same on every
+  // machine.
   static_assert(kBlockRows == 8, "the sum below is written out for 8 rows");
   const std::size_t n = fLength;
   const double* __restrict r0 = fRows.data();

@@ -17,7 +17,8 @@ class OrvRankUpdate {
 
   /// Rows of n values; drops what was collected. False when memory ran out.
   bool SetLength(int n);
-  /// Room for the next row, all 0, lent until the next call. There must be room: flush a full block first.
+  /// Room for the next row, all 0, for the caller to fill before the next call. Not when the block is full:
+  /// flush it first.
   double* NextRow(double weight);
   bool IsFull() const { return fNRows == kBlockRows; }
   /// Adds the collected rows to a matrix of n rows and forgets them.

@@ -1,3 +1,7 @@
+// With the constants k of a block (the same in all rows) and its columns v, the sum over rows of c x x' falls
+// into three parts: of two constants, k k' times the sum of c, whatever the number of rows; of a column and a
+// constant, k times the sum of c v; of two columns, the sum of c v u. In a pattern most entries are
+// constants, those of factors.
 #include "component/estimation/row_block.h"
 
 #include <algorithm>
@@ -12,6 +16,7 @@ namespace vectors = MCCommonMath::vectors;
 
 namespace {
 
+// Constants and columns have indices in any order among each other; the packed triangle holds the lower half.
 double& ElementOf(double* packed, int a, int b) {
   return packed[MCSymMatrix::Position(std::max(a, b), std::min(a, b))];
 }
@@ -36,6 +41,7 @@ void TavoRowBlock::AddConstant(int index, double value) {
 void TavoRowBlock::AddColumn(int index, std::size_t source) {
   fColumnIndices.push_back(index);
   fSources.push_back(source);
+  // Never smaller: one block serves patterns with many columns and with few.
   fColumns.resize(std::max(fColumns.size(), fColumnIndices.size() * kMaxRows));
   fMaxIndexPlusOne = std::max(fMaxIndexPlusOne, index + 1);
 }
@@ -78,6 +84,7 @@ void TavoRowBlock::AddOuterTo(MCSymMatrix& matrix, const double* c) const {
 }
 
 void TavoRowBlock::ExtractRow(std::size_t row, std::vector<int>& indices, std::vector<double>& values) const {
+  // Constants come first in a block; a row is wanted in the order of its indices.
   std::vector<std::pair<int, double>> entries;
   for (std::size_t e = 0; e < fConstantIndices.size(); ++e)
     entries.emplace_back(fConstantIndices[e], fConstantValues[e]);

@@ -8,8 +8,8 @@
 
 namespace tavo {
 
-/// The design columns that a block holds: those the fit keeps, or all of them.
-enum class BlockColumns { kKept, kAll };
+/// The design columns that a block holds: the non-redundant ones, or all of them.
+enum class BlockColumns { kNonRedundant, kAll };
 
 /// Up to kMaxRows design rows with the same entries, as a pattern has them: what one OrvSparseVector is for a
 /// row, for many rows at once. Entries are of two kinds. A constant has the same value in all rows; its part

@@ -12,6 +12,8 @@ using MCCommonMath::MCSymMatrix;
 
 namespace {
 
+// Ascending indices are different ones, so that no element is added to twice, and the last one is the
+// largest.
 bool AscendsFromZeroOn(const std::vector<int>& indices) {
   int previous = -1;
   for (const int index : indices) {
@@ -41,6 +43,7 @@ bool OrvSparseVector::IsDense() const {
   return static_cast<std::size_t>(MaxIndexPlusOne()) == fIndices.size();
 }
 
+// The loops below run once a row and logit: pointers and counts are taken out of them.
 double OrvSparseVector::LinearPredictor(const std::vector<double>& parameters, int offset) const {
   if (!FitsInto(parameters, offset)) return MCMV::gMissingValue;
   const double* block = parameters.data() + offset;
@@ -81,6 +84,7 @@ bool OrvSparseVector::AddOuterTo(MCSymMatrix& block, double c) const {
     }
     return true;
   }
+  // Ascending indices: column index[b] of row index[a] is in the lower triangle for each b up to a.
   for (std::size_t a = 0; a < n; ++a) {
     double* row = packed + MCSymMatrix::PackedSize(index[a]);
     const double ca = c * value[a];

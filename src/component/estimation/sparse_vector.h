@@ -7,9 +7,9 @@
 
 namespace tavo {
 
-/// Lends two parallel vectors: strictly ascending indices from 0 on, and values. Valid when there is at least
-/// one element, the lengths agree and the indices ascend. The operations of a view that isn't valid change
-/// nothing and answer as for a vector too short.
+/// Two parallel vectors, not owned: strictly ascending indices from 0 on, and values. Valid when there is at
+/// least one element, the lengths agree and the indices ascend. The operations of a view that isn't valid
+/// change nothing and answer as for a vector too short.
 class OrvSparseVector {
  public:
   OrvSparseVector(const std::vector<int>& indices, const std::vector<double>& values);

@@ -8,6 +8,7 @@
 #include "component/design/sample_design.h"
 #include "component/estimation/accum_stats.h"
 #include "component/numerics/missing_value.h"
+#include "component/run/pattern_evaluator.h"
 #include "component/run/pattern_tabulator.h"
 
 namespace tavo {
@@ -36,7 +37,7 @@ TavoAlgorithm::TavoAlgorithm(const TavoCompSettings& settings)
       fFactorTables(settings.Factors(), settings.FactorSizes(), settings.WeightVar(), settings.Dependent(),
                     settings.DependentCategories()),
       fCancel(settings.StopProcessor()),
-      fModel(settings, fCancel),
+      fModel(settings, fFactorTables, fPatternExtractor, fDataExtractor, fCancel),
       fConstFindings(settings.ContDesignVars().size()) {}
 
 TavoAlgorithm::~TavoAlgorithm() = default;
@@ -132,8 +133,7 @@ void TavoAlgorithm::RunStages(MCCommon::MultiPassRecordIter& iterator, MCOrv::Jo
 }
 
 void TavoAlgorithm::SetUpModel() {
-  fModel.SetRecordLayout(fPatternExtractor, fDataExtractor);
-  Merge(fModel.SetupDependent(fFactorTables));
+  Merge(fModel.SetupDependent());
   if (MayGoOn()) Merge(fModel.BuildParameters(fFactorTables.AssignParameters()));
 }
 
@@ -152,10 +152,10 @@ void TavoAlgorithm::Estimate() {
     Merge(OutOfMemory(fEstimates.size()));
     return;
   }
+  TavoPatternEvaluator evaluator(*fpPatternTabulator, accumulator, fModel);
   fpOptimizer =
-      std::make_unique<TavoOptimizer>(fSettings, fModel, *fpPatternTabulator, accumulator, fEstimates,
-                                      fCancel, fSettings.GetProgressListener(), fSettings.HistoryFrequency());
-  fModel.SetCaseCounts(fFactorTables.SampleSize(), fFactorTables.PopulationEstimate());
+      std::make_unique<TavoOptimizer>(fSettings, fModel.FitLayout(), evaluator, fEstimates, fCancel,
+                                      fSettings.GetProgressListener(), fSettings.HistoryFrequency());
   Merge(fpOptimizer->Estimate());
   if (MayGoOn()) Merge(fModel.SetEstimates(fpOptimizer->Estimates(), fpOptimizer->Hessian()));
   fpOptimizer->ReleaseHessian();

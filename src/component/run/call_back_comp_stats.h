@@ -10,11 +10,11 @@ class TavoPatternTabulator;
 
 class TavoCallBackCompStats final : public host::CallBackObject {
  public:
-  /// Everything is lent. `status` is this worker's own slot.
+  /// Nothing is owned. `status` is this worker's own slot.
   TavoCallBackCompStats(const TavoPatternTabulator& tabulator, int slice, host::TaskCompletion& completion,
                         OrvStatus& status)
       : fTabulator(tabulator), fSlice(slice), fCompletion(completion), fStatus(status) {}
-  /// Evaluates the slice, stores its status and signals.
+  /// Evaluates the slice, stores its status and signals. Doesn't throw.
   int Run() override;
 
  private:

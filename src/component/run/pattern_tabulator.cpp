@@ -2,6 +2,7 @@
 #include "component/run/pattern_tabulator.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "component/estimation/accum_stats.h"
 #include "component/estimation/model.h"
@@ -61,7 +62,7 @@ OrvStatus TavoPatternTabulator::FillFactorTables(MCCommon::RecordIterator& itera
 
 OrvStatus TavoPatternTabulator::CreatePatterns(MCCommon::RecordIterator& iterator, OrvFactorTables& tables,
                                                const TavoModel& model) {
-  if (fbPatternsCreated) return OrvStatus::Error(StatusCode::kUserError);
+  assert(!fbPatternsCreated);
   if (!TakeLayout(tables, model)) return OrvStatus::Error(StatusCode::kUserError);
   OrvStatus status;
   ForEachValidRecord(iterator, fValidator, fCancel, status,
@@ -92,6 +93,8 @@ bool TavoPatternTabulator::TakeLayout(OrvFactorTables& tables, const TavoModel& 
   return true;
 }
 
+// The pattern is entered before the subpopulation is asked for: which patterns there are doesn't depend on
+// it.
 OrvStatus TavoPatternTabulator::ExtractRecord(const double* record, OrvFactorTables& tables) {
   fDataExtractor.Extract(record, fDataRow.data());
   // A record outside the subpopulation may have a level combination that the subpopulation doesn't have.
@@ -111,6 +114,8 @@ OrvStatus TavoPatternTabulator::ExtractRecord(const double* record, OrvFactorTab
   return OrvStatus();
 }
 
+// Looked up for every record, in the order of cost: a direct table where the keys are few, the pattern of the
+// record before, a hash table.
 TavoPatternTabulator::Pattern& TavoPatternTabulator::PatternAt(const std::vector<int>& positions) {
   fPacker.Pack(positions, fUnits, false);
   if (!fDirectPatterns.empty()) {
@@ -151,6 +156,7 @@ std::size_t TavoPatternTabulator::RowsOf(const Pattern& pattern) const {
 
 // ---- walking the patterns ----
 
+// Effects without factors have one parameter each; the key holds the positions of the others.
 void TavoPatternTabulator::ParametersOfPattern(const Pattern& pattern, PatternWalk& walk) const {
   walk.parameters = fParameterOffsets;
   if (fPacker.Size() == 0) return;
@@ -161,7 +167,7 @@ void TavoPatternTabulator::ParametersOfPattern(const Pattern& pattern, PatternWa
 }
 
 OrvStatus TavoPatternTabulator::ReplayPatterns(TavoModel& model) {
-  if (!fbPatternsCreated) return OrvStatus::Error(StatusCode::kUserError);
+  assert(fbPatternsCreated);
   PatternWalk walk;
   for (const Pattern* pattern : fPatterns) {
     if (fCancel.IsCancelled()) break;
@@ -185,6 +191,7 @@ bool TavoPatternTabulator::ReplayPattern(const Pattern& pattern, TavoModel& mode
   return isAdded;
 }
 
+// Blocks start anew with each pattern: the rows of two patterns don't have the same columns.
 bool TavoPatternTabulator::ForEachBlock(const double* rows, std::size_t count, const TavoModel& model,
                                         BlockColumns columns, PatternWalk& walk,
                                         const std::function<bool(const TavoRowBlock&)>& take) const {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "component/estimation/estimation_method.h"
 #include "component/estimation/row_block.h"
 #include "component/frame/orv_cancel_info.h"
 #include "component/frame/orv_status.h"
@@ -33,18 +34,22 @@ class TavoModel;
 /// the covariates in settings' order, the weight.
 class TavoPatternTabulator {
  public:
-  /// Everything is lent. `rowExtractor` keeps dependent, covariates and weight; `dataExtractor` also the
+  /// Nothing is owned. `rowExtractor` keeps dependent, covariates and weight; `dataExtractor` also the
   /// factors.
   TavoPatternTabulator(const TavoCompSettings& settings, const OrvRecordExtractor& rowExtractor,
                        const OrvRecordExtractor& dataExtractor, const OrvCancelInfo& cancel);
   ~TavoPatternTabulator();
 
-  /// First pass. 91001 to 91006, 95007, 1.
+  /// First pass. The errors of reading (StatusCode::kNoRecords, kNullRecord, kNullRecordData, kShortRecord,
+  /// kInvalidValue, and kUserError for a stream that failed or a category out of range),
+  /// StatusCode::kEmptySubpopulation, StatusCode::kCancelled.
   OrvStatus FillFactorTables(MCCommon::RecordIterator& iterator, OrvFactorTables& tables);
-  /// Second pass; takes the response categories from the model. Cuts the slices at its end.
+  /// Second pass, once; takes the response categories from the model. Cuts the slices at its end. The errors
+  /// of reading, and StatusCode::kUserError for a response that the first pass did not meet.
   OrvStatus CreatePatterns(MCCommon::RecordIterator& iterator, OrvFactorTables& tables,
                            const TavoModel& model);
-  /// Hands every row to the model's X'WX.
+  /// Hands every row to the model's X'WX, after CreatePatterns. StatusCode::kUserError when the model refuses
+  /// one, StatusCode::kCancelled.
   OrvStatus ReplayPatterns(TavoModel& model);
 
   /// Cuts the rows into min(rows, count) slices, at least one, and prepares as many workers. One slice
@@ -54,14 +59,16 @@ class TavoPatternTabulator {
   /// Rows of each slice, for tests: the first rows % slices take one row more.
   std::vector<int> SliceRows() const;
 
-  /// Lends the accumulator and the model for the evaluations to come; makes one clone of the accumulator per
-  /// slice when there are several. `Detach` forgets both and deletes the clones.
+  /// Takes accumulator and model, not owned, for the evaluations to come; makes one clone of the accumulator
+  /// per slice when there are several. `Detach` forgets both and deletes the clones.
   void AttachAccumulator(TavoAccumStats& accumulator, const TavoModel& model);
   void Detach();
   /// Resets the accumulator and its clones to empty sums.
-  void SetMode(int method, bool separationCheck);
-  /// One evaluation over all rows into the attached accumulator. Sums are merged in slice order, so they are
-  /// the same in each run with the same number of slices.
+  void SetMode(EstimationMethod method, bool separationCheck);
+  /// One evaluation over all rows into the attached accumulator, after CreatePatterns. Sums are merged in
+  /// slice order, so they are the same in each run with the same number of slices. StatusCode::kUserError
+  /// when the accumulator refuses a row, StatusCode::kTooManyParameters when memory ran out,
+  /// StatusCode::kCancelled.
   OrvStatus EvaluateRows(bool likelihoodOnly);
   /// The part of one slice; called by the workers. Doesn't throw.
   OrvStatus EvaluateSlice(int slice) const;

@@ -306,7 +306,7 @@ TEST_F(ThreeCategories, TheSeparationCheckFollowsTheExtremes) {
   EXPECT_EQ(maxObserved, -kLargest);
   EXPECT_EQ(minComputed, kLargest);
 
-  stats.Reset(0, true);
+  stats.Reset(tavo::EstimationMethod::kFisherScoring, true);
   // Predictors 0.3 and 0.1: probabilities by hand.
   stats.UpdateForRow({0}, {1.0}, 1, 1, true);
   const double sum = std::exp(0.3) + std::exp(0.1) + 1;
@@ -316,10 +316,11 @@ TEST_F(ThreeCategories, TheSeparationCheckFollowsTheExtremes) {
   EXPECT_NEAR(minComputed, 1 / sum, 1e-15);
 }
 
-TEST_F(ThreeCategories, ResetEmptiesAllSums) {
+TEST_F(ThreeCategories, ResetEmptiesAllSumsAndKeepsTheMethod) {
   TavoAccumStats stats(fSettings, 2, 3, fB);
   AddAll(stats);
-  stats.Reset(0, false);
+  stats.Reset(tavo::EstimationMethod::kNewtonRaphson, false);
+  EXPECT_EQ(stats.Method(), tavo::EstimationMethod::kNewtonRaphson);
   EXPECT_EQ(stats.LogLikelihood(), 0);
   EXPECT_EQ(stats.Scores(), std::vector<double>(4, 0.0));
   MCSymMatrix information;
@@ -330,13 +331,13 @@ TEST_F(ThreeCategories, ResetEmptiesAllSums) {
 
 TEST_F(ThreeCategories, MergedClonesGiveTheSumsOfOneObject) {
   TavoAccumStats whole(fSettings, 2, 3, fB);
-  whole.Reset(0, true);
+  whole.Reset(tavo::EstimationMethod::kFisherScoring, true);
   AddAll(whole);
   TavoAccumStats parts(fSettings, 2, 3, fB);
-  parts.Reset(0, true);
+  parts.Reset(tavo::EstimationMethod::kFisherScoring, true);
   for (std::size_t part = 0; part < 2; ++part) {
     const auto clone = parts.CloneEmpty();
-    clone->Reset(0, true);
+    clone->Reset(tavo::EstimationMethod::kFisherScoring, true);
     for (std::size_t i = 3 * part; i < 3 * part + 3; ++i) {
       clone->UpdateForRow(kRows[i].indices, kRows[i].values, kRows[i].category, kRows[i].weight, false);
     }

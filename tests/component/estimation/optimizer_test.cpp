@@ -253,8 +253,8 @@ TEST(Cancel, BetweenIterationsKeepsTheEstimatesReachedAndGivesStatusOne) {
     reached = bench.estimates;
     bench.cancel.Cancel();
   });
-  TavoOptimizer fit(bench.settings, *bench.model, *bench.tabulator, *bench.accumulator, bench.estimates,
-                    bench.cancel, &listener, 1);
+  TavoOptimizer fit(bench.settings, bench.model->FitLayout(), *bench.evaluator, bench.estimates, bench.cancel,
+                    &listener, 1);
   EXPECT_EQ(fit.Estimate().Code(), Code::kCancelled);
   EXPECT_EQ(fit.GetIterationSummary().iterations, 2);
   EXPECT_EQ(bench.estimates, reached);
@@ -267,8 +267,8 @@ TEST(RequestStop, EndsTheFitWithoutErrorStateOrInverse) {
   bench.PrepareFit();
   TavoOptimizer* running = nullptr;
   ActingListener listener(1, [&] { running->RequestStop(); });
-  TavoOptimizer fit(bench.settings, *bench.model, *bench.tabulator, *bench.accumulator, bench.estimates,
-                    bench.cancel, &listener, 1);
+  TavoOptimizer fit(bench.settings, bench.model->FitLayout(), *bench.evaluator, bench.estimates, bench.cancel,
+                    &listener, 1);
   running = &fit;
   EXPECT_TRUE(fit.Estimate().IsOK());
   EXPECT_EQ(fit.GetTerminationState(), TerminationState::kNone);
@@ -280,7 +280,7 @@ TEST(RequestStop, EndsTheFitWithoutErrorStateOrInverse) {
 class StoppingStats : public BentStats {
  public:
   using BentStats::BentStats;
-  void Reset(int method, bool check) override {
+  void Reset(EstimationMethod method, bool check) override {
     BentStats::Reset(method, check);
     if (++passes == 2) optimizer->RequestStop();
   }

@@ -17,7 +17,7 @@ class BentStats : public tavo::TavoAccumStats {
   std::unique_ptr<tavo::TavoAccumStats> CloneEmpty() const override {
     return std::make_unique<BentStats>(fSettings, fNParameters, fNCategories, fEstimates);
   }
-  void Reset(int method, bool check) override {
+  void Reset(tavo::EstimationMethod method, bool check) override {
     tavo::TavoAccumStats::Reset(method, check);
     ++fNPasses;
     fLogLikelihood = fbTrialsAreWorse && fNPasses > 1 ? -1e6 : offset - fNPasses * drift;

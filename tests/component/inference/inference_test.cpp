@@ -39,19 +39,13 @@ class HandLedModel {
     fTables.SetEffectCovariates({{}, {}, {kCovariate}}, {{}, {}, {1}});
     fTables.SetCovariates({kCovariate});
     CaseStream stream(cases);
-    double total = 0;
-    for (const Case& c : cases) {
+    for (std::size_t i = 0; i < cases.size(); ++i)
       fTables.Update(stream.Next()->GetAll());
-      total += c.weight;
-    }
     const int parameters = fTables.AssignParameters();
 
-    tavo::OrvRecordExtractor patternRow;
-    tavo::OrvRecordExtractor dataRow;
-    patternRow.Set(kResponse, {}, {kCovariate}, kWeight);
-    dataRow.Set(kResponse, {kFactor}, {kCovariate}, kWeight);
-    fModel.SetRecordLayout(patternRow, dataRow);
-    fModel.SetupDependent(fTables);
+    fPatternRow.Set(kResponse, {}, {kCovariate}, kWeight);
+    fDataRow.Set(kResponse, {kFactor}, {kCovariate}, kWeight);
+    fModel.SetupDependent();
     fModel.BuildParameters(parameters);
     std::vector<int> indices(3);
     for (const Case& c : cases) {
@@ -60,7 +54,6 @@ class HandLedModel {
       fModel.AddPatternToXPrimeX(pattern.data(), indices);
     }
     fModel.FindRedundancies();
-    fModel.SetCaseCounts(static_cast<double>(cases.size()), total);
     MCSymMatrix inverse(3);
     for (int i = 0; i < 3; ++i)
       inverse.SetElem(i, i, 1.0);
@@ -84,7 +77,9 @@ class HandLedModel {
   TavoCompSettings fSettings;
   OrvCancelInfo fCancel;
   tavo::OrvFactorTables fTables{{kFactor}, {2}, kWeight, kResponse, 2};
-  TavoModel fModel{fSettings, fCancel};
+  tavo::OrvRecordExtractor fPatternRow;
+  tavo::OrvRecordExtractor fDataRow;
+  TavoModel fModel{fSettings, fTables, fPatternRow, fDataRow, fCancel};
 };
 
 /// One stratum of units with the given totals; `fraction` 0 is with replacement.
@@ -114,7 +109,9 @@ SampleDesign RegularDesign() {
 TEST(Inference, BeforeTheModelIsBuiltAnswersSo) {
   const TavoCompSettings settings = FullSettings(2);
   const OrvCancelInfo cancel;
-  const TavoModel model(settings, cancel);
+  tavo::OrvFactorTables tables;
+  const tavo::OrvRecordExtractor extractor;
+  const TavoModel model(settings, tables, extractor, extractor, cancel);
   const SampleDesign design = RegularDesign();
   TavoInference inference(settings, model, design, cancel);
   EXPECT_EQ(inference.ComputePECovar(design), OrvStatus::Error(StatusCode::kModelNotBuilt));

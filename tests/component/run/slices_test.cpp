@@ -33,7 +33,7 @@ struct Sliced {
       bench->estimates[i] = 0.1 * static_cast<double>(i) - 0.2;
     auto accumulator = bench->MakeAccumulator();
     Tabulator().AttachAccumulator(*accumulator, bench->model);
-    Tabulator().SetMode(0, false);
+    Tabulator().SetMode(EstimationMethod::kFisherScoring, false);
     EXPECT_TRUE(Tabulator().EvaluateRows(false).IsOK());
     Tabulator().Detach();
     return accumulator;
@@ -149,7 +149,7 @@ TEST(Slices, AFailingRowInOneSliceReportsItsStatusAndNothingIsMergedFromThereOn)
                           bench.model.CategoryCount(), bench.estimates);
   accumulator.SetBad(2);
   sliced.Tabulator().AttachAccumulator(accumulator, bench.model);
-  sliced.Tabulator().SetMode(0, false);
+  sliced.Tabulator().SetMode(EstimationMethod::kFisherScoring, false);
   const OrvStatus status = sliced.Tabulator().EvaluateRows(false);
   EXPECT_TRUE(status.IsError());
   EXPECT_EQ(status.Code(), StatusCode::kUserError);
@@ -170,15 +170,19 @@ TEST(Slices, ACancelledEvaluationAnswersOne) {
   }
 }
 
-TEST(Slices, ASliceThatDoesNotExistIsRefused) {
-  Sliced sliced(SampleSurvey(10), 2);
-  EXPECT_EQ(sliced.Tabulator().EvaluateSlice(0).Code(), StatusCode::kUserError);  // nothing attached
+#ifndef NDEBUG
+TEST(SlicesDeathTest, AnEvaluationNeedsAnAccumulatorAndASliceThatExists) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  Sliced sliced(SampleSurvey(10));
+  EXPECT_DEATH(sliced.Tabulator().EvaluateSlice(0), "fpAccumulator");
+  EXPECT_DEATH(sliced.Tabulator().EvaluateRows(true), "fpAccumulator");
   const auto accumulator = sliced.bench->MakeAccumulator();
   sliced.Tabulator().AttachAccumulator(*accumulator, sliced.bench->model);
-  EXPECT_EQ(sliced.Tabulator().EvaluateSlice(2).Code(), StatusCode::kUserError);
-  EXPECT_EQ(sliced.Tabulator().EvaluateSlice(-1).Code(), StatusCode::kUserError);
-  EXPECT_TRUE(sliced.Tabulator().EvaluateSlice(1).IsOK());
+  EXPECT_DEATH(sliced.Tabulator().EvaluateSlice(1), "fNSlices");
+  EXPECT_DEATH(sliced.Tabulator().EvaluateSlice(-1), "fNSlices");
+  EXPECT_TRUE(sliced.Tabulator().EvaluateSlice(0).IsOK());
 }
+#endif
 
 }  // namespace
 }  // namespace tavo

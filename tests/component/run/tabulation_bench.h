@@ -23,7 +23,7 @@ class TabulationBench {
         fSettings(settings.Get()),
         cancel(fSettings.StopProcessor()),
         tables(fSettings.Factors(), fSettings.FactorSizes(), kWeight, kY, fSettings.DependentCategories()),
-        model(fSettings, cancel) {
+        model(fSettings, tables, rowExtractor, dataExtractor, cancel) {
     rowExtractor.Set(kY, {}, fSettings.Covariates(), kWeight);
     dataExtractor.Set(kY, fSettings.Factors(), fSettings.Covariates(), kWeight);
     SetUpEffects();
@@ -32,8 +32,7 @@ class TabulationBench {
 
   tavo::OrvStatus FillTables() { return tabulator->FillFactorTables(iterator, tables); }
   void SetUpModel() {
-    model.SetRecordLayout(rowExtractor, dataExtractor);
-    model.SetupDependent(tables);
+    model.SetupDependent();
     model.BuildParameters(tables.AssignParameters());
   }
   tavo::OrvStatus CreatePatterns() {

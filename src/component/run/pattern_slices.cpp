@@ -1,5 +1,8 @@
-// The evaluation of the likelihood over the patterns, slice by slice.
+// The evaluation of the likelihood over the patterns, slice by slice. Slices are cut by rows, not by
+// patterns, so that one large pattern does not keep one worker busy while the others wait; a slice may begin
+// inside a pattern.
 #include <algorithm>
+#include <cassert>
 #include <exception>
 
 #include "component/estimation/accum_stats.h"
@@ -91,8 +94,9 @@ void TavoPatternTabulator::Detach() {
   fClones.clear();
 }
 
-void TavoPatternTabulator::SetMode(int method, bool separationCheck) {
-  if (fpAccumulator != nullptr) fpAccumulator->Reset(method, separationCheck);
+void TavoPatternTabulator::SetMode(EstimationMethod method, bool separationCheck) {
+  assert(fpAccumulator != nullptr);
+  fpAccumulator->Reset(method, separationCheck);
   for (const auto& clone : fClones) {
     if (clone != nullptr) clone->Reset(method, separationCheck);
   }
@@ -101,7 +105,7 @@ void TavoPatternTabulator::SetMode(int method, bool separationCheck) {
 // ---- one evaluation ----
 
 OrvStatus TavoPatternTabulator::EvaluateRows(bool likelihoodOnly) {
-  if (!fbPatternsCreated || fpAccumulator == nullptr) return OrvStatus::Error(StatusCode::kUserError);
+  assert(fbPatternsCreated && fpAccumulator != nullptr);
   const auto isUsable = [](const auto& clone) { return clone != nullptr && clone->IsValid(); };
   if (!std::all_of(fClones.begin(), fClones.end(), isUsable)) return OutOfMemory();
   fbLikelihoodOnly = likelihoodOnly;
@@ -123,7 +127,8 @@ void TavoPatternTabulator::RunWorkers() {
   fpCompletion->Wait();
 }
 
-// In slice order, whichever worker was first: the sums don't depend on the scheduler.
+// In slice order, whichever worker was first: the sums don't depend on the scheduler. From the first slice
+// that failed nothing is merged, so that no sum with a hole in it is taken for an answer.
 OrvStatus TavoPatternTabulator::MergeSlices() {
   OrvStatus status;
   for (std::size_t slice = 0; slice < fClones.size() && !fCancel.IsCancelled(); ++slice) {
@@ -136,9 +141,7 @@ OrvStatus TavoPatternTabulator::MergeSlices() {
 }
 
 OrvStatus TavoPatternTabulator::EvaluateSlice(int slice) const {
-  if (slice < 0 || slice >= fNSlices || fpAccumulator == nullptr || fSliceEnds.empty()) {
-    return OrvStatus::Error(StatusCode::kUserError);
-  }
+  assert(slice >= 0 && slice < fNSlices && fpAccumulator != nullptr && !fSliceEnds.empty());
   TavoAccumStats& accumulator = fNSlices == 1 ? *fpAccumulator : *fClones[static_cast<std::size_t>(slice)];
   try {
     return EvaluateRange(slice, accumulator);
@@ -175,6 +178,7 @@ OrvStatus TavoPatternTabulator::EvaluatePattern(const Pattern& pattern, std::siz
   return isAdded ? OrvStatus() : OrvStatus::Error(StatusCode::kUserError);
 }
 
+// For few rows a block costs more to set up than it saves.
 bool TavoPatternTabulator::EvaluateRowByRow(const double* rows, std::size_t count, PatternWalk& walk,
                                             TavoAccumStats& accumulator) const {
   const double* row = rows;
@@ -191,9 +195,9 @@ bool TavoPatternTabulator::EvaluateRowByRow(const double* rows, std::size_t coun
 
 bool TavoPatternTabulator::EvaluateInBlocks(const double* rows, std::size_t count, PatternWalk& walk,
                                             TavoAccumStats& accumulator) const {
-  return ForEachBlock(rows, count, *fpModel, BlockColumns::kKept, walk, [&](const TavoRowBlock& block) {
-    return accumulator.UpdateForBlock(block, fbLikelihoodOnly) == 0;
-  });
+  return ForEachBlock(
+      rows, count, *fpModel, BlockColumns::kNonRedundant, walk,
+      [&](const TavoRowBlock& block) { return accumulator.UpdateForBlock(block, fbLikelihoodOnly) == 0; });
 }
 
 }  // namespace tavo
