@@ -1,3 +1,10 @@
+// Covariances and swept cross-products between the scale of the fit and that of the data.
+//
+// The fit works on columns x' = (x - c)/s, because raw columns (years, incomes) differ in size by powers of
+// ten and are nearly proportional to the intercept's. The map back is linear and nearly diagonal: a factor
+// for each parameter, and one row, the intercept's, that takes the centres of all. So T V T' costs a square
+// of the parameters where general products would cost a cube.
+
 #include <exception>
 
 #include "component/numerics/bit_set.h"
@@ -100,6 +107,7 @@ bool MCSymMatrix::TransformParameterMatrix(const std::vector<double>& centers,
     return false;
   }
   try {
+    // Every logit has the same design columns, hence the same map on its block.
     const TransformMap map(centers, scales, nIntercepts, inverse, scaleOnly);
     std::vector<double> factor;
     for (int b = 0; b < nBlocks; ++b) {
