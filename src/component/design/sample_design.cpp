@@ -1,6 +1,7 @@
 #include "component/design/sample_design.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <exception>
 #include <utility>
@@ -49,6 +50,8 @@ bool HasUnequalProbabilities(const DesignStage& stage) {
   return stage.estimator == StageEstimator::kUnequalWor;
 }
 
+/// Joint probabilities are known of first-stage units alone, and without cluster variables these are records,
+/// which no file of pairs could name.
 bool UnequalProbabilitiesFit(const std::vector<DesignStage>& stages) {
   const DesignStage& first = stages.front();
   if (HasUnequalProbabilities(first) && first.clusters.empty()) return false;
@@ -82,7 +85,8 @@ void SampleDesign::Reset() {
 
 bool SampleDesign::BuildTree(const std::vector<DesignStage>& stages, int variables) {
   Reset();
-  if (stages.empty() || variables < 0 || !UnequalProbabilitiesFit(stages)) return false;
+  assert(variables >= 0);
+  if (stages.empty() || !UnequalProbabilitiesFit(stages)) return false;
 
   fNVariables = variables;
   int constantVariables = 0;
@@ -133,6 +137,7 @@ bool SampleDesign::BlocksFit(const std::vector<int>& sizes, const std::vector<in
 bool SampleDesign::SetMatrixBlocks(const std::vector<int>& sizes, const std::vector<int>& offsets) {
   if (fNodes.empty() || !BlocksFit(sizes, offsets)) return false;
   try {
+    // A node of units gets its children as units unless it is the last one, which gets ultimate units.
     for (const auto& node : fNodes) {
       const bool hasLowerStages = !node->IsStrata() && node != fNodes.back();
       node->SetBlocks(sizes, offsets, hasLowerStages);
@@ -146,25 +151,28 @@ bool SampleDesign::SetMatrixBlocks(const std::vector<int>& sizes, const std::vec
 // ---- feeding ----
 
 void SampleDesign::AddUnit(const std::vector<double>& values) {
+  assert(fpClusters != nullptr || fpPSUNode != nullptr);
   if (fpClusters != nullptr) {
     fpClusters->AddUnit(values);
-  } else if (fpPSUNode != nullptr) {
+  } else {
     fpPSUNode->AddUnit(values);
   }
 }
 
 bool SampleDesign::SetJointProbabilities(int unitCount, std::vector<double> matrix) {
-  return fpPSUNode != nullptr && fpPSUNode->SetJointProbabilities(unitCount, std::move(matrix));
+  assert(NeedsJointProbabilities());
+  return fpPSUNode->SetJointProbabilities(unitCount, std::move(matrix));
 }
 
 bool SampleDesign::SetUnitIndex(int unitNumber) {
-  return fpPSUNode != nullptr && fpPSUNode->SetUnitIndex(unitNumber);
+  assert(NeedsJointProbabilities());
+  return fpPSUNode->SetUnitIndex(unitNumber);
 }
 
 bool SampleDesign::SetStageValues(const std::vector<double>& values, DesignFault& fault, int& index) {
   fault = DesignFault::kNone;
   index = -1;
-  const auto reportFirst = [&](int constantVariable) {
+  const auto reportFirst = [&](int constantVariable) {  // the outermost stage that differs
     if (fault == DesignFault::kNone) Report(DesignFault::kUnequalValue, constantVariable, fault, index);
   };
 
@@ -191,6 +199,8 @@ bool SampleDesign::CloseLevels(int level, DesignFault& fault, int& index) {
   index = -1;
   if (level >= static_cast<int>(fVarNodeIndex.size()) || fNodes.empty()) return false;
 
+  // The first key variable that changes opens the node that stays open for the next unit: its parent's path
+  // is shared, and it takes what the levels below it have to give.
   const bool isEnd = level < 0;
   const int stays = isEnd ? 0 : fVarNodeIndex[static_cast<std::size_t>(level)];
   fClusDiffIndex = isEnd ? 0 : fClusNodeIndex[static_cast<std::size_t>(stays)];
@@ -215,18 +225,17 @@ bool SampleDesign::FinishBelow(int node, DesignFault& fault, int& index) {
 
 // ---- reading ----
 
+TotalEstimate SampleDesign::RootEstimate(int variable) const {
+  if (fNodes.empty() || variable < 0 || variable >= fNVariables) return {};
+  return fNodes.front()->Variances().Estimate(variable);
+}
+
 int SampleDesign::StrataCount(int variable) const {
-  if (fNodes.empty() || variable < 0 || variable >= fNVariables) return 0;
-  const DesignNode& root = *fNodes.front();
-  const double count = root.Variances().Values(variable)[0];
-  if (root.IsStrata()) return static_cast<int>(std::lround(count));
-  return count > 0.0 ? 1 : 0;
+  return static_cast<int>(std::lround(RootEstimate(variable).strata));
 }
 
 int SampleDesign::UnitCount(int variable) const {
-  const int strata = StrataCount(variable);
-  if (strata <= 0) return 0;
-  return static_cast<int>(strata + fNodes.front()->DegreesOfFreedom(variable));
+  return static_cast<int>(std::lround(RootEstimate(variable).units));
 }
 
 }  // namespace tavo
