@@ -41,8 +41,10 @@ void SetStatisticsMissing(OrvParamStats& row) {
 
 TavoInference::TavoInference(const TavoCompSettings& settings, const TavoModel& model,
                              const SampleDesign& design, const OrvCancelInfo& cancel)
-    : fSettings(settings), fModel(model), fCancel(cancel), fNDegFreedom(settings.DegreesOfFreedom()) {
-  if (!(fNDegFreedom > 0.0)) fNDegFreedom = design.UnitCount(0) - design.StrataCount(0);
+    : fSettings(settings),
+      fModel(model),
+      fCancel(cancel),
+      fNDegFreedom(settings.DegreesOfFreedom(design.UnitCount(0), design.StrataCount(0))) {
   fTPercentile = MCDistFun::IdfT(0.5 * settings.Confidence() + 0.5, fNDegFreedom);
 }
 

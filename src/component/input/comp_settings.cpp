@@ -85,6 +85,7 @@ void OrvPlanCompSettings::SetRole(int column, VariableRole role) {
   fVariableType[index] = role;
 }
 
+// Stages may be described in any order and with gaps; CheckPlan finds the gaps when all has been said.
 DesignStage& OrvPlanCompSettings::FindOrCreateStage(int stageNumber) {
   const auto notBelow = std::find_if(fStages.begin(), fStages.end(), [stageNumber](const DesignStage& stage) {
     return stage.stageNumber >= stageNumber;
@@ -95,6 +96,7 @@ DesignStage& OrvPlanCompSettings::FindOrCreateStage(int stageNumber) {
   return *fStages.insert(notBelow, stage);
 }
 
+// From the stages anew each time: a value that replaces a variable of its stage takes that column out.
 void OrvPlanCompSettings::RebuildDesignVars() {
   fCatDesignVars.clear();
   fContDesignVars.clear();
@@ -105,6 +107,7 @@ void OrvPlanCompSettings::RebuildDesignVars() {
   }
 }
 
+// The subpopulation may be a stratum, so its column may already have the role of a design category.
 bool OrvPlanCompSettings::AddDesignCategorical(int column, DesignVariableKind kind, int stageNumber) {
   if (column < 0 || RoleOf(column) > VariableRole::kDesignCategory) return false;
   if (std::find(fCatDesignVars.begin(), fCatDesignVars.end(), column) != fCatDesignVars.end()) return false;
@@ -182,6 +185,8 @@ InclProbType OrvPlanCompSettings::InclusionTypeOfStage(int stageNumber) const {
 bool OrvPlanCompSettings::ConstantVariableMap(std::vector<int>& stages, std::vector<int>& positions) const {
   stages.clear();
   positions.clear();
+  // A sampling fraction belongs to the stratum from which the units of its stage were drawn, so its key ends
+  // with the strata of the stage.
   std::size_t keyVariables = 0;
   for (const DesignStage& stage : fStages) {
     keyVariables += stage.strata.size();
@@ -252,6 +257,10 @@ int TavoCompSettings::AddCovariate(int column) {
 bool TavoCompSettings::AddEffect(const OrvModelEffect& effect) {
   fEffects.push_back(effect);
   return true;
+}
+
+double TavoCompSettings::DegreesOfFreedom(int units, int strata) const {
+  return fDegreesOfFreedom > 0.0 ? fDegreesOfFreedom : units - strata;
 }
 
 void TavoCompSettings::SetConfidence(double p) {

@@ -14,8 +14,7 @@ TavoOutputStats::TavoOutputStats(const TavoAlgorithm& algorithm)
       fSubpopulationSize(algorithm.FactorTables().TotalWeight()),
       fNStrata(algorithm.StrataCount()),
       fNUnits(algorithm.ClusterCount()),
-      fNDegFreedom(algorithm.Settings().DegreesOfFreedom()) {
-  if (!(fNDegFreedom > 0.0)) fNDegFreedom = fNUnits - fNStrata;
+      fNDegFreedom(algorithm.Settings().DegreesOfFreedom(fNUnits, fNStrata)) {
   if (const TavoOptimizer* optimizer = algorithm.Optimizer()) {
     optimizer->ComputeRSquares(fCoxSnell, fNagelkerke, fMcFadden);
   }
