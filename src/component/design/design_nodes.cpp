@@ -1,5 +1,7 @@
 #include "component/design/design_nodes.h"
 
+#include <cassert>
+
 namespace tavo {
 
 void DesignNode::SetBlocks(const std::vector<int>& sizes, const std::vector<int>& offsets,
@@ -13,9 +15,10 @@ void DesignNode::Clear() {
 }
 
 bool DesignNode::FinishUpward(DesignNode& parent, DesignNode& child) {
+  assert((parent.fpCovariances == nullptr) == (child.fpCovariances == nullptr));
   if (!child.Finish()) return false;  // before anything is merged: the parent must not hold half a child
   parent.MergeVariances(child.fVariances);
-  if (parent.fpCovariances && child.fpCovariances) parent.MergeCovariances(*child.fpCovariances);
+  if (parent.fpCovariances) parent.MergeCovariances(*child.fpCovariances);
   child.Clear();
   return true;
 }

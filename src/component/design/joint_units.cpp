@@ -3,9 +3,12 @@
 // weight from it: the source of the probabilities refuses such a stratum before.
 #include "component/design/joint_units.h"
 
+#include <cassert>
+
 namespace tavo {
 
 void TransformJointProbabilities(std::vector<double>& matrix, std::size_t count) {
+  assert(matrix.size() == count * count);
   for (std::size_t a = 1; a < count; ++a) {
     double* const row = matrix.data() + a * count;
     const double own = row[a];

@@ -1,3 +1,6 @@
+// A pairwise variance needs all units of a stratum at once, so this node alone holds their totals: one vector
+// for each unit of the joint matrix, whether the sample has it or not, so that the number of a unit is its
+// row.
 #include "component/design/psu_node.h"
 
 #include <algorithm>
@@ -38,7 +41,8 @@ void PSUNode::AddUnit(const std::vector<double>& totals) {
 }
 
 void PSUNode::MergeVariances(const OrvVariances& child) {
-  if (!HasUnit() || fbSingleStage) return;
+  assert(!fbSingleStage);  // its units are ultimate ones
+  if (!HasUnit()) return;
   const std::size_t first = fUnitIndex * fUnits.variables;
   for (std::size_t i = 0; i < fUnits.variables; ++i) {
     const TotalEstimate& estimate = child.Estimate(static_cast<int>(i));

@@ -1,3 +1,11 @@
+// The key of a unit lists the codes of all strata and cluster variables, stage by stage; fVarNodeIndex tells
+// which node each of them opens. For regions, schools in them and classes in a school it is 0, 1, 2: a strata
+// node, the clusters node of the schools, that of the classes. When the next unit shares the first value
+// alone, the school has changed: node 2 is closed into node 1, which stays open for the region's next school.
+//
+// Nodes whose fraction or population is a variable of the data learn it from the first unit below them; of
+// these "value nodes" the first fClusDiffIndex are open, their values set and to be compared, the others are
+// to be set.
 #include "component/design/sample_design.h"
 
 #include <algorithm>
@@ -58,11 +66,6 @@ bool UnequalProbabilitiesFit(const std::vector<DesignStage>& stages) {
   return std::none_of(stages.begin() + 1, stages.end(), HasUnequalProbabilities);
 }
 
-/// Values that were computed in two ways may differ in their last digits.
-bool Differ(double stored, double value) {
-  return std::abs(stored - value) > 2.0 * stored * MCPower::gMachineEpsilon;
-}
-
 bool Report(DesignFault kind, int where, DesignFault& fault, int& index) {
   fault = kind;
   index = where;
@@ -70,6 +73,10 @@ bool Report(DesignFault kind, int where, DesignFault& fault, int& index) {
 }
 
 }  // namespace
+
+bool DesignValuesDiffer(double stored, double value) {
+  return std::abs(stored - value) > 2.0 * stored * MCPower::gMachineEpsilon;
+}
 
 // ---- building ----
 
@@ -120,6 +127,7 @@ void SampleDesign::AppendUnits(const DesignStage& stage, bool isOnly, int consta
 }
 
 void SampleDesign::AppendClusters(const DesignStage& stage, std::size_t keyVariables, int constantVariable) {
+  // The innermost clusters node takes the ultimate units, and it is the last one appended.
   auto node = MakeClusters(stage, fNVariables);
   fpClusters = node.get();
   if (IsMissing(node->Value())) fValueNodes.push_back({fpClusters, constantVariable});
@@ -181,12 +189,13 @@ bool SampleDesign::SetStageValues(const std::vector<double>& values, DesignFault
     const auto [node, constantVariable] = fValueNodes[static_cast<std::size_t>(i)];
     const auto position = static_cast<std::size_t>(constantVariable);
     const double value = position < values.size() ? values[position] : MCMV::gMissingValue;
+    // A value that comes late belongs to units that were fed without one; it is reported as a difference.
     if (i >= fClusDiffIndex) {
       node->SetValue(value);
     } else if (IsMissing(node->Value())) {
       node->SetValue(value);
       reportFirst(constantVariable);
-    } else if (Differ(node->Value(), value)) {
+    } else if (DesignValuesDiffer(node->Value(), value)) {
       reportFirst(constantVariable);
     }
   }

@@ -21,6 +21,10 @@ enum class DesignFault : int {
   kPopulationTooSmall = 3
 };
 
+/// Whether two inclusion probabilities or population sizes of one stratum are different ones, by more than
+/// two units of rounding: they may have been computed in two ways. `stored` is not missing.
+bool DesignValuesDiffer(double stored, double value);
+
 /// Pushes the score vectors of the units, which arrive sorted by design key, through a chain of nodes from
 /// the outer stage to the inner one, so that the design covariance of the totals comes out at the root.
 /// Memory is proportional to the depth of the chain: a closed node is merged into its parent and cleared.

@@ -17,7 +17,7 @@ namespace {
 double SamplingFraction(double count, double value, bool isPopulation, bool& fits) {
   if (!isPopulation) return value;
   const double fraction = count / value;
-  if (fraction <= 1.0) return fraction;
+  if (fraction <= 1.0) return fraction;  // not of a population that is NaN
   fits = false;
   return 1.0;
 }
@@ -253,6 +253,7 @@ bool OrvCovariances::Finish(double value, bool isPopulation) {
 }
 
 void OrvCovariances::FinishJoint(const JointUnits& units) {
+  // The children's covariances already carry their unit's probability; see MergeAsLowerStage.
   for (BlockSums& block : fBlocks) {
     std::vector<std::size_t> present;
     for (std::size_t a = 0; a < units.count && block.size > 0; ++a) {

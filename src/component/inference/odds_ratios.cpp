@@ -1,6 +1,7 @@
 #include "component/inference/odds_ratios.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
 #include "component/inference/inference.h"
@@ -65,6 +66,7 @@ void TavoOddsRatioEstimator::HoldFactors() {
 // subpopulation.
 void TavoOddsRatioEstimator::HoldCovariates(const std::vector<double>& means) {
   const std::vector<int>& covariates = fModel.Settings().Covariates();
+  assert(means.size() == covariates.size());
   for (std::size_t i = 0; i < covariates.size(); ++i) {
     const auto control = fControls.find(covariates[i]);
     const bool isControlled = control != fControls.end() && !IsMissing(control->second);
@@ -87,7 +89,9 @@ OrvStatus TavoOddsRatioEstimator::Estimate() {
 
 std::size_t TavoOddsRatioEstimator::PositionOf(int column) const {
   const std::vector<int>& columns = fLayout.Columns();
-  return static_cast<std::size_t>(std::find(columns.begin(), columns.end(), column) - columns.begin());
+  const auto found = std::find(columns.begin(), columns.end(), column);
+  assert(found != columns.end());  // requests name predictors of the settings
+  return static_cast<std::size_t>(found - columns.begin());
 }
 
 void TavoOddsRatioEstimator::FactorOddsRatios(const OrvOddsRatioSpec::Factor& wanted, int logit) {

@@ -46,8 +46,8 @@ class TavoOddsRatioEstimator {
     double value;  // a factor's code, a covariate's value
   };
 
-  /// Nothing is owned; the request is over record columns. `means` are the covariate means in settings'
-  /// order.
+  /// Nothing is owned; the request is over record columns of predictors of the model's settings. `means` are
+  /// the covariate means in settings' order.
   TavoOddsRatioEstimator(const TavoModel& model, const OrvOddsRatioSpec& request,
                          const std::vector<double>& means, const TavoInference& inference);
 

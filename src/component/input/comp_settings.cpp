@@ -1,3 +1,5 @@
+// Every setter guards one rule: a record column has one role. What only shows when all has been said, such as
+// a stage that is missing, is found by the checks at the end.
 #include "component/input/comp_settings.h"
 
 #include <algorithm>
@@ -41,6 +43,8 @@ OrvStatus CheckInclusion(const DesignStage& stage) {
   }
 }
 
+/// Clusters are what a next stage is drawn from, so only the last stage may sample records. With replacement
+/// nothing else need be known of a stage.
 OrvStatus CheckStage(const DesignStage& stage, bool isFirst, bool isLast) {
   if (!isLast && stage.clusters.empty()) return StageError(StatusCode::kStageWithoutClusters, stage);
   switch (stage.estimator) {
@@ -231,6 +235,8 @@ bool TavoCompSettings::SetDependent(int column, int categories, int reference) {
   return true;
 }
 
+// Takes a column that is a stratum or a cluster as well, but not one of the model: the model would be
+// constant in it.
 bool TavoCompSettings::SetSubpop(int column, int code) {
   if (column < 0 || RoleOf(column) > VariableRole::kDesignCategory || code < 1) return false;
   fSubpopVar = column;

@@ -1,3 +1,4 @@
+// Words of 64 bits: equal sets are equal vectors, and members are counted a word at a time.
 #include "component/numerics/bit_set.h"
 
 #include <algorithm>

@@ -5,6 +5,7 @@
 // for each parameter, and one row, the intercept's, that takes the centres of all. So T V T' costs a square
 // of the parameters where general products would cost a cube.
 
+#include <algorithm>
 #include <exception>
 
 #include "component/numerics/bit_set.h"
@@ -87,15 +88,6 @@ void ApplyCongruence(MCSymMatrix& V, const std::vector<double>& factor, const st
   }
 }
 
-bool HasShift(const std::vector<double>& shift) {
-  for (const double element : shift) {
-    if (element != 0.0) {
-      return true;
-    }
-  }
-  return false;
-}
-
 }  // namespace
 
 bool MCSymMatrix::TransformParameterMatrix(const std::vector<double>& centers,
@@ -113,7 +105,9 @@ bool MCSymMatrix::TransformParameterMatrix(const std::vector<double>& centers,
     for (int b = 0; b < nBlocks; ++b) {
       factor.insert(factor.end(), map.fFactor.begin(), map.fFactor.end());
     }
-    if (HasShift(map.fShift)) {
+    const bool isShifted =
+        std::any_of(map.fShift.begin(), map.fShift.end(), [](double x) { return x != 0.0; });
+    if (isShifted) {
       ApplyCongruence(*this, factor, map.fShift, nBlocks);
     } else {
       ScaleBothSides(*this, factor);

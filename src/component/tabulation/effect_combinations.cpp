@@ -3,6 +3,7 @@
 #include "component/tabulation/effect_combinations.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace tavo {
 
@@ -81,6 +82,7 @@ int OrvEffectCombinations::NumberOf(const std::vector<int>& levels) {
 }
 
 void OrvEffectCombinations::LevelsOf(int number, std::vector<int>& levels) const {
+  assert(number >= 0 && number < fNCombinations);
   const auto index = static_cast<std::size_t>(number);
   levels.clear();
   if (!IsDirect()) {
