@@ -11,7 +11,7 @@ OrvStatus TavoModel::BuildHypothesisMatrix(const std::vector<TavoMatrixRow>& row
   isFull = !rows.empty() && rows.front().Type() == MatrixRowType::kAll;
   const int columns = isFull ? ParameterCount() : BasicParameterCount();
   if (!L.SetNRowsCols(static_cast<int>(rows.size()), columns)) {
-    return OrvStatus::Error(StatusCode::kTooManyParameters).SetInteger(0, ParameterCount());
+    return OutOfMemory(ParameterCount());
   }
   if (fCancel.IsCancelled()) return OrvStatus::Error(StatusCode::kCancelled);
   for (std::size_t i = 0; i < rows.size(); ++i) {

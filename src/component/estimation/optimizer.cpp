@@ -181,8 +181,7 @@ void TavoOptimizer::FactorInformation() {
       return;
     }
   }
-  fStatus = OrvStatus::Error(StatusCode::kTooManyParameters);
-  fStatus.SetInteger(0, fNParameters);
+  fStatus = OutOfMemory(fNParameters);
 }
 
 // Without an intercept a column without covariates holds the root of the total weight where it would hold 1,
@@ -306,8 +305,7 @@ void TavoOptimizer::InvertInformation() {
   }
   if (fNParameters == 0) return;
   if (!fHessian.LTInverse()) {
-    fStatus = OrvStatus::Error(StatusCode::kTooManyParameters);
-    fStatus.SetInteger(0, fNParameters);
+    fStatus = OutOfMemory(fNParameters);
     return;
   }
   int valid = 0;

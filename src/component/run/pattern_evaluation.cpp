@@ -9,14 +9,6 @@
 
 namespace tavo {
 
-namespace {
-
-OrvStatus OutOfMemory() {
-  return OrvStatus::Error(StatusCode::kTooManyParameters);
-}
-
-}  // namespace
-
 // ---- slices and workers ----
 
 TavoPatternTabulator::RowPlace TavoPatternTabulator::PlaceOfRow(std::size_t row) const {
@@ -103,7 +95,7 @@ void TavoPatternTabulator::SetMode(int method, bool separationCheck) {
 OrvStatus TavoPatternTabulator::EvaluateRows(bool likelihoodOnly) {
   if (!fbPatternsCreated || fpAccumulator == nullptr) return OrvStatus::Error(StatusCode::kUserError);
   const auto isUsable = [](const auto& clone) { return clone != nullptr && clone->IsValid(); };
-  if (!std::all_of(fClones.begin(), fClones.end(), isUsable)) return OutOfMemory();
+  if (!std::all_of(fClones.begin(), fClones.end(), isUsable)) return OutOfMemory(fpModel->ParameterCount());
   fbLikelihoodOnly = likelihoodOnly;
   OrvStatus status;
   if (fNSlices == 1) {
@@ -143,7 +135,7 @@ OrvStatus TavoPatternTabulator::EvaluateSlice(int slice) const {
   try {
     return EvaluateRange(slice, accumulator);
   } catch (const std::exception&) {  // only memory can run out here
-    return OutOfMemory();
+    return OutOfMemory(fpModel->ParameterCount());
   }
 }
 
