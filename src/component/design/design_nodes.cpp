@@ -1,5 +1,7 @@
 #include "component/design/design_nodes.h"
 
+#include <cassert>
+
 namespace tavo {
 
 void DesignNode::SetBlocks(const std::vector<int>& sizes, const std::vector<int>& offsets,
@@ -13,21 +15,12 @@ void DesignNode::Clear() {
 }
 
 bool DesignNode::FinishUpward(DesignNode& parent, DesignNode& child) {
-  if (!child.Finish()) return false;
+  assert((parent.fpCovariances == nullptr) == (child.fpCovariances == nullptr));
+  if (!child.Finish()) return false;  // before anything is merged: the parent must not hold half a child
   parent.MergeVariances(child.fVariances);
-  if (parent.fpCovariances && child.fpCovariances) parent.MergeCovariances(*child.fpCovariances);
+  if (parent.fpCovariances) parent.MergeCovariances(*child.fpCovariances);
   child.Clear();
   return true;
-}
-
-double StrataNode::DegreesOfFreedom(int variable) const {
-  const double* v = fVariances.Values(variable);
-  return v[3] - v[0];
-}
-
-double ClustersNode::DegreesOfFreedom(int variable) const {
-  const double units = fVariances.Values(variable)[0];
-  return units > 0.0 ? units - 1.0 : 0.0;
 }
 
 bool ClustersNode::Finish() {

@@ -2,6 +2,11 @@
 //
 // The classes tell how a level treats what arrives from below. The variance of a nested design follows from
 // the stage formulas by recursion (Raj 1966): every closed child is one unit, or one stratum, of its parent.
+//
+// An example: regions (strata), schools in them (clusters), pupils in a school (units). The chain is strata
+// node, clusters node of the schools, clusters node of the pupils. When a school ends, the lowest node turns
+// its pupils into one total with a variance and merges it as a unit of the school level; when the region
+// ends, that level does the same and becomes one stratum of the root.
 #pragma once
 
 #include <memory>
@@ -23,10 +28,9 @@ class DesignNode {
   /// Creates the covariance sums; without this call there are variances only. Throws std::bad_alloc when they
   /// are too large for memory. `hasLowerStages`: see OrvCovariances.
   void SetBlocks(const std::vector<int>& sizes, const std::vector<int>& offsets, bool hasLowerStages);
-  /// Units minus strata for a strata node, units minus 1 for a clusters node.
-  virtual double DegreesOfFreedom(int variable) const = 0;
   virtual bool IsStrata() const = 0;
-  /// Turns sums into totals and variances. False when the population is smaller than the sample.
+  /// Turns sums into totals and variances, which Variances() and Covariances() then hold. False when the
+  /// population is smaller than the sample.
   virtual bool Finish() = 0;
   /// A closed child of this node arrives: finished sums of variances, and of covariances.
   virtual void MergeVariances(const OrvVariances& child) = 0;
@@ -35,6 +39,8 @@ class DesignNode {
   void Clear();
 
   const OrvVariances& Variances() const { return fVariances; }
+  /// Units minus strata; a clusters node is one stratum. After Finish, as all estimates.
+  double DegreesOfFreedom(int variable) const { return fVariances.Estimate(variable).DegreesOfFreedom(); }
   /// Null before SetBlocks.
   const OrvCovariances* Covariances() const { return fpCovariances.get(); }
 
@@ -51,7 +57,6 @@ class DesignNode {
 class StrataNode final : public DesignNode {
  public:
   using DesignNode::DesignNode;
-  double DegreesOfFreedom(int variable) const override;
   bool IsStrata() const override { return true; }
   bool Finish() override { return true; }
   void MergeVariances(const OrvVariances& child) override { fVariances.MergeAsStratum(child); }
@@ -65,12 +70,11 @@ class ClustersNode final : public DesignNode {
   /// missing while it is yet to be read from the units.
   ClustersNode(int variables, double value, bool isPopulation)
       : DesignNode(variables), fValue(value), fbPopulation(isPopulation) {}
-  double DegreesOfFreedom(int variable) const override;
   bool IsStrata() const override { return false; }
   bool Finish() override;
   void MergeVariances(const OrvVariances& child) override { fVariances.MergeAsUnit(child); }
   void MergeCovariances(const OrvCovariances& child) override { fpCovariances->MergeAsUnit(child); }
-  /// An ultimate unit arrives. Missing values are skipped.
+  /// An ultimate unit arrives, with one value per variable. Missing values are skipped.
   void AddUnit(const std::vector<double>& totals);
 
   double Value() const { return fValue; }

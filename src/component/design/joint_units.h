@@ -5,9 +5,10 @@
 //
 //   sum over b < a of (pi_a pi_b / pi_ab - 1) (t_a - t_b)^2  +  sum over a of pi_a V_a
 //
-// The first sum is the form of Yates and Grundy (1953) and Sen (1953); V_a is the variance that the stages
-// below give t_a (Raj 1966). Pairs whose joint probability is above pi_a pi_b have a negative weight: the
-// estimate can be negative.
+// The total is that of Horvitz and Thompson (1952). The first sum is the form of Yates and Grundy (1953) and
+// Sen (1953), which holds for samples of a fixed size; unlike Horvitz and Thompson's own it is 0 when all t_a
+// are equal. V_a is the variance that the stages below give t_a (Raj 1966). Pairs whose joint probability is
+// above pi_a pi_b have a negative weight: the estimate can be negative.
 //
 // Two units with pi = 0.5 and a joint probability of 0.2 have the weight 0.25 / 0.2 - 1 = 0.25; totals of 3
 // and 7 then give a variance of 4.

@@ -1,6 +1,10 @@
+// A pairwise variance needs all units of a stratum at once, so this node alone holds their totals: one vector
+// for each unit of the joint matrix, whether the sample has it or not, so that the number of a unit is its
+// row.
 #include "component/design/psu_node.h"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 #include "component/numerics/missing_value.h"
@@ -32,21 +36,23 @@ bool PSUNode::SetUnitIndex(int unitNumber) {
 
 void PSUNode::AddUnit(const std::vector<double>& totals) {
   if (!HasUnit()) return;
-  const std::size_t variables = std::min(totals.size(), fUnits.variables);
-  double* const target = fUnits.totals.data() + fUnitIndex * fUnits.variables;
-  std::copy_n(totals.data(), variables, target);
+  assert(totals.size() == fUnits.variables);
+  std::copy(totals.begin(), totals.end(), fUnits.totals.data() + fUnitIndex * fUnits.variables);
 }
 
 void PSUNode::MergeVariances(const OrvVariances& child) {
-  if (!HasUnit() || fbSingleStage) return;
+  assert(!fbSingleStage);  // its units are ultimate ones
+  if (!HasUnit()) return;
   const std::size_t first = fUnitIndex * fUnits.variables;
   for (std::size_t i = 0; i < fUnits.variables; ++i) {
-    const double* const v = child.Values(static_cast<int>(i));
-    fUnits.totals[first + i] = v[0] > 0.0 ? v[1] : MCMV::gMissingValue;
-    fUnits.variances[first + i] = v[2];
+    const TotalEstimate& estimate = child.Estimate(static_cast<int>(i));
+    fUnits.totals[first + i] = estimate.HasUnits() ? estimate.total : MCMV::gMissingValue;
+    fUnits.variances[first + i] = estimate.variance;
   }
 }
 
+// The units' own covariances enter by a plain sum, so they need not wait for the end of the stratum: keeping
+// a triangle for each unit would take units times the square of the parameters.
 void PSUNode::MergeCovariances(const OrvCovariances& child) {
   if (HasUnit()) fpCovariances->MergeAsLowerStage(child, fUnits.Probability(fUnitIndex));
 }
@@ -56,11 +62,6 @@ bool PSUNode::Finish() {
   if (fpCovariances) fpCovariances->FinishJoint(fUnits);
   SetJointProbabilities(0, {});
   return true;
-}
-
-double PSUNode::DegreesOfFreedom(int variable) const {
-  const double units = fVariances.Values(variable)[0];
-  return units > 0.0 ? units - 1.0 : 0.0;
 }
 
 }  // namespace tavo

@@ -24,10 +24,9 @@ class PSUNode final : public DesignNode {
   /// What arrives next belongs to this row of the matrix, from 1. False, and nothing is taken from then on,
   /// outside 1 … unitCount.
   bool SetUnitIndex(int unitNumber);
-  /// An ultimate unit arrives; missing values stay missing.
+  /// An ultimate unit arrives, with one value per variable; missing values stay missing.
   void AddUnit(const std::vector<double>& totals);
 
-  double DegreesOfFreedom(int variable) const override;
   bool IsStrata() const override { return false; }
   /// Ends the stratum: its units and matrix are released. Always true.
   bool Finish() override;

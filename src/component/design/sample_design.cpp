@@ -1,6 +1,15 @@
+// The key of a unit lists the codes of all strata and cluster variables, stage by stage; fVarNodeIndex tells
+// which node each of them opens. For regions, schools in them and classes in a school it is 0, 1, 2: a strata
+// node, the clusters node of the schools, that of the classes. When the next unit shares the first value
+// alone, the school has changed: node 2 is closed into node 1, which stays open for the region's next school.
+//
+// Nodes whose fraction or population is a variable of the data learn it from the first unit below them; of
+// these "value nodes" the first fClusDiffIndex are open, their values set and to be compared, the others are
+// to be set.
 #include "component/design/sample_design.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <exception>
 #include <utility>
@@ -49,15 +58,12 @@ bool HasUnequalProbabilities(const DesignStage& stage) {
   return stage.estimator == StageEstimator::kUnequalWor;
 }
 
+/// Joint probabilities are known of first-stage units alone, and without cluster variables these are records,
+/// which no file of pairs could name.
 bool UnequalProbabilitiesFit(const std::vector<DesignStage>& stages) {
   const DesignStage& first = stages.front();
   if (HasUnequalProbabilities(first) && first.clusters.empty()) return false;
   return std::none_of(stages.begin() + 1, stages.end(), HasUnequalProbabilities);
-}
-
-/// Values that were computed in two ways may differ in their last digits.
-bool Differ(double stored, double value) {
-  return std::abs(stored - value) > 2.0 * stored * MCPower::gMachineEpsilon;
 }
 
 bool Report(DesignFault kind, int where, DesignFault& fault, int& index) {
@@ -67,6 +73,10 @@ bool Report(DesignFault kind, int where, DesignFault& fault, int& index) {
 }
 
 }  // namespace
+
+bool DesignValuesDiffer(double stored, double value) {
+  return std::abs(stored - value) > 2.0 * stored * MCPower::gMachineEpsilon;
+}
 
 // ---- building ----
 
@@ -82,7 +92,8 @@ void SampleDesign::Reset() {
 
 bool SampleDesign::BuildTree(const std::vector<DesignStage>& stages, int variables) {
   Reset();
-  if (stages.empty() || variables < 0 || !UnequalProbabilitiesFit(stages)) return false;
+  assert(variables >= 0);
+  if (stages.empty() || !UnequalProbabilitiesFit(stages)) return false;
 
   fNVariables = variables;
   int constantVariables = 0;
@@ -116,6 +127,7 @@ void SampleDesign::AppendUnits(const DesignStage& stage, bool isOnly, int consta
 }
 
 void SampleDesign::AppendClusters(const DesignStage& stage, std::size_t keyVariables, int constantVariable) {
+  // The innermost clusters node takes the ultimate units, and it is the last one appended.
   auto node = MakeClusters(stage, fNVariables);
   fpClusters = node.get();
   if (IsMissing(node->Value())) fValueNodes.push_back({fpClusters, constantVariable});
@@ -133,6 +145,7 @@ bool SampleDesign::BlocksFit(const std::vector<int>& sizes, const std::vector<in
 bool SampleDesign::SetMatrixBlocks(const std::vector<int>& sizes, const std::vector<int>& offsets) {
   if (fNodes.empty() || !BlocksFit(sizes, offsets)) return false;
   try {
+    // A node of units gets its children as units unless it is the last one, which gets ultimate units.
     for (const auto& node : fNodes) {
       const bool hasLowerStages = !node->IsStrata() && node != fNodes.back();
       node->SetBlocks(sizes, offsets, hasLowerStages);
@@ -146,25 +159,28 @@ bool SampleDesign::SetMatrixBlocks(const std::vector<int>& sizes, const std::vec
 // ---- feeding ----
 
 void SampleDesign::AddUnit(const std::vector<double>& values) {
+  assert(fpClusters != nullptr || fpPSUNode != nullptr);
   if (fpClusters != nullptr) {
     fpClusters->AddUnit(values);
-  } else if (fpPSUNode != nullptr) {
+  } else {
     fpPSUNode->AddUnit(values);
   }
 }
 
 bool SampleDesign::SetJointProbabilities(int unitCount, std::vector<double> matrix) {
-  return fpPSUNode != nullptr && fpPSUNode->SetJointProbabilities(unitCount, std::move(matrix));
+  assert(NeedsJointProbabilities());
+  return fpPSUNode->SetJointProbabilities(unitCount, std::move(matrix));
 }
 
 bool SampleDesign::SetUnitIndex(int unitNumber) {
-  return fpPSUNode != nullptr && fpPSUNode->SetUnitIndex(unitNumber);
+  assert(NeedsJointProbabilities());
+  return fpPSUNode->SetUnitIndex(unitNumber);
 }
 
 bool SampleDesign::SetStageValues(const std::vector<double>& values, DesignFault& fault, int& index) {
   fault = DesignFault::kNone;
   index = -1;
-  const auto reportFirst = [&](int constantVariable) {
+  const auto reportFirst = [&](int constantVariable) {  // the outermost stage that differs
     if (fault == DesignFault::kNone) Report(DesignFault::kUnequalValue, constantVariable, fault, index);
   };
 
@@ -173,12 +189,13 @@ bool SampleDesign::SetStageValues(const std::vector<double>& values, DesignFault
     const auto [node, constantVariable] = fValueNodes[static_cast<std::size_t>(i)];
     const auto position = static_cast<std::size_t>(constantVariable);
     const double value = position < values.size() ? values[position] : MCMV::gMissingValue;
+    // A value that comes late belongs to units that were fed without one; it is reported as a difference.
     if (i >= fClusDiffIndex) {
       node->SetValue(value);
     } else if (IsMissing(node->Value())) {
       node->SetValue(value);
       reportFirst(constantVariable);
-    } else if (Differ(node->Value(), value)) {
+    } else if (DesignValuesDiffer(node->Value(), value)) {
       reportFirst(constantVariable);
     }
   }
@@ -191,6 +208,8 @@ bool SampleDesign::CloseLevels(int level, DesignFault& fault, int& index) {
   index = -1;
   if (level >= static_cast<int>(fVarNodeIndex.size()) || fNodes.empty()) return false;
 
+  // The first key variable that changes opens the node that stays open for the next unit: its parent's path
+  // is shared, and it takes what the levels below it have to give.
   const bool isEnd = level < 0;
   const int stays = isEnd ? 0 : fVarNodeIndex[static_cast<std::size_t>(level)];
   fClusDiffIndex = isEnd ? 0 : fClusNodeIndex[static_cast<std::size_t>(stays)];
@@ -215,18 +234,17 @@ bool SampleDesign::FinishBelow(int node, DesignFault& fault, int& index) {
 
 // ---- reading ----
 
+TotalEstimate SampleDesign::RootEstimate(int variable) const {
+  if (fNodes.empty() || variable < 0 || variable >= fNVariables) return {};
+  return fNodes.front()->Variances().Estimate(variable);
+}
+
 int SampleDesign::StrataCount(int variable) const {
-  if (fNodes.empty() || variable < 0 || variable >= fNVariables) return 0;
-  const DesignNode& root = *fNodes.front();
-  const double count = root.Variances().Values(variable)[0];
-  if (root.IsStrata()) return static_cast<int>(std::lround(count));
-  return count > 0.0 ? 1 : 0;
+  return static_cast<int>(std::lround(RootEstimate(variable).strata));
 }
 
 int SampleDesign::UnitCount(int variable) const {
-  const int strata = StrataCount(variable);
-  if (strata <= 0) return 0;
-  return static_cast<int>(strata + fNodes.front()->DegreesOfFreedom(variable));
+  return static_cast<int>(std::lround(RootEstimate(variable).units));
 }
 
 }  // namespace tavo

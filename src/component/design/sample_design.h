@@ -13,11 +13,17 @@ namespace tavo {
 /// What went wrong at a level of the design.
 enum class DesignFault : int {
   kNone = 0,
-  kUnequalValue = 1,  // a value that must be constant within a unit isn't; index of the constant variable
-  kMissingValue =
-      2,  // a unit without inclusion probability or population size; index of the constant variable
-  kPopulationTooSmall = 3  // index of the node
+  /// A value that must be constant within a stratum isn't. The index is that of the constant design variable.
+  kUnequalValue = 1,
+  /// A stratum without inclusion probability or population size. Index of the constant design variable.
+  kMissingValue = 2,
+  /// A population below its sample. Index of the node, the root being 0.
+  kPopulationTooSmall = 3
 };
+
+/// Whether two inclusion probabilities or population sizes of one stratum are different ones, by more than
+/// two units of rounding: they may have been computed in two ways. `stored` is not missing.
+bool DesignValuesDiffer(double stored, double value);
 
 /// Pushes the score vectors of the units, which arrive sorted by design key, through a chain of nodes from
 /// the outer stage to the inner one, so that the design covariance of the totals comes out at the root.
@@ -30,21 +36,21 @@ enum class DesignFault : int {
 /// AddUnit.
 class SampleDesign {
  public:
-  /// `variables` is the length of a unit's vector. A stage with strata opens a strata node, its clusters a
-  /// clusters node; when the last stage has no clusters, one more clusters node takes the records as its
-  /// units. The units of a first stage with unequal probabilities without replacement get a PSU node.
-  /// False, with no nodes, without a stage, and for unequal probabilities without replacement in a later
-  /// stage or without cluster variables, which tell the units apart.
+  /// `variables`, not negative, is the length of a unit's vector. A stage with strata opens a strata node,
+  /// its clusters a clusters node; when the last stage has no clusters, one more clusters node takes the
+  /// records as its units. The units of a first stage with unequal probabilities without replacement get a
+  /// PSU node. False, with no nodes, without a stage, and for unequal probabilities without replacement in a
+  /// later stage or without cluster variables, which tell the units apart.
   bool BuildTree(const std::vector<DesignStage>& stages, int variables);
   /// Blocks of the covariance; refused (false) without nodes, with unequal lengths, with a block outside the
   /// vector, or when memory doesn't suffice.
   bool SetMatrixBlocks(const std::vector<int>& sizes, const std::vector<int>& offsets);
 
-  /// Starts a first-stage stratum, and a unit in it; see PSUNode. False for what doesn't fit, and without
-  /// such a node.
+  /// Starts a first-stage stratum, and a unit in it; see PSUNode. False for what doesn't fit. For designs
+  /// that need joint probabilities only.
   bool SetJointProbabilities(int unitCount, std::vector<double> matrix);
   bool SetUnitIndex(int unitNumber);
-  /// An ultimate unit with its vector of `variables` values.
+  /// An ultimate unit with its vector of `variables` values. The tree must have been built.
   void AddUnit(const std::vector<double>& values);
   /// Checks and takes the values of the nodes that read them per unit (`values`: constant design variables,
   /// in order). Nodes that were opened by this unit take them; the others keep theirs, and must find them
@@ -55,9 +61,10 @@ class SampleDesign {
   /// answers false without one.
   bool CloseLevels(int level, DesignFault& fault, int& index);
 
-  /// Strata of the root with at least one value of the variable; 1 for a root that is no strata node.
+  /// After CloseLevels(-1): strata of the first stage with at least one value of the variable, 1 for a stage
+  /// without strata; and units of the first stage. Units minus strata are the degrees of freedom of the
+  /// design. Both are 0 without any value, and for a variable that isn't there.
   int StrataCount(int variable) const;
-  /// Units of the first stage; units minus strata are the degrees of freedom of the design.
   int UnitCount(int variable) const;
   const DesignNode* Root() const { return fNodes.empty() ? nullptr : fNodes.front().get(); }
   int NodeCount() const { return static_cast<int>(fNodes.size()); }
@@ -78,6 +85,7 @@ class SampleDesign {
   void AppendClusters(const DesignStage& stage, std::size_t keyVariables, int constantVariable);
   bool BlocksFit(const std::vector<int>& sizes, const std::vector<int>& offsets) const;
   bool FinishBelow(int node, DesignFault& fault, int& index);
+  TotalEstimate RootEstimate(int variable) const;
 
   int fNVariables = 0;
   std::vector<std::unique_ptr<DesignNode>> fNodes;  // outermost first

@@ -1,6 +1,7 @@
 #include "component/design/variances.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "component/design/joint_units.h"
 #include "component/numerics/missing_value.h"
@@ -16,7 +17,7 @@ namespace {
 double SamplingFraction(double count, double value, bool isPopulation, bool& fits) {
   if (!isPopulation) return value;
   const double fraction = count / value;
-  if (fraction <= 1.0) return fraction;
+  if (fraction <= 1.0) return fraction;  // not of a population that is NaN
   fits = false;
   return 1.0;
 }
@@ -26,19 +27,19 @@ double BetweenFactor(double count, double fraction) {
   return count > 1.0 ? (1.0 - fraction) * count / (count - 1.0) : 0.0;
 }
 
-/// Adds units to running means and sums of squared deviations. Neighbouring variables mostly have the same
-/// count: the division, which costs more than all the rest, is done once for them.
-class RunningSums {
+/// Adds a unit to the moments of one variable after the other (Welford 1962). Neighbouring variables mostly
+/// have the same count: the division, which costs more than all the rest, is done once for them.
+class UnitAdder {
  public:
-  void Add(double* v, double x) {
-    if (v[0] != fBefore) {
-      fBefore = v[0];
+  void Add(UnitMoments& moments, double total) {
+    if (moments.count != fBefore) {
+      fBefore = moments.count;
       fInverse = 1.0 / (fBefore + 1.0);
     }
-    const double deviation = x - v[1];
-    v[0] = fBefore + 1.0;
-    v[1] += deviation * fInverse;
-    v[2] += deviation * deviation * fInverse * fBefore;
+    const double deviation = total - moments.mean;
+    moments.count = fBefore + 1.0;
+    moments.mean += deviation * fInverse;
+    moments.squares += deviation * deviation * fInverse * fBefore;
   }
 
  private:
@@ -56,76 +57,82 @@ void AddTo(std::vector<double>& sums, const std::vector<double>& terms) {
 // ---- OrvVariances ----
 
 void OrvVariances::AddUnit(const std::vector<double>& totals) {
-  RunningSums sums;
-  double* v = fValues.data();
-  const std::size_t variables = std::min(totals.size(), fValues.size() / 4);
-  for (std::size_t i = 0; i < variables; ++i, v += 4) {
-    if (!IsMissing(totals[i])) sums.Add(v, totals[i]);
+  assert(totals.size() == fUnits.size());
+  UnitAdder adder;
+  for (std::size_t i = 0; i < fUnits.size(); ++i) {
+    if (!IsMissing(totals[i])) adder.Add(fUnits[i], totals[i]);
   }
 }
 
 void OrvVariances::MergeAsUnit(const OrvVariances& child) {
-  RunningSums sums;
-  for (std::size_t i = 0; i < fValues.size(); i += 4) {
-    const double* c = child.fValues.data() + i;
-    if (c[0] <= 0.0) continue;
-    sums.Add(fValues.data() + i, c[1]);
-    fValues[i + 3] += c[2];
+  assert(child.Variables() == Variables());
+  UnitAdder adder;
+  for (std::size_t i = 0; i < fUnits.size(); ++i) {
+    const TotalEstimate& estimate = child.fEstimates[i];
+    if (!estimate.HasUnits()) continue;
+    adder.Add(fUnits[i], estimate.total);
+    fUnits[i].lowerVariance += estimate.variance;
   }
 }
 
 void OrvVariances::MergeAsStratum(const OrvVariances& child) {
-  for (std::size_t i = 0; i < fValues.size(); i += 4) {
-    const double* c = child.fValues.data() + i;
-    if (c[0] <= 0.0) continue;
-    double* v = fValues.data() + i;
-    v[0] += 1.0;
-    v[1] += c[1];
-    v[2] += c[2];
-    v[3] += c[0];
+  assert(child.Variables() == Variables());
+  for (std::size_t i = 0; i < fEstimates.size(); ++i) {
+    const TotalEstimate& stratum = child.fEstimates[i];
+    if (!stratum.HasUnits()) continue;
+    TotalEstimate& sum = fEstimates[i];
+    sum.strata += 1.0;
+    sum.units += stratum.units;
+    sum.total += stratum.total;
+    sum.variance += stratum.variance;
   }
 }
 
 bool OrvVariances::Finish(double value, bool isPopulation) {
   bool fits = true;
-  for (std::size_t i = 0; i < fValues.size(); i += 4) {
-    double* v = fValues.data() + i;
-    if (v[0] <= 0.0) continue;
-    const double fraction = SamplingFraction(v[0], value, isPopulation, fits);
-    v[1] *= v[0];
-    v[2] = v[2] * BetweenFactor(v[0], fraction) + fraction * v[3];
+  for (std::size_t i = 0; i < fUnits.size(); ++i) {
+    const UnitMoments& units = fUnits[i];
+    if (units.count <= 0.0) continue;
+    const double fraction = SamplingFraction(units.count, value, isPopulation, fits);
+    const double variance =
+        units.squares * BetweenFactor(units.count, fraction) + fraction * units.lowerVariance;
+    fEstimates[i] = {1.0, units.count, units.mean * units.count, variance};
   }
   return fits;
 }
 
+// The sum over pairs of Yates and Grundy (1953) and Sen (1953), each pair once, and what the stages below add
+// to it (Raj 1966); see joint_units.h.
 void OrvVariances::FinishJoint(const JointUnits& units) {
-  const std::size_t variables = std::min(units.variables, fValues.size() / 4);
-  const auto whenKnown = [variables](const double* totals, auto&& visit) {
-    for (std::size_t i = 0; i < variables; ++i) {
+  assert(units.count == 0 || units.variables == fEstimates.size());
+  const auto whenKnown = [&units](const double* totals, auto&& visit) {
+    for (std::size_t i = 0; i < units.variables; ++i) {
       if (!IsMissing(totals[i])) visit(i);
     }
   };
   for (std::size_t a = 0; a < units.count; ++a) {
     const double* const total = units.Totals(a);
     whenKnown(total, [&](std::size_t i) {
-      double* const v = fValues.data() + 4 * i;
-      v[0] += 1.0;
-      v[1] += total[i];
-      if (!units.variances.empty()) v[2] += units.Probability(a) * units.Variances(a)[i];
+      TotalEstimate& estimate = fEstimates[i];
+      estimate.strata = 1.0;
+      estimate.units += 1.0;
+      estimate.total += total[i];
+      if (!units.variances.empty()) estimate.variance += units.Probability(a) * units.Variances(a)[i];
     });
     for (std::size_t b = 0; b < a; ++b) {
       const double weight = units.weights[a * units.count + b];
       const double* const other = units.Totals(b);
       whenKnown(total, [&](std::size_t i) {
         const double difference = total[i] - other[i];
-        if (!IsMissing(other[i])) fValues[4 * i + 2] += weight * difference * difference;
+        if (!IsMissing(other[i])) fEstimates[i].variance += weight * difference * difference;
       });
     }
   }
 }
 
 void OrvVariances::Clear() {
-  std::fill(fValues.begin(), fValues.end(), 0.0);
+  std::fill(fUnits.begin(), fUnits.end(), UnitMoments());
+  std::fill(fEstimates.begin(), fEstimates.end(), TotalEstimate());
 }
 
 // ---- OrvCovariances ----
@@ -133,12 +140,14 @@ void OrvVariances::Clear() {
 OrvCovariances::OrvCovariances(const std::vector<int>& sizes, const std::vector<int>& offsets,
                                bool hasLowerStages)
     : fBlocks(sizes.size()) {
+  assert(offsets.size() == sizes.size());
   for (std::size_t b = 0; b < sizes.size(); ++b) {
     BlockSums& block = fBlocks[b];
     block.size = static_cast<std::size_t>(sizes[b]);
     block.offset = static_cast<std::size_t>(offsets[b]);
     const std::size_t packed = block.size * (block.size + 1) / 2;
     block.means.assign(block.size, 0.0);
+    block.totals.assign(block.size, 0.0);
     block.cross.assign(packed, 0.0);
     block.lower.assign(hasLowerStages ? packed : 0, 0.0);
     block.deviations.assign(kWaitingUnits * block.size, 0.0);
@@ -147,6 +156,7 @@ OrvCovariances::OrvCovariances(const std::vector<int>& sizes, const std::vector<
 
 void OrvCovariances::AddUnit(const std::vector<double>& totals) {
   for (BlockSums& block : fBlocks) {
+    assert(block.offset + block.size <= totals.size());
     const double* x = totals.data() + block.offset;
     if (block.size > 0 && !IsMissing(*x)) AddToBlock(block, x);
   }
@@ -174,6 +184,8 @@ void OrvCovariances::AddWaiting(BlockSums& block) {
   std::fill(block.factors.begin() + static_cast<std::ptrdiff_t>(block.waiting), block.factors.end(), 0.0);
   block.waiting = 0;
 
+  // Places that no unit waits in have the factor 0. The units are added one after the other, as if each had
+  // gone through by itself, so how many happened to wait together shows in no digit.
   const double* __restrict d0 = block.deviations.data();
   const double* __restrict d1 = d0 + size;
   const double* __restrict d2 = d1 + size;
@@ -184,7 +196,7 @@ void OrvCovariances::AddWaiting(BlockSums& block) {
     const double e1 = block.factors[1] * d1[i];
     const double e2 = block.factors[2] * d2[i];
     const double e3 = block.factors[3] * d3[i];
-    if (e0 == 0.0 && e1 == 0.0 && e2 == 0.0 && e3 == 0.0) continue;
+    if (e0 == 0.0 && e1 == 0.0 && e2 == 0.0 && e3 == 0.0) continue;  // a parameter that the units don't touch
     for (std::size_t j = 0; j <= i; ++j) {
       row[j] = (((row[j] + e0 * d0[j]) + e1 * d1[j]) + e2 * d2[j]) + e3 * d3[j];
     }
@@ -192,25 +204,28 @@ void OrvCovariances::AddWaiting(BlockSums& block) {
 }
 
 void OrvCovariances::MergeAsUnit(const OrvCovariances& child) {
+  assert(child.fBlocks.size() == fBlocks.size());
   for (std::size_t b = 0; b < fBlocks.size(); ++b) {
     const BlockSums& from = child.fBlocks[b];
     if (from.count <= 0.0) continue;
-    AddToBlock(fBlocks[b], from.means.data());
+    AddToBlock(fBlocks[b], from.totals.data());
     AddTo(fBlocks[b].lower, from.cross);
   }
 }
 
 void OrvCovariances::MergeAsStratum(const OrvCovariances& child) {
+  assert(child.fBlocks.size() == fBlocks.size());
   for (std::size_t b = 0; b < fBlocks.size(); ++b) {
     const BlockSums& from = child.fBlocks[b];
     if (from.count <= 0.0) continue;
     fBlocks[b].count += 1.0;
-    AddTo(fBlocks[b].means, from.means);
+    AddTo(fBlocks[b].totals, from.totals);
     AddTo(fBlocks[b].cross, from.cross);
   }
 }
 
 void OrvCovariances::MergeAsLowerStage(const OrvCovariances& child, double factor) {
+  assert(child.fBlocks.size() == fBlocks.size());
   for (std::size_t b = 0; b < fBlocks.size(); ++b) {
     const BlockSums& from = child.fBlocks[b];
     std::vector<double>& lower = fBlocks[b].lower;
@@ -227,8 +242,8 @@ bool OrvCovariances::Finish(double value, bool isPopulation) {
     AddWaiting(block);
     const double fraction = SamplingFraction(block.count, value, isPopulation, fits);
     const double between = BetweenFactor(block.count, fraction);
-    for (double& mean : block.means)
-      mean *= block.count;
+    for (std::size_t i = 0; i < block.size; ++i)
+      block.totals[i] = block.means[i] * block.count;
     for (double& cross : block.cross)
       cross *= between;
     for (std::size_t k = 0; k < block.lower.size(); ++k)
@@ -238,6 +253,7 @@ bool OrvCovariances::Finish(double value, bool isPopulation) {
 }
 
 void OrvCovariances::FinishJoint(const JointUnits& units) {
+  // The children's covariances already carry their unit's probability; see MergeAsLowerStage.
   for (BlockSums& block : fBlocks) {
     std::vector<std::size_t> present;
     for (std::size_t a = 0; a < units.count && block.size > 0; ++a) {
@@ -263,7 +279,7 @@ void OrvCovariances::AddPairs(BlockSums& block, const JointUnits& units,
     const double* const ta = totals(a);
     double* const ua = pulls.data() + a * size;
     for (std::size_t i = 0; i < size; ++i)
-      block.means[i] += ta[i];
+      block.totals[i] += ta[i];
     for (std::size_t b = 0; b < a; ++b) {
       const double weight = units.weights[present[a] * units.count + present[b]];
       const double* const tb = totals(b);
@@ -282,7 +298,7 @@ void OrvCovariances::AddPairs(BlockSums& block, const JointUnits& units,
     const double* const ua = pulls.data() + a * size;
     double* row = block.cross.data();
     for (std::size_t i = 0; i < size; row += ++i) {
-      const double deviation = ta[i] - block.means[i] / block.count;
+      const double deviation = ta[i] - block.totals[i] / block.count;
       for (std::size_t j = 0; j <= i; ++j)
         row[j] += deviation * ua[j];
     }
@@ -294,6 +310,7 @@ void OrvCovariances::Clear() {
     block.count = 0.0;
     block.waiting = 0;
     std::fill(block.means.begin(), block.means.end(), 0.0);
+    std::fill(block.totals.begin(), block.totals.end(), 0.0);
     std::fill(block.cross.begin(), block.cross.end(), 0.0);
     std::fill(block.lower.begin(), block.lower.end(), 0.0);
   }

@@ -70,7 +70,7 @@ OrvStatus BuildHypothesisRows(const std::vector<TavoMatrixRow>& rows, const OrvP
   isFull = !rows.empty() && rows.front().Type() == MatrixRowType::kAll;
   const int columns = isFull ? parameters.AllCount() : parameters.BasicCount();
   if (!L.SetNRowsCols(static_cast<int>(rows.size()), columns)) {
-    return OrvStatus::Error(StatusCode::kTooManyParameters).SetInteger(0, parameters.AllCount());
+    return OutOfMemory(parameters.AllCount());
   }
   if (cancel.IsCancelled()) return OrvStatus::Error(StatusCode::kCancelled);
   for (std::size_t i = 0; i < rows.size(); ++i) {

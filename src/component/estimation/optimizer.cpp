@@ -188,8 +188,7 @@ void TavoOptimizer::FactorInformation() {
       return;
     }
   }
-  fStatus = OrvStatus::Error(StatusCode::kTooManyParameters);
-  fStatus.SetInteger(0, fNParameters);
+  fStatus = OutOfMemory(fNParameters);
 }
 
 // Without an intercept a column without covariates holds the root of the total weight where it would hold 1,
@@ -304,8 +303,7 @@ void TavoOptimizer::InvertInformation() {
   }
   if (fNParameters == 0) return;
   if (!fHessian.LTInverse()) {
-    fStatus = OrvStatus::Error(StatusCode::kTooManyParameters);
-    fStatus.SetInteger(0, fNParameters);
+    fStatus = OutOfMemory(fNParameters);
     return;
   }
   fWeight = fSums.weight;

@@ -12,9 +12,10 @@ namespace tavo {
 class OrvCancelInfo {
  public:
   OrvCancelInfo() = default;
-  /// `source` is lent and may be null: then only `Cancel` stops a run.
+  /// `source` is not owned and may be null: then only `Cancel` stops a run.
   explicit OrvCancelInfo(host::MCStopProcessor* source) : fpSource(source) {}
 
+  // Relaxed order is enough: the flag says that somebody wants to stop, and guards no other memory.
   bool IsCancelled() const {
     if (fbCancelled.load(std::memory_order_relaxed)) return true;
     if (fpSource == nullptr || !fpSource->IsStopRequested()) return false;

@@ -10,6 +10,8 @@ namespace {
 
 using CodeText = std::pair<std::uint32_t, std::string_view>;
 
+// For a developer's eyes, so most codes go without: what a user reads is made of the code and its parameters
+// where messages are sent.
 constexpr std::array<CodeText, 19> kTexts{{
     {StatusCode::kUserError, "User Error."},
     {StatusCode::kNoRecords, "No records found in the data source."},
@@ -18,7 +20,7 @@ constexpr std::array<CodeText, 19> kTexts{{
     {StatusCode::kShortRecord, "Record shorter than expected."},
     {StatusCode::kInconsistentDesignValue, "Inconsistent inclusion probabilities."},
     {StatusCode::kInvalidValue, "Record with invalid value found."},
-    {91007, "Record omitted due to missing values found."},  // reserved: no operation answers with it
+    {StatusCode::kRecordLeftOut, "Record omitted due to missing values found."},
     {StatusCode::kMissingInclusionProb, "Missing value given for an inclusion probability."},
     {StatusCode::kPopulationBelowSample, "Population size is less than the sample size."},
     {StatusCode::kUnequalWorNotFirst, "Analysis for UNEQUAL_WOR estimator is currently unavailable."},

@@ -58,6 +58,7 @@ inline constexpr std::uint32_t kNullRecordData = 91003;
 inline constexpr std::uint32_t kShortRecord = 91004;
 inline constexpr std::uint32_t kInconsistentDesignValue = 91005;  // integer 1: index of the constant variable
 inline constexpr std::uint32_t kInvalidValue = 91006;             // integer 1: column; real 1: the value
+inline constexpr std::uint32_t kRecordLeftOut = 91007;            // reserved: no operation answers with it
 inline constexpr std::uint32_t kMissingInclusionProb = 91008;     // integer 1: index of the constant variable
 inline constexpr std::uint32_t kPopulationBelowSample = 91009;    // integer 1: node index in the design tree
 inline constexpr std::uint32_t kClusterNotInJointFile = 91010;
@@ -102,10 +103,20 @@ inline constexpr std::uint32_t kOddsFactorOneLevel = 95041;  // integers: variab
 inline constexpr std::uint32_t kOddsReferenceNotInUse = 95042;
 inline constexpr std::uint32_t kOddsControlNotInUse = 95043;
 inline constexpr std::uint32_t kSRSVarianceZero = 95044;
-inline constexpr std::uint32_t kTooManyParameters = 95045;  // integers: count, limit (0: out of memory)
+inline constexpr std::uint32_t kTooManyParameters = 95045;  // integers: count, limit (0: see OutOfMemory)
 inline constexpr std::uint32_t kDesignCovarianceSingular = 95046;
 inline constexpr std::uint32_t kStartNotBeforeEnd = 95049;  // real 1: the start value
 }  // namespace StatusCode
+
+/// What every operation of the component answers that runs out of memory: kTooManyParameters without a limit
+/// (integer 1 stays 0), and the number of parameters of all logits in integer 0, 0 where it isn't known.
+///
+/// One answer for all, because one advice helps: what first outgrows a memory are the matrices over all pairs
+/// of parameters, so whoever meets it asks for fewer parameters. Memory that ends over the records says the
+/// same.
+constexpr OrvStatus OutOfMemory(int parameters) {
+  return OrvStatus::Error(StatusCode::kTooManyParameters).SetInteger(0, parameters);
+}
 
 /// The diagnostic text of a code, or "Error code not found.".
 std::string_view StatusCodeText(std::uint32_t code);

@@ -1,6 +1,7 @@
 #include "component/inference/effect_contrasts.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <utility>
 
@@ -17,8 +18,10 @@ using MCCommonMath::MCSymMatrix;
 namespace {
 
 constexpr double kTolerance = 1e-12;
+/// Rounding of a coefficient, in units of the machine precision: what a chain of sweeps leaves in practice.
 constexpr double kRoundingShare = 64;
-/// Columns are told apart to a relative 1e-6 of their length, the root of the usual tolerance of the sweeps.
+/// Columns are told apart to a relative 1e-6 of their length, the root of the usual tolerance of the sweeps:
+/// a coefficient below that says nothing, however badly conditioned the pivots are.
 constexpr double kCoarsest = 1e-6;
 
 /// Visits each (pivot, column left out) with the coefficient, by which it may change it.
@@ -42,6 +45,7 @@ void ForEachCoefficient(MCSymMatrix& matrix, const MCBitSet& pivots, Visitor vis
 
 EffectContrasts::EffectContrasts(const TavoModel& model, const OrvCancelInfo& cancel)
     : fModel(model), fCancel(cancel), fEffects(model.Settings().Effects()) {
+  // The intercept is an effect without predictors, which every effect of factors alone contains.
   if (model.HasIntercept()) {
     const OrvModelEffect first = fEffects.empty() ? OrvModelEffect() : fEffects.front();
     fEffects.insert(fEffects.begin(),
@@ -53,13 +57,10 @@ int EffectContrasts::ParameterCount() const {
   return fModel.BasicParameterCount();
 }
 
-OrvStatus EffectContrasts::OutOfMemory() const {
-  return OrvStatus::Error(StatusCode::kTooManyParameters).SetInteger(0, fModel.ParameterCount());
-}
-
 /// Why a sequence of sweeps ended early.
 OrvStatus EffectContrasts::Unfinished() const {
-  return fCancel.IsCancelled() ? OrvStatus::Error(StatusCode::kCancelled) : OutOfMemory();
+  return fCancel.IsCancelled() ? OrvStatus::Error(StatusCode::kCancelled)
+                               : OutOfMemory(fModel.ParameterCount());
 }
 
 OrvStatus EffectContrasts::Prepare(bool withEffects) {
@@ -67,6 +68,8 @@ OrvStatus EffectContrasts::Prepare(bool withEffects) {
       fModel.BasicBits().Size() != ParameterCount()) {
     return OrvStatus::Error(StatusCode::kUserError);
   }
+  // The model leaves X'WX as its own search for redundant columns swept it, in list order: what an effect
+  // needs differs from that by a few sweeps, so nothing is swept twice from the start.
   fTolerance = fModel.Settings().Tolerance();
   fDiagonal = fModel.XPrimeXDiagonal();
   for (int k = 0; k < ParameterCount(); ++k) {
@@ -77,7 +80,7 @@ OrvStatus EffectContrasts::Prepare(bool withEffects) {
   }
 
   fSwept = {*fModel.XPrimeX(), fModel.BasicBits()};
-  if (!fSwept.matrix.IsValidMatrix()) return OutOfMemory();
+  if (!fSwept.matrix.IsValidMatrix()) return OutOfMemory(fModel.ParameterCount());
   fRounding = RoundingOf(fSwept);
   Swept onDataScale = fSwept;
   MCBitSet taken(ParameterCount());
@@ -85,14 +88,15 @@ OrvStatus EffectContrasts::Prepare(bool withEffects) {
   if (!onDataScale.matrix.IsValidMatrix() || !BringToDataScale(onDataScale) ||
       !fBasis.SetNRowsCols(ParameterCount(), fSwept.pivots.InSet()) ||
       !onDataScale.matrix.ExtractH(0, ParameterCount() - 1, fSwept.pivots, fBasis, column, taken, -1)) {
-    return OutOfMemory();
+    return OutOfMemory(fModel.ParameterCount());
   }
   if (!withEffects) fSwept = Swept();
   return fCancel.IsCancelled() ? OrvStatus::Error(StatusCode::kCancelled) : OrvStatus();
 }
 
 /// How far off a coefficient on columns of unit length may be: rounding, times the largest variance inflation
-/// (Marquardt 1970) of the pivots. Columns that are nearly dependent leave fewer digits.
+/// (Marquardt 1970) of the pivots: a swept pivot holds minus the inverse's diagonal element. Columns that are
+/// nearly dependent leave fewer digits.
 double EffectContrasts::RoundingOf(const Swept& swept) const {
   double inflation = 1.0;
   for (int k = 0; k < ParameterCount(); ++k) {
@@ -160,7 +164,8 @@ std::vector<int> EffectContrasts::ContainingEffects(int effect) const {
   return containing;
 }
 
-/// Undoes the sweeps of an effect's columns.
+/// Undoes the sweeps of an effect's columns, the last one first: so the rounding of each is undone in the
+/// state in which it arose.
 bool EffectContrasts::SweepBackEffect(Swept& swept, int effect) const {
   int first = 0;
   int count = 0;
@@ -188,6 +193,8 @@ int EffectContrasts::SweepEffect(Swept& swept, int effect) const {
       ++done;
       continue;
     }
+    // What is left of a dependent column is rounding. Left as it is, a later sweep on a small pivot would
+    // blow it up into coefficients.
     if (!swept.matrix.ClearResidual(k, swept.pivots)) return -1;  // a matrix that is lost has no column k
   }
   return done;
@@ -222,17 +229,17 @@ bool EffectContrasts::SweepInOrder(Swept& swept, int effect, const std::vector<i
 
 OrvStatus EffectContrasts::BuildEffectContrast(int effect, Functions& functions) const {
   const std::vector<int> containing = ContainingEffects(effect);
-  Swept swept = fSwept;
-  if (!swept.matrix.IsValidMatrix()) return OutOfMemory();
+  Swept swept = fSwept;  // a copy, since each effect needs its own order
+  if (!swept.matrix.IsValidMatrix()) return OutOfMemory(fModel.ParameterCount());
   int own = 0;
   int above = 0;
   if (!SweepInOrder(swept, effect, containing, own, above)) return Unfinished();
   functions.parameters.Resize(ParameterCount(), false);
-  if (own < 1) return OrvStatus();
+  if (own < 1) return OrvStatus();  // all its columns depend on other effects: nothing to be tested
 
   if (!BringToDataScale(swept) || !functions.H.SetNRowsCols(ParameterCount(), own) ||
       !functions.G.SetNRowsCols(ParameterCount(), above)) {
-    return OutOfMemory();
+    return OutOfMemory(fModel.ParameterCount());
   }
   int first = 0;
   int count = 0;
@@ -253,6 +260,9 @@ OrvStatus EffectContrasts::BuildEffectContrast(int effect, Functions& functions)
 /// Rows of covariates in the units of their columns, relative to the effect's own. Those of the effect and of
 /// the effects that contain it, which have the same covariates, stay as they are.
 void EffectContrasts::ScaleToUnits(Functions& functions) const {
+  // A projection compares lengths, so an income in cents must not outweigh the level beside it. The
+  // hypothesis doesn't depend on the scale of the rows, and the effect's own stay in its units, as they are
+  // reported.
   int own = 0;
   while (!functions.parameters.IsIn(own))
     ++own;
@@ -306,16 +316,15 @@ bool EffectContrasts::ReduceEffectContrast(int effect, Functions& functions, MCR
 }
 
 OrvStatus EffectContrasts::Build(int effect, MCRectMatrix& L, std::vector<int>& columns) const {
+  assert(effect >= 0 && effect < static_cast<int>(fEffects.size()));
+  assert(fSwept.matrix.GetNRows() == ParameterCount());
   columns.clear();
   L.SetNRowsCols(0, ParameterCount());
-  if (effect < 0 || effect >= static_cast<int>(fEffects.size()) ||
-      fSwept.matrix.GetNRows() != ParameterCount()) {
-    return OrvStatus::Error(StatusCode::kUserError);
-  }
   Functions functions;
   const OrvStatus status = BuildEffectContrast(effect, functions);
   if (!status.IsOK() || functions.H.GetNCols() == 0) return status;
-  return ReduceEffectContrast(effect, functions, L, columns) ? OrvStatus() : OutOfMemory();
+  return ReduceEffectContrast(effect, functions, L, columns) ? OrvStatus()
+                                                             : OutOfMemory(fModel.ParameterCount());
 }
 
 }  // namespace tavo

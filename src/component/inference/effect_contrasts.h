@@ -17,32 +17,45 @@ class TavoModel;
 
 /// Contrasts of one logit with p design columns; the other logits have the same.
 ///
-/// With the columns S kept by a sequence of sweeps of X'WX, each column u left out is a combination of them,
-/// x_u = sum over s of C_su x_s, and the estimable functions of the parameters are spanned by b_s + sum over
-/// u of C_su b_u, one for each s in S (Goodnight 1979).
+/// With the columns S that a sequence of sweeps of X'WX finds independent, each column u left out is a
+/// combination of them, x_u = sum over s of C_su x_s, and the estimable functions of the parameters are
+/// spanned by b_s + sum over u of C_su b_u, one for each s in S (Goodnight 1979).
 ///
 /// The hypothesis of an effect E is that of type III (Goodnight 1976; Milliken and Johnson 1984, ch. 10): the
 /// estimable functions that have no coefficient on an effect that doesn't contain E, and that are orthogonal
 /// to those on the effects that contain E alone. It depends on the column space and on which cells have data,
 /// but not on the order of effects or levels, nor on which redundant column is left out, nor on how many
 /// cases a cell has. With all cells filled it compares unweighted marginal means.
+///
+/// An example: factors A and B of two levels each and their crossing, all four cells filled. The parameters
+/// are m; a1, a2; b1, b2; ab11, ab12, ab21, ab22, of which m, a1, b1, ab11 are not redundant. For the effect
+/// A:
+///
+/// 1. Sweep the effects that don't contain A: m, then b1 (b2 = m - b1 depends on them).
+/// 2. Sweep A: a1 comes in. Its column H holds 1 at a1, -1 at a2, 1 at ab12 and -1 at ab22, as x_a2 = x_m -
+///    x_a1, x_ab12 = x_a1 - x_ab11 and x_ab22 = x_m - x_b1 - x_a1 + x_ab11. This is a1 - a2 at level 2 of B:
+///    estimable, but it singles out the level whose columns happen to be redundant.
+/// 3. Sweep what contains A: ab11 comes in. Its column G holds 1, -1, -1, 1 at ab11 to ab22.
+/// 4. Project H on what is orthogonal to G: H'G = -2 and G'G = 4, so H + G/2 is left,
+///    a1 - a2 + (ab11 + ab12)/2 - (ab21 + ab22)/2: the difference of the two marginal means of A.
 class EffectContrasts {
  public:
-  /// Model and cancel object are lent.
+  /// Model and cancel object are not owned.
   EffectContrasts(const TavoModel& model, const OrvCancelInfo& cancel);
 
   /// Takes what is needed from the model's X'WX, which can go afterwards; without `withEffects` the basis
-  /// alone. 91000 without X'WX, 95045, 1.
+  /// alone. kUserError without X'WX, kTooManyParameters when memory runs out, kCancelled.
   OrvStatus Prepare(bool withEffects);
-  /// The basis of the estimable functions, p rows and one column per kept parameter, in the units of the
-  /// data.
+  /// The basis of the estimable functions, p rows and one column per non-redundant parameter of a logit, in
+  /// the units of the data.
   const MCCommonMath::MCRectMatrix& Basis() const { return fBasis; }
   /// The relative error that coefficients of the basis may have: 1e-12, or more when columns are nearly
   /// dependent.
   double Rounding() const { return fRounding; }
-  /// The contrasts of an effect of Effects(): L gets p columns and one row per degree of freedom, none when
-  /// the effect can't be told from others; `columns` the number (from 1) of the parameter to which each row
-  /// belongs. 91000 an unknown effect, 95045, 1.
+  /// The contrasts of an effect of Effects(), by its position from 0; prepared with effects. L gets p columns
+  /// and one row per degree of freedom, none when the effect can't be told from others; `columns` the number
+  /// (from 1) of the parameter to which each row belongs. kTooManyParameters when memory runs out,
+  /// kCancelled.
   OrvStatus Build(int effect, MCCommonMath::MCRectMatrix& L, std::vector<int>& columns) const;
   /// The settings' effects, after an effect for the intercept when the model has one.
   const std::vector<OrvModelEffect>& Effects() const { return fEffects; }
@@ -73,7 +86,6 @@ class EffectContrasts {
   void ScaleToUnits(Functions& functions) const;
   bool ReduceEffectContrast(int effect, Functions& functions, MCCommonMath::MCRectMatrix& L,
                             std::vector<int>& columns) const;
-  OrvStatus OutOfMemory() const;
   OrvStatus Unfinished() const;
 
   const TavoModel& fModel;

@@ -1,3 +1,6 @@
+// Linearisation (Binder 1983): to first order the estimates differ from the population's by G times the score
+// totals, G being the inverse information, so their covariance is that of a total, which the design knows how
+// to estimate, between two G.
 #include "component/inference/inference.h"
 
 #include <cmath>
@@ -18,6 +21,7 @@ using MCCommonMath::MCSymMatrix;
 
 namespace {
 
+/// Relative to a unit diagonal: what is below it in M is rounding.
 constexpr double kDependenceTolerance = 1e-12;
 
 /// The packed covariance of the score totals, or null when the design has none.
@@ -26,6 +30,7 @@ const std::vector<double>* CentralMatrix(const SampleDesign& design) {
   return root == nullptr || root->Covariances() == nullptr ? nullptr : root->Covariances()->Block(0);
 }
 
+/// The variance over that of a simple random sample of as many cases (Kish 1965).
 double DesignEffect(const MCSymMatrix* srs, int parameter, double variance) {
   if (srs == nullptr) return MCMV::gMissingValue;
   const double reference = srs->GetElem(parameter, parameter);
@@ -41,19 +46,19 @@ void SetStatisticsMissing(OrvParamStats& row) {
 
 TavoInference::TavoInference(const TavoCompSettings& settings, const TavoModel& model,
                              const SampleDesign& design, const OrvCancelInfo& cancel)
-    : fSettings(settings), fModel(model), fCancel(cancel), fNDegFreedom(settings.DegreesOfFreedom()) {
-  if (!(fNDegFreedom > 0.0)) fNDegFreedom = design.UnitCount(0) - design.StrataCount(0);
+    : fSettings(settings),
+      fModel(model),
+      fCancel(cancel),
+      fNDegFreedom(settings.DegreesOfFreedom(design.UnitCount(0), design.StrataCount(0))) {
   fTPercentile = MCDistFun::IdfT(0.5 * settings.Confidence() + 0.5, fNDegFreedom);
 }
 
 TavoInference::~TavoInference() = default;
 
-OrvStatus TavoInference::OutOfMemory() const {
-  return OrvStatus::Error(StatusCode::kTooManyParameters).SetInteger(0, fModel.ParameterCount());
-}
-
 /// G M G on the scale of the data, with one block per logit. Null when memory ran out.
 TavoInference::SymMatrixPtr TavoInference::ComputeSandwich(const std::vector<double>& central) const {
+  // The scores were summed on the scale of the fit; the back-transformation comes last, because the products
+  // keep more digits where columns are centred and of one size.
   auto result = std::make_unique<MCSymMatrix>();
   const bool isDone = fModel.HessianGI()->ComputeGMG(central, *result) &&
                       result->TransformParameterMatrix(fModel.Centres(), fModel.Scales(),
@@ -68,7 +73,7 @@ OrvStatus TavoInference::ComputePECovar(const SampleDesign& design) {
   if (central == nullptr || fModel.HessianGI() == nullptr) return OrvStatus::Error(StatusCode::kUserError);
 
   fpPECovar = ComputeSandwich(*central);
-  if (!fpPECovar) return OutOfMemory();
+  if (!fpPECovar) return OutOfMemory(fModel.ParameterCount());
   const OrvStatus status = CheckCovariance(*central);
   const bool areAllZero =
       status.Code() == StatusCode::kVarianceZero || status.Code() == StatusCode::kVarianceZeroSomeNegative;
@@ -78,46 +83,53 @@ OrvStatus TavoInference::ComputePECovar(const SampleDesign& design) {
 }
 
 OrvStatus TavoInference::CheckCovariance(const std::vector<double>& central) {
-  const MCBitSet& kept = fModel.AllBits();
+  const MCBitSet& nonRedundant = fModel.AllBits();
   bool allZero = false;
   int rankFlag = 0;
-  if (!fModel.HessianGI()->CheckGMG(central, kept, *fpPECovar, fBadVariances, allZero, rankFlag,
+  if (!fModel.HessianGI()->CheckGMG(central, nonRedundant, *fpPECovar, fBadVariances, allZero, rankFlag,
                                     fModel.InterceptCount())) {
     fpPECovar.reset();
-    return OutOfMemory();
+    return OutOfMemory(fModel.ParameterCount());
   }
 
+  // One warning, the one that says most: without any variance nothing can be tested; a negative one makes its
+  // own parameter useless; a singular covariance spoils joint tests alone.
   const int negative = fBadVariances.InSet();
   if (allZero && negative < 1) return OrvStatus::Warning(StatusCode::kVarianceZero);
   if (allZero) return OrvStatus::Warning(StatusCode::kVarianceZeroSomeNegative).SetInteger(0, negative);
   if (negative > 0) return OrvStatus::Warning(StatusCode::kNegativeVariance).SetInteger(0, negative);
 
+  // With fewer units minus strata than parameters M can't have full rank, however regular V looks after
+  // rounding: so the rank of M decides where V itself doesn't show it.
   bool isSingular = rankFlag > 0;
   if (rankFlag == 0) {
     MCSymMatrix work;
-    isSingular = work.CheckMDependent(fModel.ParameterCount(), central, kept, kDependenceTolerance) > 0;
+    isSingular =
+        work.CheckMDependent(fModel.ParameterCount(), central, nonRedundant, kDependenceTolerance) > 0;
   }
   return isSingular ? OrvStatus::Warning(StatusCode::kDesignCovarianceSingular) : OrvStatus();
 }
 
 OrvStatus TavoInference::ComputePECovarSRS(bool useDesignAsSRS) {
   if (!fModel.IsBuilt()) return OrvStatus::Error(StatusCode::kModelNotBuilt);
-  if (useDesignAsSRS) {
+  if (useDesignAsSRS) {  // every design effect is then exactly 1, which two computations would miss by
+                         // rounding
     if (fpPECovar) fpPECovarSRS = std::make_unique<MCSymMatrix>(*fpPECovar);
-    return fpPECovarSRS && !fpPECovarSRS->IsValidMatrix() ? OutOfMemory() : OrvStatus();
+    return fpPECovarSRS && !fpPECovarSRS->IsValidMatrix() ? OutOfMemory(fModel.ParameterCount())
+                                                          : OrvStatus();
   }
   if (fModel.SRSCentre() == nullptr || fModel.HessianGI() == nullptr) return OrvStatus();
 
   const std::vector<double>& central = fModel.SRSCentre()->AsVectorConst();
   fpPECovarSRS = ComputeSandwich(central);
-  if (!fpPECovarSRS) return OutOfMemory();
+  if (!fpPECovarSRS) return OutOfMemory(fModel.ParameterCount());
   MCBitSet negative;
   bool allZero = false;
   int rankFlag = 0;
   if (!fModel.HessianGI()->CheckGMG(central, fModel.AllBits(), *fpPECovarSRS, negative, allZero, rankFlag,
                                     fModel.InterceptCount())) {
     fpPECovarSRS.reset();
-    return OutOfMemory();
+    return OutOfMemory(fModel.ParameterCount());
   }
   return allZero ? OrvStatus::Warning(StatusCode::kSRSVarianceZero) : OrvStatus();
 }
@@ -133,7 +145,7 @@ OrvStatus TavoInference::ComputeParamStats(std::vector<OrvParamStats>& rows) con
       SetStatisticsMissing(row);
       continue;
     }
-    const double variance = fpPECovar->GetElem(i, i);
+    const double variance = fpPECovar->GetElem(i, i);  // negative ones are 0 and marked, so the root exists
     row.standardError = std::sqrt(variance);
     row.negativeVariance = fBadVariances.IsIn(i);
     FillTest(row);
@@ -153,6 +165,7 @@ void TavoInference::FillTest(OrvParamStats& row) const {
   row.t = row.significance = MCMV::gMissingValue;
   if (!(row.standardError > 0.0)) return;
   row.t = row.estimate / row.standardError;
+  // The lower tail of -|t| keeps its digits where 1 minus the tail of |t| has none left.
   const double tail = MCDistFun::CdfT(-std::abs(row.t), fNDegFreedom);
   if (!IsMissing(tail)) row.significance = 2.0 * tail;
 }

@@ -34,48 +34,52 @@ class TavoInference {
   static constexpr int kWholeModel = -2;
   static constexpr int kIntercept = -1;
 
-  /// Settings, model and cancel object are lent; the design is read here and in ComputePECovar only. Degrees
-  /// of freedom: the settings' when above 0, otherwise first-stage units minus strata.
+  /// Settings, model and cancel object are not owned; the design is read here and in ComputePECovar only. The
+  /// degrees of freedom are those of TavoCompSettings::DegreesOfFreedom.
   TavoInference(const TavoCompSettings& settings, const TavoModel& model, const SampleDesign& design,
                 const OrvCancelInfo& cancel);
   ~TavoInference();
 
-  /// Errors: 95006 before the model is built, 91000 without a design covariance or information matrix, 95045
-  /// out of memory, 1 cancelled. Warnings: 95023 and 95026 no variance above 0 (95026 with the count of
-  /// negative ones), 95025 some negative (count), 95046 singular. With a warning there is a covariance all
-  /// the same; rows and columns of variances that aren't above 0 are 0 in it.
+  /// Errors: kModelNotBuilt, kUserError without a design covariance or information matrix, kTooManyParameters
+  /// when memory runs out, kCancelled. Warnings: kVarianceZero and kVarianceZeroSomeNegative no variance
+  /// above 0 (the second with the count of negative ones), kNegativeVariance some negative (count),
+  /// kDesignCovarianceSingular. With a warning there is a covariance all the same; rows and columns of
+  /// variances that aren't above 0 are 0 in it.
   OrvStatus ComputePECovar(const SampleDesign& design);
   /// The covariance under simple random sampling. `useDesignAsSRS`: the design itself is one, so its
-  /// covariance is taken. None without the model's SRS centre. 95006, 95045, warning 95044 when no variance
-  /// is above 0.
+  /// covariance is taken. None without the model's SRS centre. kModelNotBuilt, kTooManyParameters when memory
+  /// runs out, warning kSRSVarianceZero when no variance is above 0.
   OrvStatus ComputePECovarSRS(bool useDesignAsSRS);
   /// Completes the records (one per parameter, in order; estimate and redundancy are set): standard error,
-  /// confidence bounds, t test against 0, design effect. 91000 without a covariance of the right size.
+  /// confidence bounds, t test against 0, and the design effect, the variance over that of a simple random
+  /// sample of the same size (Kish 1965). kUserError without a covariance, or without one row per parameter.
   OrvStatus ComputeParamStats(std::vector<OrvParamStats>& rows) const;
 
   /// Takes from the model's X'WX what the contrasts need: the basis of the estimable functions and, when
-  /// `withEffects`, the cross-products behind the hypotheses of effects. 91000 without a covariance or X'WX,
-  /// 95045.
+  /// `withEffects`, the cross-products behind the hypotheses of effects. kUserError without a covariance or
+  /// X'WX, kTooManyParameters when memory runs out, kCancelled.
   OrvStatus PrepareTests(bool withEffects);
 
   // ---- tests ----
   //
   // L gets one column per parameter of all logits and one row per contrast, logit after logit; it has no rows
-  // when the result is no success. Errors of all: 91000 before PrepareTests, 95016 when nothing is estimable,
-  // 1 cancelled. A warning that all variances are 0 (95023, 95026) stops every test and is returned.
+  // when the result is no success. Errors of all: kUserError before PrepareTests, kNoColumns when nothing is
+  // estimable, kTooManyParameters when memory runs out, kCancelled. A warning that all variances are 0
+  // (kVarianceZero, kVarianceZeroSomeNegative) stops every test and is returned.
 
   /// An effect of the settings' list, kIntercept or kWholeModel: the type III hypothesis, with the settings'
   /// test type and adjustment. `columns` gets, for each row of one logit, the number (from 1) of the
-  /// parameter to which the row belongs. 95010 no such effect, 95017 the effect has no testable row, 95008.
+  /// parameter to which the row belongs. kInvalidEffect, kNothingEstimable when the effect has no testable
+  /// row, kNoDesignCovariance for an adjusted test without SRS covariance. Prepared with effects.
   OrvStatus TestEffect(int effect, MCCommonMath::MCRectMatrix& L, std::vector<int>& columns,
                        OrvTestStats& overall) const;
-  /// The basis of the estimable functions of one logit: L has one row per kept parameter and the columns of
-  /// one logit, `columns` the numbers (from 1) of the kept parameters.
+  /// The basis of the estimable functions of one logit: L has one row per non-redundant parameter and the
+  /// columns of one logit, `columns` the numbers (from 1) of these parameters.
   OrvStatus GeneralEstimableFunction(MCCommonMath::MCRectMatrix& L, std::vector<int>& columns) const;
   /// A custom hypothesis; without rows, that of the intercept. Rows other than kAll are tested in each logit:
   /// all rows of logit 1, then all of logit 2 and so on, K likewise. `rows` gets one record per row of L.
-  /// Errors: those of TavoModel::BuildHypothesisMatrix, 95018 a row is not estimable, 95024 no rows and
-  /// not one K value, 95008.
+  /// Errors: those of TavoModel::BuildHypothesisMatrix, kNotEstimable for any row, kMoreThanOneRow when K has
+  /// not one value per row (without rows, not one), kNoDesignCovariance.
   OrvStatus TestCustom(const OrvCustomTest& test, TestType type, PAdjustMethod method,
                        MCCommonMath::MCRectMatrix& L, std::vector<OrvTestStats>& rows,
                        OrvTestStats& overall) const;
@@ -96,7 +100,6 @@ class TavoInference {
 
   SymMatrixPtr ComputeSandwich(const std::vector<double>& central) const;
   OrvStatus CheckCovariance(const std::vector<double>& central);
-  OrvStatus OutOfMemory() const;
   void FillTest(OrvParamStats& row) const;
   OrvStatus EffectTestStatus(int effect) const;
   OrvStatus EffectContrast(int effect, MCCommonMath::MCRectMatrix& L, std::vector<int>& columns) const;

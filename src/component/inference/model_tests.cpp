@@ -1,6 +1,7 @@
 #include "component/inference/model_tests.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <cstddef>
 #include <limits>
@@ -22,10 +23,12 @@ using MCCommonMath::MCSymMatrix;
 
 namespace {
 
+/// Of a row's variance, 1 after scaling, that rows before it must leave for the row to count.
 constexpr double kTolerance = 1e-12;
 constexpr double kLargest = std::numeric_limits<double>::max();
 
-/// 1 - (1 - p)^m, without cancellation for small p. With m = 2 it is the square written out.
+/// 1 - (1 - p)^m (Sidak 1967), without cancellation for small p: from p = 1e-17 on, 1 - p is 1. With m = 2 it
+/// is the square written out.
 double Sidak(double p, int m) {
   if (m == 1) return p;
   if (m == 2) return p * (2.0 - p);
@@ -44,12 +47,13 @@ void Minimise(double& smallest, double value) {
   if (!IsMissing(value)) smallest = std::min(smallest, value);
 }
 
-/// Nothing was met when the running minimum hasn't moved.
+/// Nothing was met when the running minimum hasn't moved: a significance is at most 1.
 double MinimumOrMissing(double smallest) {
   return smallest < kLargest ? smallest : MCMV::gMissingValue;
 }
 
-/// By row, the column of its first element that isn't 0, or the number of columns.
+/// By row, the column of its first element that isn't 0, or the number of columns. Rows that start elsewhere
+/// can't be multiples, which spares comparing all pairs of the many contrasts of a large crossing.
 std::vector<int> FirstElements(const MCRectMatrix& L) {
   std::vector<int> first;
   for (int i = 0; i < L.GetNRows(); ++i) {
@@ -108,6 +112,9 @@ OrvStatus OrvModelTests::Check(const MCRectMatrix& L) const {
 /// The rows of L on a common scale, and L b - K on the same.
 MCRectMatrix OrvModelTests::ScaleRows(const MCRectMatrix& L, const std::vector<double>* K,
                                       std::vector<double>& difference) const {
+  // By the variance that the row would have with independent parameters, not by its own: that may be 0, and a
+  // row that is rounding would be blown up to the size of the others. A row that is 0 or overflows stays as
+  // it is.
   MCRectMatrix scaled(L);
   scaled.ComputeRV(fEstimates, difference);
   std::vector<double> variances;
@@ -128,6 +135,8 @@ MCRectMatrix OrvModelTests::ScaleRows(const MCRectMatrix& L, const std::vector<d
 }
 
 int OrvModelTests::InvertContrastCovariance(const MCSymMatrix& A, MCSymMatrix& inverse, MCBitSet& used) {
+  // A single row is tested against its own diagonal, so it counts however small its variance is. Among
+  // several, a row without variance is compared with 1 and drops out.
   std::vector<double> diagonal;
   if (A.GetNRows() >= 2) {
     A.GetNCheckDiagonal(diagonal, kTolerance, 1.0);
@@ -175,6 +184,8 @@ double OrvModelTests::ComputeAdjChiSquare(const MCRectMatrix& L, const std::vect
 // ---- the overall test ----
 
 void OrvModelTests::FillWald(double chiSquare, int rank, OrvTestStats& overall) const {
+  // The rank and not the number of rows: a row that depends on others says nothing new. With d below r there
+  // are too few clusters for a joint test, and only its first degrees of freedom can be told.
   const double r = rank;
   const double d = fNDegFreedom;
   if (rank >= 0) overall.df1 = r;
@@ -272,6 +283,8 @@ double OrvModelTests::Adjusted(double significance, int contrastCount) const {
 
 bool OrvModelTests::TestRow(const MCRectMatrix& L, int row, double hypothesized, int contrastCount,
                             OrvTestStats& stats) const {
+  // A single row needs no adjustment for the design beyond its variance: the adjusted types test it as the
+  // plain ones do.
   std::vector<double> contrast;
   L.GetRow(row, contrast);
   const int columns = L.GetNCols();
@@ -306,6 +319,8 @@ OrvStatus OrvModelTests::TestHypothesis(const MCRectMatrix& L, OrvTestStats& ove
 
   std::vector<int> marks;
   overall.contrastCount = FindDistinctRows(L, nullptr, marks);
+  // In a sequence the smallest significance takes the first step, on all rows: no later step can be below it,
+  // so the rest of the sequence needn't be gone through.
   double smallest = kLargest;
   double smallestAdjusted = kLargest;
   for (std::size_t i = 0; i < marks.size(); ++i) {
@@ -328,7 +343,7 @@ OrvStatus OrvModelTests::TestCustomHypothesis(const MCRectMatrix& L, const std::
   const OrvStatus status = Check(L);
   if (!status.IsOK()) return status;
   const int n = L.GetNRows();
-  if (K.size() != static_cast<std::size_t>(n)) return OrvStatus::Error(StatusCode::kMoreThanOneRow);
+  assert(K.size() == static_cast<std::size_t>(n));
   MCBitSet used;
   TestOverall(L, &K, used, overall);
 
@@ -349,8 +364,9 @@ OrvStatus OrvModelTests::TestCustomHypothesis(const MCRectMatrix& L, const std::
   return status;
 }
 
-/// Step-down from the smallest significance (Holm 1979): each distinct row takes a step, a multiple follows
-/// the row that it repeats.
+/// Step-down from the smallest significance (Holm 1979; Holland and Copenhaver 1987): each distinct row takes
+/// a step, a multiple follows the row that it repeats. The running maximum keeps the order of the
+/// significances: a later row has fewer to be adjusted for, and could otherwise fall below the one before.
 void OrvModelTests::AdjustInSequence(const std::vector<int>& marks, int contrastCount,
                                      std::vector<OrvTestStats>& rows) const {
   std::vector<std::size_t> order;

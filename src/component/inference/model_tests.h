@@ -13,31 +13,40 @@
 namespace tavo {
 
 /// Tests of L b = K for estimates b with a design-based covariance V and d design degrees of freedom. Knows
-/// nothing of effects, variables or categories. L has one column per parameter of all logits. Everything is
-/// lent and only read; a result lives in the caller's records.
+/// nothing of effects, variables or categories. L has one column per parameter of all logits. Nothing is
+/// owned and everything only read; a result lives in the caller's records.
 ///
-/// The plain tests are Wald tests (Korn and Graubard 1990 for the F form). The adjusted ones refer the
-/// statistic under simple random sampling to its distribution under the design, with the second-order
-/// correction of its degrees of freedom (Satterthwaite 1946; Rao and Scott 1984; Thomas and Rao 1987).
+/// With X the Wald chi-square, r its rank and d the design degrees of freedom, the plain tests are X itself
+/// on r degrees of freedom, and its F form (d - r + 1) / (r d) X on r and d - r + 1 (Korn and Graubard 1990):
+/// V is estimated from d independent pieces, so X is distributed as Hotelling's T squared rather than as a
+/// chi-square, and the more so the fewer clusters there are.
+///
+/// The adjusted tests need no inverse of the contrasts' design covariance, which few clusters make unstable:
+/// they refer the chi-square under simple random sampling to its distribution under the design, with the
+/// second-order correction of its degrees of freedom (Satterthwaite 1946; Rao and Scott 1984; Thomas and Rao
+/// 1987 for the F form).
+///
+/// Several rows are adjusted for by Bonferroni's inequality, by that of Sidak (1967), or in sequence from the
+/// smallest significance on (Holm 1979; Holland and Copenhaver 1987 for Sidak's).
 ///
 /// The scale of a row never matters: before its covariance is formed each row of L, with its K, is divided by
 /// the square root of the sum over j of L_ij^2 V_jj, so that the fixed limit 1e-12 of the rank compares like
 /// with like. Estimates and standard errors of rows are those of L as given.
 class OrvModelTests {
  public:
-  /// `covarianceSRS` may be null; the adjusted tests need it. All arguments are lent.
+  /// `covarianceSRS` may be null; the adjusted tests need it. None of the arguments is owned.
   OrvModelTests(const std::vector<double>& estimates, const MCCommonMath::MCSymMatrix& covariance,
                 const MCCommonMath::MCSymMatrix* covarianceSRS, double degreesOfFreedom);
 
   void SetTestType(TestType type) { fTestType = type; }
   void SetPAdjustMethod(PAdjustMethod method) { fAdjustment = method; }
 
-  /// L b = 0: the overall test, with the smallest adjusted significance of its distinct rows. 95008 an
-  /// adjusted test without SRS covariance (integer 0: test type), 95009 L has not one column per parameter
-  /// (integers: columns, parameters).
+  /// L b = 0: the overall test, with the smallest adjusted significance of its distinct rows.
+  /// kNoDesignCovariance for an adjusted test without SRS covariance (integer 0: test type),
+  /// kWrongLMatrixWidth when L has not one column per parameter (integers: columns, parameters).
   OrvStatus TestHypothesis(const MCCommonMath::MCRectMatrix& L, OrvTestStats& overall) const;
-  /// L b = K, with a test of every row; `rows` gets one record per row of L. Further error: 95024 K has not
-  /// one value per row.
+  /// L b = K, K with one value per row, and a test of every row; `rows` gets one record per row of L. Errors
+  /// as above.
   OrvStatus TestCustomHypothesis(const MCCommonMath::MCRectMatrix& L, const std::vector<double>& K,
                                  std::vector<OrvTestStats>& rows, OrvTestStats& overall) const;
 
@@ -45,8 +54,10 @@ class OrvModelTests {
   /// the `rank` rows that the inverse kept: the first independent ones.
   double ComputeChiSquare(const MCCommonMath::MCRectMatrix& L, const std::vector<double>* K, int& rank,
                           MCCommonMath::MCBitSet& used) const;
-  /// The same with the SRS covariance, scaled by its expectation under the design over `df`. Missing, as `df`
-  /// may be, when the design effects say nothing.
+  /// The same with the SRS covariance. With D = (L V_srs L')^- (L V L') the matrix of design effects of the
+  /// contrasts (Rao and Scott 1984), it is divided by tr(D) / df, where df = tr(D)^2 / tr(D D) (Satterthwaite
+  /// 1946): mean and variance then fit a chi-square on `df`. Missing, as `df` may be, when the design effects
+  /// say nothing.
   double ComputeAdjChiSquare(const MCCommonMath::MCRectMatrix& L, const std::vector<double>* K, double& df,
                              MCCommonMath::MCBitSet& used) const;
   /// The inverse of a contrast covariance on the rows that don't depend on earlier ones; returns their

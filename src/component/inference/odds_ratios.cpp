@@ -1,6 +1,7 @@
 #include "component/inference/odds_ratios.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
 #include "component/inference/inference.h"
@@ -14,10 +15,14 @@ using MCCommonMath::IsMissing;
 using MCCommonMath::MCMV;
 using MCCommonMath::MCPower;
 
+// A ratio near separation may pass the largest double; an infinity would print as a number that it isn't. One
+// that underflows to 0 is as right as a small number can be.
 double ExpOrMissing(double exponent) {
   return exponent > MCPower::gMachineMaxExp ? MCMV::gMissingValue : std::exp(exponent);
 }
 
+// The control of a factor as the request of a level: a code, 0 for the highest in use, negative for the
+// lowest.
 int RequestOf(double control) {
   return control >= 0 ? static_cast<int>(std::lround(control)) : OrvOddsRatioSpec::kLowest;
 }
@@ -32,6 +37,7 @@ TavoOddsRatioEstimator::TavoOddsRatioEstimator(const TavoModel& model, const Orv
   fLayout.Set(settings.Dependent(), settings.Factors(), settings.Covariates(), settings.WeightVar());
   for (const OrvOddsRatioSpec::Control& control : request.Controls())
     fControls[control.variable] = control.value;
+  // The response of the rows is never read. The weight is there because the layout has a place for it.
   fBase.assign(static_cast<std::size_t>(fLayout.Size()), 0.0);
   fBase[static_cast<std::size_t>(fLayout.WeightOffset())] = 1.0;
   HoldFactors();
@@ -40,6 +46,8 @@ TavoOddsRatioEstimator::TavoOddsRatioEstimator(const TavoModel& model, const Orv
   fChanged = fBase;
 }
 
+// Without a control a factor is held at its highest category in use, in most models the one whose columns are
+// redundant: a ratio in a crossing then reads off a coefficient of the table of estimates.
 void TavoOddsRatioEstimator::HoldFactors() {
   const std::vector<int>& factors = fModel.Settings().Factors();
   std::vector<int> levels;
@@ -54,8 +62,11 @@ void TavoOddsRatioEstimator::HoldFactors() {
   }
 }
 
+// A missing control stands for the mean, as does none. A mean is missing when no weight lies in the
+// subpopulation.
 void TavoOddsRatioEstimator::HoldCovariates(const std::vector<double>& means) {
   const std::vector<int>& covariates = fModel.Settings().Covariates();
+  assert(means.size() == covariates.size());
   for (std::size_t i = 0; i < covariates.size(); ++i) {
     const auto control = fControls.find(covariates[i]);
     const bool isControlled = control != fControls.end() && !IsMissing(control->second);
@@ -78,7 +89,9 @@ OrvStatus TavoOddsRatioEstimator::Estimate() {
 
 std::size_t TavoOddsRatioEstimator::PositionOf(int column) const {
   const std::vector<int>& columns = fLayout.Columns();
-  return static_cast<std::size_t>(std::find(columns.begin(), columns.end(), column) - columns.begin());
+  const auto found = std::find(columns.begin(), columns.end(), column);
+  assert(found != columns.end());  // requests name predictors of the settings
+  return static_cast<std::size_t>(found - columns.begin());
 }
 
 void TavoOddsRatioEstimator::FactorOddsRatios(const OrvOddsRatioSpec::Factor& wanted, int logit) {
@@ -88,8 +101,8 @@ void TavoOddsRatioEstimator::FactorOddsRatios(const OrvOddsRatioSpec::Factor& wa
   std::vector<double> counts;
   const OrvStatus status = fModel.FactorLevels(factor, wanted.reference, false, levels, counts);
   Warn(status);
-  if (status.Code() == StatusCode::kOddsFactorOneLevel) return;
-  const int reference = levels.back();
+  if (status.Code() == StatusCode::kOddsFactorOneLevel) return;  // nothing to compare; other factors go on
+  const int reference = levels.back();  // the list ends with it, whether requested or fallen back on
   levels.pop_back();
   for (const int level : levels) {
     fFixed[position] = reference;
@@ -123,6 +136,8 @@ void TavoOddsRatioEstimator::CovariateOddsRatios(std::size_t covariate, int logi
 }
 
 void TavoOddsRatioEstimator::ComputeOneRatio(TavoOddsRatioStats stats, int logit) {
+  // Rows on the scale of the data, as the estimates and their covariance are. What the two rows share, the
+  // intercept first of all, drops out of the difference before it can cost digits.
   fModel.FillDesignRow(fFixedRow, fFixed.data(), false);
   fModel.FillDesignRow(fChangedRow, fChanged.data(), false);
   fDifference.resize(fFixedRow.size());
@@ -138,6 +153,7 @@ void TavoOddsRatioEstimator::ComputeOneRatio(TavoOddsRatioStats stats, int logit
   const MCCommonMath::MCSymMatrix* covariance = fInference.PECovar();
   const double variance =
       covariance == nullptr ? MCMV::gMissingValue : covariance->ComputeBlockVSV(logit, logit, fDifference);
+  // A variance that isn't above 0, as pairs of units can make it, leaves limits that are the ratio itself.
   const double percentile = fInference.TPercentile();
   if (!IsMissing(variance) && !IsMissing(percentile)) {
     const double margin = percentile * (variance > 0 ? std::sqrt(variance) : 0.0);
@@ -147,6 +163,7 @@ void TavoOddsRatioEstimator::ComputeOneRatio(TavoOddsRatioStats stats, int logit
   fResults.push_back(stats);
 }
 
+// Each logit meets the same faults of the request; one warning tells of them.
 void TavoOddsRatioEstimator::Warn(const OrvStatus& status) {
   if (status.IsOK() || std::find(fWarnings.begin(), fWarnings.end(), status) != fWarnings.end()) return;
   fWarnings.push_back(status);

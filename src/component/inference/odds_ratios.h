@@ -1,4 +1,14 @@
 // Odds ratios between two points of the predictors.
+//
+// In logit m the log odds of a row x are x'b_m, so those of a changed row differ from those of the row held
+// fixed by the contrast c = x_changed - x_fixed: the log odds ratio is c'b_m, with variance c' V_mm c. It is
+// nearly normal where the ratio itself is skewed and bounded by 0, so the limits are formed on the log scale,
+// c'b -+ t se, and exponentiated (Hosmer, Lemeshow and Sturdivant 2013, ch. 3). t is the quantile on the
+// design degrees of freedom.
+//
+// An example: in a model with age, sex and their crossing, the odds ratio of a year of age is exp(b_age) for
+// the reference sex and exp(b_age + b_crossing) for the other one. The difference of the design rows holds
+// both coefficients, because age occurs in both columns: what sex is held at decides.
 #pragma once
 
 #include <map>
@@ -27,8 +37,8 @@ struct TavoOddsRatioStats {
 };
 
 /// Made for one request and run once. The ratios come from the difference of two whole design rows, so
-/// interactions and nesting need no special cases: exp(x'b) for each logit, with limits formed on the log
-/// scale, each exponentiated for itself. A number that overflows is missing while the others stand.
+/// interactions and nesting need no special cases. Each limit is exponentiated for itself: a number that
+/// overflows is missing while the others stand.
 class TavoOddsRatioEstimator {
  public:
   struct FixedPair {
@@ -36,17 +46,18 @@ class TavoOddsRatioEstimator {
     double value;  // a factor's code, a covariate's value
   };
 
-  /// Everything is lent; the request is over record columns. `means` are the covariate means in settings'
-  /// order.
+  /// Nothing is owned; the request is over record columns of predictors of the model's settings. `means` are
+  /// the covariate means in settings' order.
   TavoOddsRatioEstimator(const TavoModel& model, const OrvOddsRatioSpec& request,
                          const std::vector<double>& means, const TavoInference& inference);
 
-  /// Results logit by logit, in the order of the request. Error 95041 when no factor gave a ratio.
+  /// Results logit by logit, in the order of the request. Error kOddsFactorOneLevel when no factor gave a
+  /// ratio.
   OrvStatus Estimate();
   const std::vector<TavoOddsRatioStats>& Results() const { return fResults; }
   /// The values at which the predictors are held.
   const std::vector<FixedPair>& FixedPairs() const { return fFixedPairs; }
-  /// 95041, 95042, 95043; each once.
+  /// kOddsFactorOneLevel, kOddsReferenceNotInUse, kOddsControlNotInUse; each once.
   const std::vector<OrvStatus>& Warnings() const { return fWarnings; }
 
  private:
@@ -63,7 +74,9 @@ class TavoOddsRatioEstimator {
   const TavoInference& fInference;
   OrvRecordExtractor fLayout;
   std::map<int, double> fControls;  // by record column
-  std::vector<double> fBase;        // data rows in the layout of the extractor
+  // Data rows in the layout of the extractor. Both rows of a ratio are the base row between two requests:
+  // each request changes the cell of its own predictor and puts the base value back.
+  std::vector<double> fBase;
   std::vector<double> fFixed;
   std::vector<double> fChanged;
   std::vector<double> fFixedRow;  // design rows

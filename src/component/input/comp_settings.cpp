@@ -1,3 +1,5 @@
+// Every setter guards one rule: a record column has one role. What only shows when all has been said, such as
+// a stage that is missing, is found by the checks at the end.
 #include "component/input/comp_settings.h"
 
 #include <algorithm>
@@ -41,6 +43,8 @@ OrvStatus CheckInclusion(const DesignStage& stage) {
   }
 }
 
+/// Clusters are what a next stage is drawn from, so only the last stage may sample records. With replacement
+/// nothing else need be known of a stage.
 OrvStatus CheckStage(const DesignStage& stage, bool isFirst, bool isLast) {
   if (!isLast && stage.clusters.empty()) return StageError(StatusCode::kStageWithoutClusters, stage);
   switch (stage.estimator) {
@@ -85,6 +89,7 @@ void OrvPlanCompSettings::SetRole(int column, VariableRole role) {
   fVariableType[index] = role;
 }
 
+// Stages may be described in any order and with gaps; CheckPlan finds the gaps when all has been said.
 DesignStage& OrvPlanCompSettings::FindOrCreateStage(int stageNumber) {
   const auto notBelow = std::find_if(fStages.begin(), fStages.end(), [stageNumber](const DesignStage& stage) {
     return stage.stageNumber >= stageNumber;
@@ -95,6 +100,7 @@ DesignStage& OrvPlanCompSettings::FindOrCreateStage(int stageNumber) {
   return *fStages.insert(notBelow, stage);
 }
 
+// From the stages anew each time: a value that replaces a variable of its stage takes that column out.
 void OrvPlanCompSettings::RebuildDesignVars() {
   fCatDesignVars.clear();
   fContDesignVars.clear();
@@ -105,6 +111,7 @@ void OrvPlanCompSettings::RebuildDesignVars() {
   }
 }
 
+// The subpopulation may be a stratum, so its column may already have the role of a design category.
 bool OrvPlanCompSettings::AddDesignCategorical(int column, DesignVariableKind kind, int stageNumber) {
   if (column < 0 || RoleOf(column) > VariableRole::kDesignCategory) return false;
   if (std::find(fCatDesignVars.begin(), fCatDesignVars.end(), column) != fCatDesignVars.end()) return false;
@@ -182,6 +189,8 @@ InclProbType OrvPlanCompSettings::InclusionTypeOfStage(int stageNumber) const {
 bool OrvPlanCompSettings::ConstantVariableMap(std::vector<int>& stages, std::vector<int>& positions) const {
   stages.clear();
   positions.clear();
+  // A sampling fraction belongs to the stratum from which the units of its stage were drawn, so its key ends
+  // with the strata of the stage.
   std::size_t keyVariables = 0;
   for (const DesignStage& stage : fStages) {
     keyVariables += stage.strata.size();
@@ -226,6 +235,8 @@ bool TavoCompSettings::SetDependent(int column, int categories, int reference) {
   return true;
 }
 
+// Takes a column that is a stratum or a cluster as well, but not one of the model: the model would be
+// constant in it.
 bool TavoCompSettings::SetSubpop(int column, int code) {
   if (column < 0 || RoleOf(column) > VariableRole::kDesignCategory || code < 1) return false;
   fSubpopVar = column;
@@ -252,6 +263,10 @@ int TavoCompSettings::AddCovariate(int column) {
 bool TavoCompSettings::AddEffect(const OrvModelEffect& effect) {
   fEffects.push_back(effect);
   return true;
+}
+
+double TavoCompSettings::DegreesOfFreedom(int units, int strata) const {
+  return fDegreesOfFreedom > 0.0 ? fDegreesOfFreedom : units - strata;
 }
 
 void TavoCompSettings::SetConfidence(double p) {

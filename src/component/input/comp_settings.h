@@ -46,8 +46,6 @@ enum class PAdjustMethod : int {
 /// another role, a value out of range) changes nothing and returns false.
 class OrvPlanCompSettings {
  public:
-  virtual ~OrvPlanCompSettings() = default;
-
   bool AddDesignCategorical(int column, DesignVariableKind kind, int stageNumber);
   /// `type` is kInclProbVariable or kPopSizeVariable (a matrix fills its column the same way).
   bool AddDesignContinuous(int column, InclProbType type, int stageNumber);
@@ -56,9 +54,9 @@ class OrvPlanCompSettings {
   bool SetStageEstimator(StageEstimator estimator, int stageNumber);
   bool SetWeightVar(int column);
   void SetSRSEstimator(SRSEstimator estimator) { fSRSEstimator = estimator; }
-  /// `service` makes the thread pool; lent, null means one thread.
+  /// `service` makes the thread pool; not owned, null means one thread.
   void SetThreads(int count, host::TaskThreadService* service);
-  /// Lent; null: the run can't be stopped from outside.
+  /// Not owned; null: the run can't be stopped from outside.
   void SetStopProcessor(host::MCStopProcessor* processor) { fpStopProcessor = processor; }
 
   const std::vector<DesignStage>& Stages() const { return fStages; }  // by stage number
@@ -83,7 +81,9 @@ class OrvPlanCompSettings {
   bool ConstantVariableMap(std::vector<int>& stages, std::vector<int>& positions) const;
 
  protected:
-  /// Checks the stages and the weight: 91021 to 91030.
+  /// Checks the stages and the weight; the first fault found: kNoStage, kFirstStageNotOne,
+  /// kStageNumbersBroken, kNoWeight, kStageWithoutClusters, kStageWithoutEstimator, kUnequalWorNotFirst,
+  /// kEqualWorWithoutProb, kInclusionRateOutOfRange or kPopulationSizeNotWhole.
   OrvStatus CheckPlan() const;
   VariableRole RoleOf(int column) const;
   void SetRole(int column, VariableRole role);
@@ -108,11 +108,12 @@ class OrvPlanCompSettings {
 /// predictor lists of their maker, which must outlive the component.
 class TavoCompSettings : public OrvPlanCompSettings {
  public:
-  /// The plan check, then 95001 without a dependent variable, 95002 without intercept and effects.
-  virtual OrvStatus Validate() const;
+  /// The plan check, then kNoDependent without a dependent variable, kEmptyModel without intercept and
+  /// effects.
+  OrvStatus Validate() const;
 
-  virtual void SetIntercept(bool use) { fbIntercept = use; }
-  virtual bool HasIntercept() const { return fbIntercept; }
+  void SetIntercept(bool use) { fbIntercept = use; }
+  bool HasIntercept() const { return fbIntercept; }
 
   /// `reference`: 0 highest category in use, -1 lowest, otherwise that code. Refused when one is already set.
   bool SetDependent(int column, int categories, int reference);
@@ -147,7 +148,9 @@ class TavoCompSettings : public OrvPlanCompSettings {
   const std::vector<OrvModelEffect>& Effects() const { return fEffects; }
   double Tolerance() const { return fTolerance; }
   double Confidence() const { return fConfidence; }
-  double DegreesOfFreedom() const { return fDegreesOfFreedom; }
+  /// The degrees of freedom of all tests and intervals: those set when above 0, otherwise first-stage units
+  /// minus strata (Korn and Graubard 1990). The one place of this rule.
+  double DegreesOfFreedom(int units, int strata) const;
   TestType GetTestType() const { return fTestType; }
   PAdjustMethod Adjustment() const { return fAdjustment; }
   ProgressListener* GetProgressListener() const { return fpProgressListener; }
@@ -174,7 +177,7 @@ class TavoCompSettings : public OrvPlanCompSettings {
   double fTolerance = 1e-12;
   std::vector<OrvModelEffect> fEffects;
   double fConfidence = 0.95;
-  double fDegreesOfFreedom = -1.0;
+  double fDegreesOfFreedom = -1.0;  // not above 0: the design's
   TestType fTestType = TestType::WaldF;
   PAdjustMethod fAdjustment = PAdjustMethod::LeastSignificanceDifference;
   ProgressListener* fpProgressListener = nullptr;

@@ -1,3 +1,5 @@
+// Custom hypotheses while they are read: each setter refuses what the type of the row has no place for, so a
+// row that is valid can be turned into numbers without asking again.
 #include "component/input/custom_test.h"
 
 #include <utility>
@@ -52,6 +54,7 @@ bool TavoMatrixRow::IsValid() const {
     case MatrixRowType::kEffectList:
       return IsMissing(fFirstValue) && !fValues.empty() && hasListPerEffect;
     case MatrixRowType::kValueEffectList:
+      // Without a first value the row must say so: a forgotten one would quietly count as 0.
       if (IsMissing(fFirstValue) && (fEffects.empty() || fEffects.front() != kNoFirstValue)) return false;
       return hasListPerEffect;
     default:
@@ -96,6 +99,8 @@ bool OrvCustomTest::SetK(std::vector<double> values) {
 
 bool OrvCustomTest::IsValid() const {
   if (fRows.empty() || fK.size() != fRows.size()) return false;
+  // Rows over all parameters and rows over effects are compared among their own kind; that a test may not mix
+  // the two is found where the matrix is built, with the number of the row.
   const TavoMatrixRow* firstAll = nullptr;
   const TavoMatrixRow* firstOther = nullptr;
   for (const TavoMatrixRow& row : fRows) {

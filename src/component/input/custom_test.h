@@ -16,7 +16,8 @@ enum class MatrixRowType : int {
 };
 
 /// One row of an L matrix. Effects are positions in the settings' effect list, in the order written, each
-/// with one value per parameter of the effect. Setters that are refused return false.
+/// with one value per parameter of the effect, redundant ones included. Setters that are refused return
+/// false.
 class TavoMatrixRow {
  public:
   /// The only negative effect index that a row may hold, and only as its first: it stands in a row of type

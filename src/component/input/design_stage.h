@@ -26,7 +26,7 @@ enum class InclProbType : int {
 /// while it belongs to component settings. -1 and -1.0 mean not given.
 class DesignStage {
  public:
-  int stageNumber = 0;  // from 1
+  int stageNumber = 0;  // from 1; 0 until it is known
   std::vector<int> strata;
   std::vector<int> clusters;
   StageEstimator estimator = StageEstimator::kNotDefined;

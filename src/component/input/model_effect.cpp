@@ -1,3 +1,5 @@
+// An effect is a vector with one entry per predictor of the model, so that comparing, containing and reducing
+// effects are loops over positions, whatever was crossed or nested in which order.
 #include "component/input/model_effect.h"
 
 #include <algorithm>
@@ -53,6 +55,7 @@ int OrvModelEffect::AddCovariate(int variable) {
 bool OrvModelEffect::AddFactor(int variable, bool nested) {
   const int position = PositionIn(fpPredictors, 0, fNFactorsInModel, variable);
   if (position < 0 || fMain[static_cast<std::size_t>(position)] >= 0) return false;
+  // Factors are added from the outside in: those already there are what the new one is nested in.
   if (nested && fNFactorsInEffect > 0) {
     const auto factorsEnd = fMain.begin() + fNFactorsInModel;
     std::for_each(fMain.begin(), factorsEnd, [](int& level) { level += level >= 0 ? 1 : 0; });
@@ -110,6 +113,8 @@ bool OrvModelEffect::ContainedIn(const OrvModelEffect& other) const {
   const bool sameModel = fNFactorsInModel == other.fNFactorsInModel &&
                          fNCovariatesInModel == other.fNCovariatesInModel &&
                          fpPredictors == other.fpPredictors;
+  // Containment as hypotheses of type III define it (Goodnight 1976): the same covariates, and all of this
+  // effect's factors among more. So A is contained in A*B and in B(A), but not in A*X, nor X in X*X.
   if (!sameModel || fNCovariatesInEffect != other.fNCovariatesInEffect) return false;
   if (other.fNFactorsInEffect <= fNFactorsInEffect) return false;
   const auto factorsEnd = fMain.begin() + fNFactorsInModel;
@@ -120,6 +125,7 @@ bool OrvModelEffect::ContainedIn(const OrvModelEffect& other) const {
 
 bool OrvModelEffect::KeepOnly(const MCBitSet& usedPositions) {
   bool droppedNone = true;
+  // From the end, so that positions that are still to be looked at keep their number.
   for (int i = static_cast<int>(fMain.size()) - 1; i >= 0; --i) {
     if (usedPositions.IsIn(i)) continue;
     const bool isFactor = i < fNFactorsInModel;

@@ -7,8 +7,8 @@
 
 namespace tavo {
 
-/// Refers to a list of predictors, factors first, then covariates, which is lent and must stay unmoved while
-/// the effect lives. A position in that list stands for one predictor. An effect without factors and
+/// Refers to a list of predictors, factors first, then covariates, which is not owned and must stay unmoved
+/// while the effect lives. A position in that list stands for one predictor. An effect without factors and
 /// covariates is the intercept.
 class OrvModelEffect {
  public:

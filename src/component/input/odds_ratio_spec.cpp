@@ -24,6 +24,7 @@ int OrvOddsRatioSpec::AddFactor(int variable, int reference) {
 int OrvOddsRatioSpec::AddCovariate(int variable, std::vector<double> changes) {
   if (variable < 0 || !fFactors.empty()) return kRefused;
   if (std::find(fCovariates.begin(), fCovariates.end(), variable) != fCovariates.end()) return kRefused;
+  // A change of 0 has the ratio 1 by definition; asking for it is a slip of the pen.
   if (std::find(changes.begin(), changes.end(), 0.0) != changes.end()) return kRefused;
   fCovariates.push_back(variable);
   fChanges.push_back(std::move(changes));

@@ -12,6 +12,7 @@ void OrvRecordExtractor::Set(int dependent, const std::vector<int>& factors,
   fExtract.push_back(weight);
   fExtractSize = static_cast<int>(fExtract.size());
 
+  // The order is fixed, so the places follow from the counts alone.
   fFactorOffsets.resize(factors.size());
   fCovariateOffsets.resize(covariates.size());
   std::iota(fFactorOffsets.begin(), fFactorOffsets.end(), 1);

@@ -14,7 +14,7 @@ class RecordIterator {
  public:
   virtual ~RecordIterator() = default;
   virtual bool HasNext() const = 0;
-  /// The next record, or null. It stays intact until the call after next and is lent.
+  /// The next record, or null. Not owned by the caller; it stays intact until the call after next.
   virtual const Record* Next() = 0;
   virtual int IteratorStatus() const = 0;
 };

@@ -1,3 +1,5 @@
+// Runs for each record of each pass: the columns without a test are left out when the validator is made, and
+// no look-up is left for the records.
 #include "component/input/record_validator.h"
 
 #include <algorithm>
@@ -50,7 +52,8 @@ OrvRecordValidator::OrvRecordValidator(const TavoCompSettings& settings)
                          settings.DependentCategories()) {}
 
 OrvRecordValidator::Verdict OrvRecordValidator::JudgeCategory(double value, int limit) {
-  if (value < 0.5) return Verdict::kLeaveOut;  // a missing one too
+  // A missing code too: the missing value is the most negative number.
+  if (value < 0.5) return Verdict::kLeaveOut;
   return IsWhole(value) && value <= limit ? Verdict::kPass : Verdict::kInvalid;
 }
 
@@ -93,6 +96,7 @@ bool OrvRecordValidator::Validate(const MCCommon::Record& record, OrvStatus& sta
     status = OrvStatus::Error(StatusCode::kShortRecord);
     return false;
   }
+  // The first column that fails decides, so that a record's fate doesn't depend on how many things are wrong.
   const double* const cells = record.GetAll();
   for (const Check& check : fChecks) {
     const double value = cells[check.column];

@@ -11,16 +11,17 @@
 namespace tavo {
 
 /// Decides by the role of each column. A value that only leaves the case out (missing, weight not above 0)
-/// fails silently; a value that can't be (a category code that isn't whole) fails hard, with 91006 in the
-/// status. The same rules run in all passes, so that every pass sees the same cases. A weight or covariate
-/// that is infinite or NaN fails hard: it would spoil every sum that it enters.
+/// fails silently; a value that can't be (a category code that isn't whole) fails hard, with kInvalidValue in
+/// the status. The same rules run in all passes, so that every pass sees the same cases. A weight or
+/// covariate that is infinite or NaN fails hard: it would spoil every sum that it enters.
 class OrvRecordValidator {
  public:
   OrvRecordValidator(const std::vector<VariableRole>& roles, const std::vector<int>& factorColumns,
                      const std::vector<int>& factorSizes, int targetCategories);
   explicit OrvRecordValidator(const TavoCompSettings& settings);
 
-  /// True when the record enters. `status` changes only on a hard failure (91004, 91006, 95049).
+  /// True when the record enters. `status` changes only on a hard failure: kShortRecord, kInvalidValue or
+  /// kStartNotBeforeEnd.
   bool Validate(const MCCommon::Record& record, OrvStatus& status) const;
 
  private:

@@ -1,3 +1,4 @@
+// Words of 64 bits: equal sets are equal vectors, and members are counted a word at a time.
 #include "component/numerics/bit_set.h"
 
 #include <algorithm>
@@ -19,6 +20,17 @@ int MCBitSet::InRange(int first, int last) const {
     count += IsIn(i) ? 1 : 0;
   }
   return count;
+}
+
+std::vector<int> MCBitSet::Members() const {
+  std::vector<int> members;
+  members.reserve(static_cast<std::size_t>(InSet()));
+  for (int i = 0; i < fSize; ++i) {
+    if (IsIn(i)) {
+      members.push_back(i);
+    }
+  }
+  return members;
 }
 
 bool MCBitSet::Set(int index, bool value) {
@@ -45,6 +57,8 @@ bool MCBitSet::SetRange(int first, int last, bool value) {
 
 void MCBitSet::Resize(int size, bool value) {
   fSize = std::max(size, 0);
+  // Bits beyond the size must stay clear, or two equal sets would compare unequal and InSet would count them:
+  // the words start at 0 and bits are set one by one.
   fWords.assign(Word(fSize) + 1, 0);
   if (value) {
     SetRange(0, fSize - 1, true);

@@ -1,3 +1,4 @@
+// A set of small integers: parameters, rows or columns by their index.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +7,7 @@
 
 namespace MCCommonMath {
 
-/// A set of the integers 0 .. n-1. In the model a set bit marks a parameter that is kept.
+/// A set of the integers 0 .. n-1. In the model a set bit marks a parameter that is not redundant.
 class MCBitSet {
  public:
   MCBitSet() = default;
@@ -26,6 +27,9 @@ class MCBitSet {
 
   /// The number of set bits in first .. last inclusive; the range is cut to 0 .. n-1.
   [[nodiscard]] int InRange(int first, int last) const;
+
+  /// The set bits, ascending: positions from 0 of the rows or columns that the set names.
+  [[nodiscard]] std::vector<int> Members() const;
 
   /// False, with nothing changed, when the index is outside 0 .. n-1.
   bool Set(int index, bool value);

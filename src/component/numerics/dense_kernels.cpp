@@ -1,3 +1,5 @@
+// The products are Eigen's, on maps of the panels; the rest copies between panels and the packed triangle.
+// `noalias` spares a temporary matrix for each product and is why results may not overlap their operands.
 #include "component/numerics/dense_kernels.h"
 
 #include <Eigen/Core>
@@ -16,6 +18,7 @@ Map ToMap(const Panel& view) {
   return Map(view.fpData, view.fNRows, view.fNCols, Eigen::OuterStride<>(view.fStride));
 }
 
+// Maps of no rows or columns may point anywhere, so they don't reach Eigen.
 bool IsEmptyProduct(const Panel& c, int inner) {
   return c.fNRows == 0 || c.fNCols == 0 || inner == 0;
 }
@@ -71,8 +74,8 @@ void RestrictedSymmetric::Load(int first, const Panel& panel) const {
       panel.At(r, j) = packedRow[fKept[static_cast<std::size_t>(j)]];
     }
   }
-  for (int j = first + 1; j < panel.fNCols;
-       ++j) {  // above the diagonal: column by column, one packed row each
+  // Above the diagonal: column by column, one packed row each.
+  for (int j = first + 1; j < panel.fNCols; ++j) {
     const double* packedRow =
         fPacked.data() + MCSymMatrixData::PackedSize(fKept[static_cast<std::size_t>(j)]);
     const int upper = std::min(panel.fNRows, j - first);

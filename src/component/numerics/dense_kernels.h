@@ -1,3 +1,8 @@
+// Dense kernels behind the packed matrices; internal to the numerics.
+//
+// They work on panels: a few rows of a matrix, copied out of the packed triangle into row-major storage, so
+// that matrix products run at the speed of dense blocks and the work space stays at a few rows instead of a
+// second n by n matrix.
 #pragma once
 
 #include <cstddef>
@@ -8,10 +13,7 @@
 
 namespace MCCommonMath::dense {
 
-// Dense kernels behind the packed matrices. They work on panels: a few rows of a matrix, copied out of the
-// packed triangle into row-major storage, so that matrix products run at the speed of dense blocks and the
-// work space stays at a few rows instead of a second n by n matrix. Internal to the library.
-
+/// Rows of a panel. 64 rows of doubles keep a square block at 32 KiB, about a first-level cache.
 constexpr int kPanelRows = 64;
 
 /// A row-major view of `rows` by `cols` doubles; rows are `stride` elements apart.
@@ -35,6 +37,7 @@ void AddProduct(double alpha, const Panel& a, const Panel& b, const Panel& c);
 void AddProductTransposed(double alpha, const Panel& a, const Panel& b, const Panel& c);
 void AddTransposedProduct(double alpha, const Panel& a, const Panel& b, const Panel& c);
 
+/// The sum of x[i] y[i] over i < n.
 [[nodiscard]] inline double Dot(const double* x, const double* y, int n) {
   return vectors::Dot(x, y, static_cast<std::size_t>(n));
 }
@@ -62,7 +65,7 @@ void LoadLower(const std::vector<double>& packed, int first, const Panel& panel)
 void StoreLower(const Panel& panel, int first, std::vector<double>& packed);
 
 /// A symmetric matrix given by a packed triangle, restricted to an ascending list of its rows and columns.
-/// Both are lent.
+/// Both are not owned.
 struct RestrictedSymmetric {
   const std::vector<double>& fPacked;
   std::span<const int> fKept;

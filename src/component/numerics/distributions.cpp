@@ -1,3 +1,5 @@
+// The functions themselves are Boost.Math's. What is added are the answers out of range: its own are
+// exceptions or values that differ from case to case, and a test that has no answer must show as missing.
 #include "component/numerics/distributions.h"
 
 #include <boost/math/distributions/chi_squared.hpp>
@@ -30,6 +32,7 @@ using FisherF = boost::math::fisher_f_distribution<double, QuietPolicy>;
 bool IsValue(double x) {
   return !IsMissing(x) && !std::isnan(x);
 }
+// Infinite degrees of freedom would ask for the limiting distribution, which no caller means.
 bool IsDegrees(double df) {
   return df > 0.0 && std::isfinite(df);
 }

@@ -1,3 +1,4 @@
+// The reference distributions of the tests: Student's t, chi-square and F.
 #pragma once
 
 namespace MCCommonMath {

@@ -1,3 +1,4 @@
+// What a 64-bit floating point number can hold.
 #pragma once
 
 namespace MCCommonMath {

@@ -1,3 +1,5 @@
+// Plain loops over strided vectors, and the two measures of change by which a fit decides that it has
+// converged.
 #include "component/numerics/math_functions.h"
 
 #include <algorithm>
@@ -12,7 +14,8 @@ namespace MCCommonMath {
 
 namespace {
 
-// Whether offset + i * step lies in 0 .. size-1 for all i < n, n >= 1.
+// Whether offset + i * step lies in 0 .. size-1 for all i < n, n >= 1. In 64 bits, since the last position
+// may not fit an int.
 bool IsStrideInside(std::size_t size, int n, int offset, int step) {
   const long long first = offset;
   const long long last = first + (static_cast<long long>(n) - 1) * step;
@@ -75,7 +78,7 @@ double MCMathFun::VMaxRelDiff(std::span<const double> a, std::span<const double>
       continue;
     }
     const double change = std::abs(a[i] - b[i]) / std::max(std::abs(b[i]), eps);
-    if (std::isnan(change)) {
+    if (std::isnan(change)) {  // max would drop it, and the fit would take a spoilt step for a small one
       return change;
     }
     largest = std::max(largest, change);
@@ -94,7 +97,7 @@ bool MCMathFun::TransformParameters(std::vector<double>& params, const std::vect
   const TransformMap map(centers, scales, nIntercepts, inverse, scaleOnly);
   for (std::size_t start = 0; start < params.size(); start += p) {
     double* block = params.data() + start;
-    double shift = 0.0;
+    double shift = 0.0;  // from the coefficients before they change
     for (std::size_t k = 0; k < p; ++k) {
       shift += map.fShift[k] * block[k];
       block[k] *= map.fFactor[k];

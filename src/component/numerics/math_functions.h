@@ -1,3 +1,4 @@
+// Operations on plain vectors: products, changes between iterations, the scale of the fit.
 #pragma once
 
 #include <span>

@@ -1,3 +1,4 @@
+// The one value that stands for "not there".
 #pragma once
 
 namespace MCCommonMath {
@@ -8,6 +9,7 @@ struct MCMV {
   static constexpr double gMissingValue = -1.7976931348623157e308;
 };
 
+/// The one place of the comparison. A NaN is no missing value: it is the sign of a fault.
 [[nodiscard]] inline bool IsMissing(double value) {
   return value == MCMV::gMissingValue;
 }

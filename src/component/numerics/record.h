@@ -1,3 +1,4 @@
+// The row of doubles in which cases travel.
 #pragma once
 
 #include <cstddef>

@@ -1,3 +1,5 @@
+// The storage of rectangular matrices and their plain products. As with the symmetric ones, a size that no
+// memory has leaves an invalid matrix.
 #include "component/numerics/rect_matrix.h"
 
 #include <algorithm>
@@ -108,7 +110,7 @@ bool MCRectMatrix::ComputeRV(const std::vector<double>& v, std::vector<double>& 
     result.clear();
     return false;
   }
-  std::vector<double> product(static_cast<std::size_t>(GetNRows()), 0.0);
+  std::vector<double> product(static_cast<std::size_t>(GetNRows()), 0.0);  // v and result may be one vector
   for (int i = 0; i < GetNRows(); ++i) {
     const double* row = Row(i);
     double sum = 0.0;
@@ -133,6 +135,8 @@ double MCRectMatrix::DotProductRowCol(int row, const MCRectMatrixData& other, in
 }
 
 bool MCRectMatrix::IsRowZero(int i) const {
+  // Exactly, not within a tolerance: rows that are rounding were cleaned where they were made, and what a
+  // user wrote is meant as written.
   return i >= 0 && i < GetNRows() &&
          std::all_of(Row(i), Row(i) + GetNCols(), [](double x) { return x == 0.0; });
 }

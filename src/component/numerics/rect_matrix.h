@@ -1,3 +1,4 @@
+// Rectangular matrices: rows of contrasts and columns of estimable functions.
 #pragma once
 
 #include <cstddef>

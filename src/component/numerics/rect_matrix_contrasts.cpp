@@ -13,6 +13,8 @@ namespace {
 
 constexpr double kMultipleTolerance = 1e-12;
 
+// Each element by its own size: columns belong to parameters of different units, so a common limit would let
+// a small element differ unseen beside a large one.
 bool IsScaled(double a, double b, double factor) {
   const double scaled = factor * b;
   return a == scaled || std::abs(a - scaled) <= kMultipleTolerance * std::max(std::abs(a), std::abs(scaled));
@@ -47,6 +49,7 @@ bool MCRectMatrix::CopyColumns(const MCRectMatrixData& source, int first, int co
 }
 
 bool MCRectMatrix::CreateBlockDiagonal(int n, MCRectMatrixData& matrix) const {
+  // Sizes are ints; many logits of a wide L can pass them before memory runs out.
   constexpr long long largest = std::numeric_limits<int>::max();
   if (n < 0 || &matrix == this || static_cast<long long>(n) * std::max(GetNRows(), GetNCols()) > largest ||
       !matrix.SetNRowsCols(n * GetNRows(), n * GetNCols())) {
@@ -101,6 +104,9 @@ bool MCRectMatrix::IsEstimable(const MCRectMatrix& H, const MCBitSet& bitSet, do
       if (bitSet.IsIn(u)) {
         continue;
       }
+      // l is estimable when l = l (S^- S) (Searle 1971, section 5.4): on a redundant parameter u its
+      // coefficient must be what the non-redundant ones imply. The difference is judged by the terms that
+      // cancel in it.
       double rest = l[u];
       double size = std::abs(l[u]);
       const double* coefficients = H.Row(u);

@@ -1,9 +1,14 @@
 // Columns of estimable functions: projections and eliminations.
+//
+// The hypothesis of an effect (type III, Goodnight 1976) is made here of columns H: what belongs to effects
+// that contain it is taken out by orthogonal projection, what belongs to unrelated effects by elimination.
+// Both have to tell a column that is gone from one that is small, and compare with the column's own length.
 
 #include <Eigen/QR>
 #include <algorithm>
 #include <cmath>
 #include <exception>
+#include <numeric>
 #include <vector>
 
 #include "component/numerics/bit_set.h"
@@ -14,6 +19,8 @@ namespace MCCommonMath {
 
 namespace {
 
+// What a chain of eliminations over as many rows as there are parameters may leave of rounding, in units of
+// the machine precision.
 constexpr double kRoundingShare = 64.0;
 
 // Rows in which any column of the basis has an element; a projection changes nothing elsewhere.
@@ -26,16 +33,6 @@ std::vector<int> RowsInUse(const MCRectMatrixData& basis) {
     }
   }
   return rows;
-}
-
-std::vector<int> SetBits(const MCBitSet& bitSet) {
-  std::vector<int> bits;
-  for (int i = 0; i < bitSet.Size(); ++i) {
-    if (bitSet.IsIn(i)) {
-      bits.push_back(i);
-    }
-  }
-  return bits;
 }
 
 Eigen::MatrixXd SubMatrix(const MCRectMatrixData& source, const std::vector<int>& rows,
@@ -57,8 +54,10 @@ void RemoveSpan(const Factor& q, Eigen::Index rank, Eigen::MatrixXd& columns) {
   columns.applyOnTheLeft(q);
 }
 
-// Projects on the columns of the basis, which have length 1 or are 0. The plain factorisation is the fast
-// one, and right when all columns are independent.
+// Projects on the columns of the basis, which have length 1 or are 0, by Householder reflections (Golub and
+// Van Loan 2013, section 5.2): unlike normal equations they lose no digits of a nearly dependent basis. The
+// plain factorisation is the fast one, and right when all columns are independent; with pivoting, dependent
+// columns come last and are left out.
 void RemoveBasis(const Eigen::MatrixXd& basis, double tol, MCBitSet& basisBits, Eigen::MatrixXd& columns) {
   if (basis.cols() <= basis.rows()) {
     const Eigen::HouseholderQR<Eigen::MatrixXd> plain(basis);
@@ -94,14 +93,12 @@ bool MCRectMatrix::ResidOfOrthProjection(const MCRectMatrix& basis, double tol, 
   try {
     basisBits.Resize(basis.GetNCols(), false);
     const std::vector<int> rows = RowsInUse(basis);
-    const std::vector<int> live = SetBits(liveBits);
+    const std::vector<int> live = liveBits.Members();
     if (rows.empty() || live.empty()) {
       return true;
     }
     std::vector<int> all(static_cast<std::size_t>(basis.GetNCols()));
-    for (std::size_t j = 0; j < all.size(); ++j) {
-      all[j] = static_cast<int>(j);
-    }
+    std::iota(all.begin(), all.end(), 0);
     Eigen::MatrixXd span = SubMatrix(basis, rows, all);
     span.colwise().normalize();
     Eigen::MatrixXd columns = SubMatrix(*this, rows, live);
@@ -111,6 +108,7 @@ bool MCRectMatrix::ResidOfOrthProjection(const MCRectMatrix& basis, double tol, 
       for (std::size_t r = 0; r < rows.size(); ++r) {
         SetElem(rows[r], live[c], columns(static_cast<Eigen::Index>(r), static_cast<Eigen::Index>(c)));
       }
+      // Squared lengths: a tolerance of 1e-12 lets a column live that keeps a millionth of its length.
       if (SquaredLength(*this, live[c]) <= tol * before) {
         liveBits.Set(live[c], false);
         for (int i = 0; i < GetNRows(); ++i) {
@@ -143,7 +141,7 @@ bool MCRectMatrix::ZeroOutPivotRow(int row, double tol, const MCBitSet& liveBits
     if (j == pivotColumn || factor == 0.0) {
       continue;
     }
-    for (int i = 0; i < GetNRows(); ++i) {
+    for (int i = 0; i < GetNRows(); ++i) {  // in the row itself exactly 0, where the difference would round
       SetElem(i, j, i == row ? 0.0 : GetElem(i, j) - factor * GetElem(i, pivotColumn));
     }
   }

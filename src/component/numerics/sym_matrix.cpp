@@ -1,3 +1,4 @@
+// Accumulation into the packed triangle, the sweep, and spreading a matrix over a larger set of parameters.
 #include "component/numerics/sym_matrix.h"
 
 #include <algorithm>
@@ -27,7 +28,7 @@ bool MCSymMatrix::UpdateXX(std::span<const double> v, double w) {
   double* row = AsVector().data();
   for (int i = 0; i < n; ++i) {
     const double value = v[static_cast<std::size_t>(i)];
-    if (value != 0.0) {
+    if (value != 0.0) {  // columns of factors are mostly 0
       AddScaled(row, v.data(), w * value, i + 1);
     }
     row += i + 1;
@@ -41,6 +42,8 @@ bool MCSymMatrix::UpdateXXSparse(int count, std::span<const int> indices, std::s
   if (count < 0 || indices.size() < length || values.size() < length) {
     return false;
   }
+  // All indices are checked before the first element changes: a refused vector leaves no half of itself
+  // behind.
   const int n = GetNRows();
   if (!std::all_of(indices.begin(), indices.begin() + count, [n](int i) { return i >= 0 && i < n; })) {
     return false;
@@ -65,6 +68,8 @@ bool MCSymMatrix::Sweep(int k, double tol, const std::vector<double>& diagonal, 
   if (k < 0 || k >= n || diagonal.size() != static_cast<std::size_t>(n) || bitSet.Size() != n) {
     return false;
   }
+  // The pivot is what the columns swept before leave of column k, so pivot over diagonal is 1 - R^2 of its
+  // regression on them: the test knows no units. A swept pivot has passed it, and goes back without one.
   const bool isSwept = bitSet.IsIn(k);
   const double pivot = Row(k)[k];
   const double reference = diagonal[static_cast<std::size_t>(k)];
@@ -72,6 +77,7 @@ bool MCSymMatrix::Sweep(int k, double tol, const std::vector<double>& diagonal, 
   if (!isUsable) {
     return false;
   }
+  // Column k is read by every row while the rows change, so it is copied first.
   std::vector<double> column;
   try {
     column.resize(static_cast<std::size_t>(n));
@@ -90,6 +96,8 @@ bool MCSymMatrix::Sweep(int k, double tol, const std::vector<double>& diagonal, 
       AddScaled(Row(i), column.data(), -element / pivot, i + 1);
     }
   }
+  // Forward the coefficients are a_ik / d. Backward the pivot is -1/d and they are to become a_ik again,
+  // hence the sign; the update above and the new pivot -1/pivot are the same in both directions.
   const double divisor = isSwept ? -pivot : pivot;
   for (int j = 0; j < n; ++j) {
     *(Row(std::max(j, k)) + std::min(j, k)) = column[static_cast<std::size_t>(j)] / divisor;
@@ -108,6 +116,8 @@ bool MCSymMatrix::Expand(const MCBitSet& bitSet, MCSymMatrix& out) const {
     out = std::move(expanded);
     return false;
   }
+  // Rows go to their places in ascending order; within a row the elements up to the diagonal are consecutive
+  // in both triangles, as the order of the set bits is that of the rows.
   int source = 0;
   for (int i = 0; i < bitSet.Size(); ++i) {
     if (!bitSet.IsIn(i)) {

@@ -1,3 +1,4 @@
+// Symmetric matrices over the parameters: cross-products, information, covariances.
 #pragma once
 
 #include <cstddef>
@@ -199,16 +200,17 @@ class MCSymMatrix : public MCSymMatrixData {
   /// information and M (`central`) the covariance of the score totals. V is G M G, or its back-transformation
   /// to the scale of the data by `TransformParameterMatrix`: slopes may differ by any factor from G M G,
   /// intercepts (with `nIntercepts` 1 the first parameter of each block of V) are in the same units. `bitSet`
-  /// marks the kept parameters.
+  /// marks the non-redundant parameters.
   ///
-  /// The variance v_i of a kept parameter is held against what it would be without cancellation,
+  /// The variance v_i of such a parameter is held against what it would be without cancellation,
   /// t_i = (sum over j of |g_ij| sqrt|m_jj|)^2: it is zero when |v_i| <= 1e-12 t_i, and negative when v_i is
   /// below that. Slopes are judged on the scale of G, where the units of V do not matter; intercepts by V
   /// itself.
   /// - The rows and columns of V of zero variances, of negative ones and of parameters left out become 0.
   /// - `badIndicators` gets the size of `bitSet` and marks the negative ones.
-  /// - `allZero`: no kept parameter has a positive variance.
-  /// - `rankFlag` 1: some kept parameter has no positive variance, so V is singular on the kept parameters.
+  /// - `allZero`: no variance in `bitSet` is positive.
+  /// - `rankFlag` 1: some variance in `bitSet` is not positive, so V is singular on the non-redundant
+  ///   parameters.
   /// - `rankFlag` -1: V is safely regular there, without heavy cancellation and with every pivot of its
   ///   correlation matrix above 1e-6.
   /// - `rankFlag` 0: `CheckMDependent` must decide.

@@ -22,25 +22,21 @@ using dense::Panel;
 using dense::PanelBuffer;
 using dense::RestrictedSymmetric;
 
+// Contrasts are scaled to unit variance before they come here, so that a fixed limit compares like with like.
 constexpr double kZeroVariance = 1e-12;
 
+// A contrast of one effect has a few columns of many: only they take part in its covariance.
 std::vector<int> NonZeroColumns(const MCRectMatrixData& matrix) {
-  std::vector<bool> isUsed(static_cast<std::size_t>(matrix.GetNCols()), false);
+  MCBitSet used(matrix.GetNCols());
   const double* element = matrix.AsVectorConst().data();
   for (int i = 0; i < matrix.GetNRows(); ++i) {
-    for (std::size_t j = 0; j < isUsed.size(); ++j) {
+    for (int j = 0; j < matrix.GetNCols(); ++j) {
       if (*element++ != 0.0) {
-        isUsed[j] = true;
+        used.Set(j, true);
       }
     }
   }
-  std::vector<int> columns;
-  for (std::size_t j = 0; j < isUsed.size(); ++j) {
-    if (isUsed[j]) {
-      columns.push_back(static_cast<int>(j));
-    }
-  }
-  return columns;
+  return used.Members();
 }
 
 // Rows first .. of the matrix, its columns `kept`.
@@ -64,7 +60,7 @@ std::vector<int> AllRows(int n) {
 void MCSymMatrixData::GetNCheckDiagonal(std::vector<double>& out, double eps, double value) const {
   GetDiagonal(out);
   for (double& element : out) {
-    if (!(element >= eps)) {
+    if (!(element >= eps)) {  // a NaN too
       element = value;
     }
   }
@@ -77,6 +73,9 @@ int MCSymMatrix::CholInverse(const std::vector<double>& diagonal, double eps, MC
     return -1;
   }
   try {
+    // Row by row and not in panels: contrasts have few rows, and a row that is refused must be known before
+    // the next one is reduced. In list order, because the report names the rows that were kept, and the first
+    // independent ones are those that a reader expects.
     MCSymMatrix factor(*this);
     if (!factor.IsValidMatrix()) {
       return -1;
@@ -132,6 +131,8 @@ bool MCSymMatrix::ExtractH(int firstCol, int lastCol, const MCBitSet& bitSet, MC
     if (!bitSet.IsIn(j)) {
       continue;
     }
+    // Column j of inverse(A) A: the identity on the pivots, by definition rather than by the rounded product,
+    // and the swept coefficients on the columns that depend on them.
     for (int i = 0; i < rows; ++i) {
       const double pivotElement = i == j ? 1.0 : 0.0;
       H.SetElem(i, column, bitSet.IsIn(i) ? pivotElement : GetElem(i, j));
@@ -162,6 +163,7 @@ double MCSymMatrix::ComputeVSV(std::span<const double> v) const {
 }
 
 double MCSymMatrix::SquareRootVSV(std::span<const double> v) const {
+  // Rounding can make the form of a contrast without variance slightly negative, and its root a NaN.
   const double square = ComputeVSV(v);
   if (IsMissing(square)) {
     return square;
@@ -202,6 +204,7 @@ bool MCSymMatrix::ComputeRSRTrans(const MCRectMatrix& R, MCSymMatrix& result) co
     PanelBuffer leftS(k);
     PanelBuffer right(k);
     PanelBuffer work(std::max(k, n));
+    // R S panel by panel, each against the panels of R up to its own: the lower triangle of R S R' alone.
     for (int first = 0; first < n; first += kPanelRows) {
       const int rows = std::min(kPanelRows, n - first);
       const Panel r = left.Shape(rows, k);
@@ -252,6 +255,8 @@ bool MCSymMatrix::SetCovarZeros(const MCSymMatrix& other) {
   if (other.GetNRows() != n) {
     return false;
   }
+  // A contrast without variance under simple random sampling drops out of that inverse, so under the design
+  // it may not add to the traces either.
   for (int i = 0; i < n; ++i) {
     if (other.GetElem(i, i) > kZeroVariance) {
       continue;

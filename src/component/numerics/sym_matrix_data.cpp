@@ -1,3 +1,6 @@
+// The storage of symmetric matrices. Assigning and resizing a vector throw for want of memory and for lengths
+// that no memory has; both leave an invalid matrix.
+
 #include <algorithm>
 #include <exception>
 #include <utility>
@@ -12,7 +15,7 @@ MCSymMatrixData::MCSymMatrixData(MCSymMatrixData&& other) noexcept
       fNBlocks(std::exchange(other.fNBlocks, 1)),
       fbValid(other.fbValid),
       fElements(std::move(other.fElements)) {
-  other.fElements.clear();
+  other.fElements.clear();  // a moved-from vector may still hold elements, a matrix of size 0 may not
 }
 
 MCSymMatrixData& MCSymMatrixData::operator=(const MCSymMatrixData& other) {
@@ -58,7 +61,7 @@ bool MCSymMatrixData::Resize(int n) {
   } catch (const std::exception&) {
     return Invalidate();
   }
-  if (n == 0) {
+  if (n == 0) {  // resizing keeps the memory, and releasing it is what size 0 is asked for
     std::vector<double>().swap(fElements);
   }
   fN = n;

@@ -1,6 +1,8 @@
 // The Cholesky factorisation of the packed triangle, with substitution and inverse. All run over panels of
 // rows in place: the panel at work is copied out, updated by products with the panels before (or after) it,
-// and copied back.
+// and copied back. This is the left-looking block form (Golub and Van Loan 2013, section 4.2), in which
+// nearly all operations are products of dense blocks; the order of the pivots, and so which rows are left
+// out, is that of the plain algorithm.
 
 #include <algorithm>
 #include <cmath>
@@ -17,7 +19,8 @@ using dense::kPanelRows;
 using dense::Panel;
 using dense::PanelBuffer;
 
-// Divides by the diagonal of a factor; a singular pivot gives 0.
+// Divides by the diagonal of a factor. A singular pivot stands as 0 in it, and gives 0: so its row drops out
+// of products, solutions and inverses without a test of its own anywhere else.
 double Quotient(double value, double pivot) {
   return pivot == 0.0 ? 0.0 : value / pivot;
 }
@@ -62,6 +65,9 @@ class Factorisation {
   }
 
   [[nodiscard]] int Singular() const { return fNSingular; }
+  // On the scale of a standard error: the root of the smallest pivot over the largest diagonal element.
+  // Pivots over their own diagonal would miss a level whose information dies away as a whole, which is how
+  // separation by a factor shows.
   [[nodiscard]] double Measure() const {
     if (fN == 0) {
       return 1.0;
@@ -100,7 +106,9 @@ class Factorisation {
     }
   }
 
-  // The diagonal element of the factor, 0 for a singular pivot.
+  // The diagonal element of the factor, 0 for a singular pivot. The limit follows the diagonal only upwards:
+  // large weights must not make rounding look like information, while an information that shrinks towards 0
+  // as the fit runs away has to be found singular by the absolute rule.
   double AcceptPivot(double diagonal, double pivot) {
     const double limit = fbAbsolute ? fTol : fTol * std::max(1.0, diagonal);
     fLargestDiagonal = std::max(fLargestDiagonal, diagonal);
@@ -124,7 +132,8 @@ class Factorisation {
   double fLargestDiagonal = 0.0;
 };
 
-// Replaces the packed factor L by its inverse, panel by panel from the top.
+// Replaces the packed factor L by its inverse, panel by panel from the top: with the panels above already
+// inverted, X_above, the rows at work are inverse(L_ii) (I - L_i,above X_above).
 void InvertFactor(std::vector<double>& packed, int n, PanelBuffer& current, PanelBuffer& other,
                   PanelBuffer& result) {
   for (int first = 0; first < n; first += kPanelRows) {

@@ -1,3 +1,10 @@
+// The sandwich G M G, and what its digits can be trusted for.
+//
+// G is the generalised inverse of the information, M the covariance of the score totals under the design. G
+// is positive semi-definite by its making; M need not be one for every design (pairs of units may have
+// negative weights), so variances can come out negative, and rounding can make them look so. The tests below
+// hold every variance against what it would be without cancellation.
+
 #include <algorithm>
 #include <cmath>
 #include <exception>
@@ -21,35 +28,20 @@ using dense::RestrictedSymmetric;
 constexpr double kNoise = 1e-12;         // relative size below which a variance is rounding noise
 constexpr double kSafelyRegular = 1e-6;  // relative size of pivots and variances that no rounding can fake
 
-// The rows with any element other than 0.
+// The rows with any element other than 0. Those of redundant parameters have none in G: leaving them out
+// saves work, and keeps them exactly 0 even where M holds an infinity.
 std::vector<int> NonZeroRows(const std::vector<double>& packed, int n) {
-  std::vector<bool> isUsed(static_cast<std::size_t>(n), false);
+  MCBitSet used(n);
   const double* element = packed.data();
   for (int i = 0; i < n; ++i) {
     for (int j = 0; j <= i; ++j) {
       if (*element++ != 0.0) {
-        isUsed[static_cast<std::size_t>(i)] = true;
-        isUsed[static_cast<std::size_t>(j)] = true;
+        used.Set(i, true);
+        used.Set(j, true);
       }
     }
   }
-  std::vector<int> rows;
-  for (int i = 0; i < n; ++i) {
-    if (isUsed[static_cast<std::size_t>(i)]) {
-      rows.push_back(i);
-    }
-  }
-  return rows;
-}
-
-std::vector<int> SetBits(const MCBitSet& bitSet) {
-  std::vector<int> bits;
-  for (int i = 0; i < bitSet.Size(); ++i) {
-    if (bitSet.IsIn(i)) {
-      bits.push_back(i);
-    }
-  }
-  return bits;
+  return used.Members();
 }
 
 // Calls visit(first, gRows, gmRows) for each panel of rows of G and of G M.
@@ -230,8 +222,10 @@ bool FillCorrelations(const RestrictedSymmetric& s, MCSymMatrix& correlations) {
   return true;
 }
 
-// The rank of a matrix of correlations: Cholesky with diagonal pivoting, column by column of the factor,
-// until no pivot is above eps. The rows of the factor stand in their own places, so nothing is permuted.
+// The rank of a matrix of correlations: Cholesky with diagonal pivoting (Higham 1990), column by column of
+// the factor, until no pivot is above eps. Taking the largest pivot first is what makes the last one tell of
+// the rank; in list order a small early pivot would blow up what follows. The rows of the factor stand in
+// their own places, so nothing is permuted.
 int RankOfCorrelations(const MCSymMatrix& correlations, double eps) {
   const int n = correlations.GetNRows();
   std::vector<double> pivots;
@@ -265,7 +259,8 @@ int RankOfCorrelations(const MCSymMatrix& correlations, double eps) {
   return rank;
 }
 
-// Whether the covariance on the kept parameters is regular beyond doubt.
+// Whether the covariance on the non-redundant parameters is regular beyond doubt: then the rank of M, which
+// costs a cube of the parameters, need not be asked for.
 bool IsSafelyRegular(const MCSymMatrix& V, const std::vector<int>& kept,
                      const std::vector<double>& relative) {
   if (std::any_of(relative.begin(), relative.end(), [](double r) { return !(r > kSafelyRegular); })) {
@@ -308,7 +303,7 @@ bool MCSymMatrix::CheckGMG(const std::vector<double>& central, const MCBitSet& b
     return false;
   }
   try {
-    const std::vector<int> kept = SetBits(bitSet);
+    const std::vector<int> kept = bitSet.Members();
     const std::vector<double> relative =
         RelativeVariances({AsVectorConst(), kept}, {central, kept}, V, nIntercepts == 1);
     MCBitSet positive(n);
@@ -338,7 +333,7 @@ int MCSymMatrix::CheckMDependent(int size, const std::vector<double>& central, c
     return -1;
   }
   try {
-    const std::vector<int> kept = SetBits(bitSet);
+    const std::vector<int> kept = bitSet.Members();
     if (!FillCorrelations({central, kept}, *this)) {
       return -1;
     }

@@ -1,3 +1,11 @@
+// Covariances and swept cross-products between the scale of the fit and that of the data.
+//
+// The fit works on columns x' = (x - c)/s, because raw columns (years, incomes) differ in size by powers of
+// ten and are nearly proportional to the intercept's. The map back is linear and nearly diagonal: a factor
+// for each parameter, and one row, the intercept's, that takes the centres of all. So T V T' costs a square
+// of the parameters where general products would cost a cube.
+
+#include <algorithm>
 #include <exception>
 
 #include "component/numerics/bit_set.h"
@@ -80,15 +88,6 @@ void ApplyCongruence(MCSymMatrix& V, const std::vector<double>& factor, const st
   }
 }
 
-bool HasShift(const std::vector<double>& shift) {
-  for (const double element : shift) {
-    if (element != 0.0) {
-      return true;
-    }
-  }
-  return false;
-}
-
 }  // namespace
 
 bool MCSymMatrix::TransformParameterMatrix(const std::vector<double>& centers,
@@ -100,12 +99,15 @@ bool MCSymMatrix::TransformParameterMatrix(const std::vector<double>& centers,
     return false;
   }
   try {
+    // Every logit has the same design columns, hence the same map on its block.
     const TransformMap map(centers, scales, nIntercepts, inverse, scaleOnly);
     std::vector<double> factor;
     for (int b = 0; b < nBlocks; ++b) {
       factor.insert(factor.end(), map.fFactor.begin(), map.fFactor.end());
     }
-    if (HasShift(map.fShift)) {
+    const bool isShifted =
+        std::any_of(map.fShift.begin(), map.fShift.end(), [](double x) { return x != 0.0; });
+    if (isShifted) {
       ApplyCongruence(*this, factor, map.fShift, nBlocks);
     } else {
       ScaleBothSides(*this, factor);

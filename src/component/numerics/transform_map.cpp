@@ -1,3 +1,5 @@
+// With x' = (x - c)/s, b'x' = (b'/s) x - b' c/s: the slope is divided by the scale, and what the centre takes
+// off goes to the intercept. The other direction solves for b'.
 #include "component/numerics/transform_map.h"
 
 #include <cstddef>
@@ -12,7 +14,7 @@ TransformMap::TransformMap(const std::vector<double>& centers, const std::vector
     const double center = useCenters ? centers[k] : 0.0;
     if (nIntercepts == 1 && k == 0) {
       fFactor[k] = 1.0;
-    } else if (scales[k] == 0.0) {
+    } else if (scales[k] == 0.0) {  // a constant column is redundant and has no slope to carry over
       continue;
     } else if (inverse) {
       fFactor[k] = scales[k];

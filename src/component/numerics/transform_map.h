@@ -1,3 +1,4 @@
+// The change of scale between the fit and the data; internal to the numerics.
 #pragma once
 
 #include <vector>
@@ -6,7 +7,6 @@ namespace MCCommonMath {
 
 /// The linear map T of one block between the coefficients of the columns x' = (x - c)/s and of the columns x:
 ///   (T b)_k = fFactor[k] b_k for slopes, (T b)_0 = b_0 + sum over k of fShift[k] b_k for an intercept.
-/// Internal to the library.
 struct TransformMap {
   std::vector<double> fFactor;
   std::vector<double> fShift;  // all 0 without an intercept

@@ -1,11 +1,12 @@
+// Element by element functions and sums over short vectors that lie end to end, several elements at a time in
+// vector registers.
 #pragma once
 
 #include <cstddef>
 
 namespace MCCommonMath::vectors {
 
-// Element by element functions and sums over short vectors that lie end to end, several elements at a time in
-// vector registers. Elements are finite.
+// Elements are finite everywhere below.
 
 /// x = exp(x). Good to two units in the last place; below the smallest normal number the result is about that
 /// number or 0.
@@ -14,6 +15,7 @@ void Exp(double* x, std::size_t n);
 /// x = log(1 + x) for x >= 0. Keeps the digits of a small x (Kahan 1979, in Higham 2002, section 1.14).
 void Log1p(double* x, std::size_t n);
 
+/// Sums over n elements, added in as many lanes as a register holds.
 [[nodiscard]] double Sum(const double* x, std::size_t n);
 [[nodiscard]] double Dot(const double* x, const double* y, std::size_t n);
 

@@ -17,12 +17,9 @@ using MCCommonMath::MCMV;
 
 namespace {
 
-// A subpopulation code read from a record is the wanted one within this distance.
+// A subpopulation code read from a record is the wanted one within this distance: a file that is scored may
+// hold codes that were computed.
 constexpr double kCodeTolerance = 0.1;
-
-OrvStatus OutOfMemory(std::size_t parameters) {
-  return OrvStatus::Error(StatusCode::kTooManyParameters).SetInteger(0, static_cast<int>(parameters));
-}
 
 bool IsSubsetOf(const std::vector<int>& part, const std::vector<int>& whole) {
   return std::all_of(part.begin(), part.end(), [&](int column) {
@@ -42,6 +39,7 @@ TavoAlgorithm::TavoAlgorithm(const TavoCompSettings& settings)
 
 TavoAlgorithm::~TavoAlgorithm() = default;
 
+// An error ends the run, so there is one; a warning stays in the list, once, as each pass may meet it again.
 void TavoAlgorithm::Merge(const OrvStatus& status) {
   if (status.IsError()) {
     fStatus = status;
@@ -52,13 +50,6 @@ void TavoAlgorithm::Merge(const OrvStatus& status) {
 }
 
 // ---- first pass ----
-
-void TavoAlgorithm::SetUpExtractors() {
-  const TavoCompSettings& s = fSettings;
-  fPatternExtractor.Set(s.Dependent(), {}, s.Covariates(), s.WeightVar());
-  fDataExtractor.Set(s.Dependent(), s.Factors(), s.Covariates(), s.WeightVar());
-  fScoringRow.resize(static_cast<std::size_t>(fDataExtractor.Size()));
-}
 
 // False when an effect names a column that isn't a factor or covariate of the settings.
 bool TavoAlgorithm::SetUpEffects() {
@@ -87,7 +78,11 @@ OrvStatus TavoAlgorithm::ProcessData(MCCommon::RecordIterator& iterator) {
   if (fbFactorTableFilled) {
     status = OrvStatus::Error(StatusCode::kDataProcessedTwice);
   } else {
-    SetUpExtractors();
+    // A row of a pattern needs no factors: the pattern knows its parameters.
+    const TavoCompSettings& s = fSettings;
+    fPatternExtractor.Set(s.Dependent(), {}, s.Covariates(), s.WeightVar());
+    fDataExtractor.Set(s.Dependent(), s.Factors(), s.Covariates(), s.WeightVar());
+    fScoringRow.resize(static_cast<std::size_t>(fDataExtractor.Size()));
     if (SetUpEffects()) {
       fpPatternTabulator =
           std::make_unique<TavoPatternTabulator>(fSettings, fPatternExtractor, fDataExtractor, fCancel);
@@ -108,12 +103,14 @@ OrvStatus TavoAlgorithm::ProcessData(MCCommon::RecordIterator& iterator) {
 OrvStatus TavoAlgorithm::BuildModel(MCCommon::MultiPassRecordIter& iterator, MCOrv::JointInclProbs* joint) {
   if (fbModelBuilt) return OrvStatus::Error(StatusCode::kModelBuiltTwice);
   if (fStatus.IsError()) return fStatus;
+  // The door of the component: nothing below it throws anything but want of memory, and nothing above it may
+  // meet an exception.
   try {
     RunStages(iterator, joint);
   } catch (const std::bad_alloc&) {
-    Merge(OutOfMemory(static_cast<std::size_t>(fModel.ParameterCount())));
+    Merge(OutOfMemory(fModel.ParameterCount()));
   } catch (const std::length_error&) {
-    Merge(OutOfMemory(static_cast<std::size_t>(fModel.ParameterCount())));
+    Merge(OutOfMemory(fModel.ParameterCount()));
   }
   fpPatternTabulator.reset();
   if (!fStatus.IsError() && fCancel.IsCancelled()) Merge(OrvStatus::Error(StatusCode::kCancelled));
@@ -149,7 +146,7 @@ void TavoAlgorithm::ReduceToPatterns(MCCommon::MultiPassRecordIter& iterator) {
 void TavoAlgorithm::Estimate() {
   TavoAccumStats accumulator(fSettings, fModel.BasicNonRedundantCount(), fModel.CategoryCount(), fEstimates);
   if (!accumulator.IsValid()) {
-    Merge(OutOfMemory(fEstimates.size()));
+    Merge(OutOfMemory(static_cast<int>(fEstimates.size())));
     return;
   }
   TavoPatternEvaluator evaluator(*fpPatternTabulator, accumulator, fModel);
@@ -165,6 +162,8 @@ void TavoAlgorithm::Estimate() {
 
 void TavoAlgorithm::ComputeVariances(MCCommon::MultiPassRecordIter& iterator, MCOrv::JointInclProbs* joint) {
   if (fModel.AllNonRedundantCount() == 0) return;
+  // Each large matrix of the model goes as soon as nobody needs it: several of the square of the parameters
+  // may not stand in memory at once.
   SampleDesign design;
   Merge(FeedDesign(iterator, design, joint));
   if (MayGoOn()) Merge(fModel.ScaleSRSCovariance());
@@ -188,7 +187,7 @@ OrvStatus TavoAlgorithm::FeedDesign(MCCommon::MultiPassRecordIter& iterator, Sam
 
   const int parameters = fModel.ParameterCount();
   if (!design.BuildTree(fSettings.Stages(), parameters)) return OrvStatus::Error(StatusCode::kUserError);
-  if (!design.SetMatrixBlocks({parameters}, {0})) return OutOfMemory(static_cast<std::size_t>(parameters));
+  if (!design.SetMatrixBlocks({parameters}, {0})) return OutOfMemory(parameters);
   status = fSettings.HasClustersInLastStage() ? tabulator.FeedDesignByUnit(fModel, design, joint)
                                               : tabulator.FeedDesignByRecord(fModel, design, joint);
   TakeFindings(tabulator);
@@ -208,6 +207,7 @@ void TavoAlgorithm::ComputeCovariances(const SampleDesign& design) {
   fpInference = std::make_unique<TavoInference>(fSettings, fModel, design, fCancel);
   Merge(fpInference->ComputePECovar(design));
   if (MayGoOn() && fSettings.NeedsSRS()) {
+    // Each case its own unit, drawn from one stratum with equal probabilities: the design is the comparison.
     const bool isItselfSRS = fSettings.IsSingleStageOfEqualProbability() && fNStrata == 1 &&
                              static_cast<double>(fNClusters) == fFactorTables.SampleSize();
     Merge(fpInference->ComputePECovarSRS(isItselfSRS));
@@ -288,7 +288,7 @@ OrvStatus TavoAlgorithm::Predict(const MCCommon::Record& record, std::vector<int
   if (subpop >= 0 && !(std::abs(record[subpop] - fSettings.SubpopValue()) < kCodeTolerance)) {
     return OrvStatus::Error(StatusCode::kOutsideSubpopulation);
   }
-  if (LacksCovariate(record)) return OrvStatus();
+  if (LacksCovariate(record)) return OrvStatus();  // no error: a file that is scored may have gaps
   fDataExtractor.Extract(record.GetAll(), fScoringRow.data());
   return fModel.PredictCategory(fScoringRow.data(), probabilities, category);
 }

@@ -25,21 +25,22 @@ class TavoPatternTabulator;
 /// memory together.
 class TavoAlgorithm {
  public:
-  /// `settings` are lent.
+  /// `settings` are not owned.
   explicit TavoAlgorithm(const TavoCompSettings& settings);
   ~TavoAlgorithm();
 
-  /// First pass: fills the factor tables. 95003 when called twice.
+  /// First pass: fills the factor tables. kDataProcessedTwice; kUserError when an effect names a column that
+  /// is no predictor of the settings; otherwise the errors of ForEachValidRecord.
   OrvStatus ProcessData(MCCommon::RecordIterator& iterator);
-  /// The whole run, ProcessData included. `joint` (lent): the joint inclusion probabilities, which a first
-  /// stage with unequal probabilities without replacement needs (91000 without them) and no other design
-  /// reads. 95005 when called twice; 95045 when memory runs out. The result is an error, or the last warning,
-  /// or OK.
+  /// The whole run, ProcessData included. `joint` (not owned): the joint inclusion probabilities, which a
+  /// first stage with unequal probabilities without replacement needs (kUserError without them) and no other
+  /// design reads. kModelBuiltTwice; kTooManyParameters when memory runs out. The result is an error, or the
+  /// last warning, or OK.
   OrvStatus BuildModel(MCCommon::MultiPassRecordIter& iterator, MCOrv::JointInclProbs* joint = nullptr);
   /// Scores one record: categories (reference last), their probabilities, and the predicted category code.
   /// Code 0 and missing probabilities for a record that lacks a covariate of the model or has a level
-  /// combination that the estimation data didn't have, and with 95037 outside the subpopulation. 95006 before
-  /// the model is built, 91004 for a short record, 1.
+  /// combination that the estimation data didn't have, and with kOutsideSubpopulation outside it.
+  /// kModelNotBuilt, kShortRecord, kCancelled.
   OrvStatus Predict(const MCCommon::Record& record, std::vector<int>& categories,
                     std::vector<double>& probabilities, int& category);
 
@@ -55,14 +56,14 @@ class TavoAlgorithm {
   int StrataCount() const { return fNStrata; }
   int ClusterCount() const { return fNClusters; }
   const std::vector<OrvStatus>& StatusList() const { return fStatusList; }
-  /// The stage and the key values behind 91005, 91008 and 91009; false for other codes.
+  /// The stage (from 1) and the key values behind kInconsistentDesignValue, kMissingInclusionProb and
+  /// kPopulationBelowSample; false for other codes.
   bool WarningDetail(const OrvStatus& status, int& stage, std::vector<int>& keyValues) const;
 
  private:
   bool MayGoOn() const { return !fStatus.IsError() && !fCancel.IsCancelled(); }
   void Merge(const OrvStatus& status);
   void RunStages(MCCommon::MultiPassRecordIter& iterator, MCOrv::JointInclProbs* joint);
-  void SetUpExtractors();
   bool SetUpEffects();
   void SetUpModel();
   void ReduceToPatterns(MCCommon::MultiPassRecordIter& iterator);
@@ -87,7 +88,8 @@ class TavoAlgorithm {
   std::vector<double> fMeanValues;
   OrvCancelInfo fCancel;
   TavoModel fModel;
-  std::vector<double> fEstimates;  // of the kept parameters, on the internal scale; shared with the optimizer
+  // Of the non-redundant parameters, on the scale of the fit; shared with the optimizer.
+  std::vector<double> fEstimates;
   std::unique_ptr<TavoOptimizer> fpOptimizer;
   std::unique_ptr<TavoInference> fpInference;
   std::vector<double> fScoringRow;  // work

@@ -1,3 +1,4 @@
+// Invalid settings leave no algorithm: each call then answers with the error that validation found.
 #include "component/run/component.h"
 
 #include "component/run/algorithm.h"

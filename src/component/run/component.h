@@ -19,12 +19,13 @@ class TavoOutputStats;
 /// Knows nothing of a host. See examples/component_only.cpp for a whole use.
 class TavoComponent {
  public:
-  /// Copies and validates the settings; predictor lists to which their effects refer stay lent.
+  /// Copies and validates the settings; predictor lists to which their effects refer are not owned.
   explicit TavoComponent(const TavoCompSettings& settings);
   ~TavoComponent();
 
-  /// Runs all stages. Once only: a second call answers 95005 and changes nothing. `joint` (lent): the joint
-  /// inclusion probabilities of a first stage with unequal probabilities without replacement.
+  /// Runs all stages. Once only: a second call answers kModelBuiltTwice and changes nothing. `joint` (not
+  /// owned): the joint inclusion probabilities of a first stage with unequal probabilities without
+  /// replacement.
   OrvStatus BuildModel(MCCommon::MultiPassRecordIter& iterator, MCOrv::JointInclProbs* joint = nullptr);
 
   const OrvStatus& Status() const { return fStatus; }
@@ -33,7 +34,7 @@ class TavoComponent {
   std::vector<OrvStatus> WarningList() const;
   /// The stage (from 1) and the codes of the stratum or unit behind a design status; false for other codes.
   bool WarningDetail(const OrvStatus& status, int& stage, std::vector<int>& keyValues) const;
-  /// The results, lent; 95006 and null before the model is built.
+  /// The results, which the component owns; kModelNotBuilt and null before the model is built.
   OrvStatus OutputStatistics(const TavoOutputStats*& statistics);
   /// Scores one record; see TavoAlgorithm::Predict.
   OrvStatus Predict(const MCCommon::Record& record, std::vector<int>& categories,

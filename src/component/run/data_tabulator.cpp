@@ -1,13 +1,12 @@
 #include "component/run/data_tabulator.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cassert>
 #include <cstdint>
 #include <utility>
 
 #include "component/design/sample_design.h"
 #include "component/estimation/model.h"
-#include "component/numerics/machine_constants.h"
 #include "component/numerics/missing_value.h"
 #include "component/run/record_pass.h"
 
@@ -15,18 +14,12 @@ namespace tavo {
 
 using MCCommonMath::IsMissing;
 using MCCommonMath::MCMV;
-using MCCommonMath::MCPower;
 
 namespace {
 
 /// Codes of a valid record are whole.
 std::int32_t CodeOf(double cell) {
   return static_cast<std::int32_t>(cell);
-}
-
-/// Values that were computed in two ways may differ in their last digits.
-bool Differ(double stored, double value) {
-  return std::abs(stored - value) > 2.0 * stored * MCPower::gMachineEpsilon;
 }
 
 }  // namespace
@@ -69,6 +62,8 @@ OrvStatus TavoDataTabulator::ProcessCase(const double* record) {
     const int found = isNew ? EnterConstants(record, data) : CompareConstants(record, data);
     if (found >= 0) status = ReportInconsistent(found, unit.key);
   }
+  // Records outside the subpopulation stay in the design, as the spread of the units' zeros is part of the
+  // variance of a subpopulation (Cochran 1977, ch. 2): dropping them would make its size look fixed.
   const int subpop = fSettings.SubpopVar();
   if (subpop >= 0 && CodeOf(record[subpop]) != fSettings.SubpopValue()) {
     ++data.subpopComplement;
@@ -121,7 +116,7 @@ int TavoDataTabulator::CompareConstants(const double* record, OrvRClusterData& d
     if (IsMissing(stored)) {
       stored = value;
       found = static_cast<int>(c);
-    } else if (found < 0 && Differ(stored, value)) {
+    } else if (found < 0 && DesignValuesDiffer(stored, value)) {
       found = static_cast<int>(c);
     }
   }
@@ -129,7 +124,7 @@ int TavoDataTabulator::CompareConstants(const double* record, OrvRClusterData& d
 }
 
 void TavoDataTabulator::NoteFinding(int index, const OrvKey& key) {
-  if (index < 0 || static_cast<std::size_t>(index) >= fConstFindings.size()) return;
+  assert(index >= 0 && static_cast<std::size_t>(index) < fConstFindings.size());
   fConstFindings[static_cast<std::size_t>(index)] = {true, key};
 }
 
@@ -152,7 +147,7 @@ template <class AddUnit>
 OrvStatus TavoDataTabulator::FeedDesign(SampleDesign& design, MCOrv::JointInclProbs* joint,
                                         AddUnit&& addUnit) {
   if (!fbSourceProcessed) return OrvStatus::Error(StatusCode::kUserError);
-  OrvStatus status;
+  OrvStatus status;  // the first error, until then the last warning
   const auto take = [&status](const OrvStatus& answer) {
     if (!status.IsError() && !answer.IsOK()) status = answer;
   };
@@ -240,8 +235,7 @@ OrvStatus TavoDataTabulator::CheckStageValues(SampleDesign& design, const Unit& 
   int index = -1;
   if (fConstFindings.empty() || !design.ReadsStageValues()) return OrvStatus();
   if (design.SetStageValues(unit.payload.constValues, fault, index)) return OrvStatus();
-  const bool isKnown = index >= 0 && static_cast<std::size_t>(index) < fConstFindings.size();
-  if (fault != DesignFault::kUnequalValue || !isKnown) return OrvStatus::Error(StatusCode::kUserError);
+  assert(fault == DesignFault::kUnequalValue);
   return ReportInconsistent(index, unit.key);
 }
 
@@ -249,18 +243,13 @@ OrvStatus TavoDataTabulator::CloseDesignLevels(SampleDesign& design, int prefix,
   DesignFault fault = DesignFault::kNone;
   int index = -1;
   if (design.CloseLevels(prefix, fault, index)) return OrvStatus();
-  switch (fault) {
-    case DesignFault::kMissingValue:
-      NoteFinding(index, unit.key);
-      return OrvStatus::Error(StatusCode::kMissingInclusionProb).SetInteger(1, index);
-    case DesignFault::kPopulationTooSmall:
-      fPopulationKeys.push_back(unit.key);
-      return OrvStatus::Error(StatusCode::kPopulationBelowSample).SetInteger(1, index);
-    case DesignFault::kNone:
-    case DesignFault::kUnequalValue:
-      break;
+  if (fault == DesignFault::kMissingValue) {
+    NoteFinding(index, unit.key);
+    return OrvStatus::Error(StatusCode::kMissingInclusionProb).SetInteger(1, index);
   }
-  return OrvStatus::Error(StatusCode::kUserError);
+  assert(fault == DesignFault::kPopulationTooSmall);
+  fPopulationKeys.push_back(unit.key);
+  return OrvStatus::Error(StatusCode::kPopulationBelowSample).SetInteger(1, index);
 }
 
 }  // namespace tavo

@@ -1,4 +1,8 @@
 // The third pass: the sample sorted into design units, and each unit's score handed to the design tree.
+//
+// An example with the key (stratum, cluster) and the units (1, 1), (1, 2), (2, 1): between the first two one
+// value is shared, so a cluster has ended; between the last two none is, so the stratum has ended with it;
+// after the last one everything ends.
 #pragma once
 
 #include <cstddef>
@@ -36,16 +40,19 @@ struct DesignFinding {
 /// the length of the key prefix that two neighbours share tells which levels of the design end between them.
 class TavoDataTabulator {
  public:
-  /// Everything is lent.
+  /// Nothing is owned.
   TavoDataTabulator(const TavoCompSettings& settings, const OrvRecordExtractor& extractor,
                     const OrvCancelInfo& cancel);
 
-  /// The pass itself, once. 91000 for a second call, 91001 to 91006, 1; warning 91005.
+  /// The pass itself, once. kUserError for a second call, otherwise the errors of ForEachValidRecord; warning
+  /// kInconsistentDesignValue.
   OrvStatus TabulateDesign(MCCommon::RecordIterator& iterator);
-  /// The feeds answer 91000 before TabulateDesign, 91008 and 91009 for a fault of the design, 1; warning
-  /// 91005. `joint` (lent, null for a design that needs none) gives the joint inclusion probabilities: 91012
-  /// when it has no valid stratum of a key, 91010 when the stratum lacks a unit of the sample, warning 91011,
-  /// once, when the sample lacks a unit of a stratum.
+  /// The feeds answer kUserError before TabulateDesign, kMissingInclusionProb and kPopulationBelowSample for
+  /// a fault of the design, kCancelled; warning kInconsistentDesignValue. `joint` (not owned, null for a
+  /// design that needs none) gives the joint inclusion probabilities: kJointFileUnreadable when it has no
+  /// valid stratum of a key, kUserError when its stratum doesn't fit together, kClusterNotInJointFile when
+  /// the stratum lacks a unit of the sample, and once the warning kJointFileHasMoreUnits when the sample
+  /// lacks a unit of a stratum.
   ///
   /// For designs whose last stage has clusters: one unit per key, the sum of its rows' scores.
   OrvStatus FeedDesignByUnit(TavoModel& model, SampleDesign& design, MCOrv::JointInclProbs* joint = nullptr);
@@ -104,7 +111,7 @@ class TavoDataTabulator {
   std::size_t fNUnitsMet = 0;  // units of the stratum that the sample has
   bool fbNewStratum = true;
   bool fbNewCluster = true;
-  bool fbJProbStatus = false;  // 91011 was reported
+  bool fbJProbStatus = false;  // kJointFileHasMoreUnits was reported
 };
 
 }  // namespace tavo

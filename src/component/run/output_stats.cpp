@@ -1,3 +1,5 @@
+// Copies what is small, so that reports never depend on what the algorithm releases; questions about
+// hypotheses and odds ratios are passed on, as they are answered when they are asked.
 #include "component/run/output_stats.h"
 
 #include "component/run/algorithm.h"
@@ -14,8 +16,7 @@ TavoOutputStats::TavoOutputStats(const TavoAlgorithm& algorithm)
       fSubpopulationSize(algorithm.FactorTables().TotalWeight()),
       fNStrata(algorithm.StrataCount()),
       fNUnits(algorithm.ClusterCount()),
-      fNDegFreedom(algorithm.Settings().DegreesOfFreedom()) {
-  if (!(fNDegFreedom > 0.0)) fNDegFreedom = fNUnits - fNStrata;
+      fNDegFreedom(algorithm.Settings().DegreesOfFreedom(fNUnits, fNStrata)) {
   if (const TavoOptimizer* optimizer = algorithm.Optimizer()) {
     optimizer->ComputeRSquares(fCoxSnell, fNagelkerke, fMcFadden);
   }
@@ -28,16 +29,16 @@ TavoOutputStats::TavoOutputStats(const TavoAlgorithm& algorithm)
 
 /// What the model alone knows of each parameter.
 void TavoOutputStats::FillParamStats() {
-  const MCCommonMath::MCBitSet& kept = fAlgorithm.Model().AllBits();
+  const MCCommonMath::MCBitSet& nonRedundant = fAlgorithm.Model().AllBits();
   const std::size_t count = fParameters.size();
   fParamStats.resize(count);
   fRedundancyBits.assign(count, false);
-  if (static_cast<std::size_t>(kept.Size()) != count || fParamEstimates.size() != count) return;
+  if (static_cast<std::size_t>(nonRedundant.Size()) != count || fParamEstimates.size() != count) return;
   for (std::size_t i = 0; i < count; ++i) {
     OrvParamStats& row = fParamStats[i];
     row.parameterIndex = static_cast<int>(i);
     row.estimate = fParamEstimates[i];
-    row.redundant = !kept.IsIn(row.parameterIndex);
+    row.redundant = !nonRedundant.IsIn(row.parameterIndex);
     row.effectIndex = fParameters[i].effectIndex;
     fRedundancyBits[i] = row.redundant;
   }

@@ -18,8 +18,8 @@ namespace tavo {
 
 class TavoAlgorithm;
 
-/// A read-only facade. Lends from the algorithm, which must outlive it, what is large; copies the rest. A run
-/// without fit or covariance leaves missing values.
+/// A read-only facade. Refers to what is large in the algorithm, which is not owned and must outlive it, and
+/// copies the rest. A run without fit or covariance leaves missing values.
 class TavoOutputStats {
  public:
   explicit TavoOutputStats(const TavoAlgorithm& algorithm);
@@ -54,14 +54,14 @@ class TavoOutputStats {
   /// A set entry marks a redundant parameter.
   const std::vector<bool>& RedundancyBits() const { return fRedundancyBits; }
 
-  /// The tests of TavoInference, which tells the arguments; 91000 without one.
+  /// The tests of TavoInference, which tells the arguments; kUserError without one.
   OrvStatus TestEffect(int effect, MCCommonMath::MCRectMatrix& L, std::vector<int>& columns,
                        OrvTestStats& overall) const;
   OrvStatus GeneralEstimableFunction(MCCommonMath::MCRectMatrix& L, std::vector<int>& columns) const;
   OrvStatus TestCustom(const OrvCustomTest& test, TestType type, PAdjustMethod method,
                        MCCommonMath::MCRectMatrix& L, std::vector<OrvTestStats>& rows,
                        OrvTestStats& overall) const;
-  /// The odds ratios of a request over record columns; see TavoOddsRatioEstimator. 91000 without a
+  /// The odds ratios of a request over record columns; see TavoOddsRatioEstimator. kUserError without a
   /// covariance.
   OrvStatus OddsRatios(const OrvOddsRatioSpec& request, std::vector<TavoOddsRatioStats>& results,
                        std::vector<TavoOddsRatioEstimator::FixedPair>& fixedPairs,

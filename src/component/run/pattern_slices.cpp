@@ -12,14 +12,6 @@
 
 namespace tavo {
 
-namespace {
-
-OrvStatus OutOfMemory() {
-  return OrvStatus::Error(StatusCode::kTooManyParameters);
-}
-
-}  // namespace
-
 // ---- slices and workers ----
 
 TavoPatternTabulator::RowPlace TavoPatternTabulator::PlaceOfRow(std::size_t row) const {
@@ -107,7 +99,7 @@ void TavoPatternTabulator::SetMode(EstimationMethod method, bool separationCheck
 OrvStatus TavoPatternTabulator::EvaluateRows(bool likelihoodOnly) {
   assert(fbPatternsCreated && fpAccumulator != nullptr);
   const auto isUsable = [](const auto& clone) { return clone != nullptr && clone->IsValid(); };
-  if (!std::all_of(fClones.begin(), fClones.end(), isUsable)) return OutOfMemory();
+  if (!std::all_of(fClones.begin(), fClones.end(), isUsable)) return OutOfMemory(fpModel->ParameterCount());
   fbLikelihoodOnly = likelihoodOnly;
   OrvStatus status;
   if (fNSlices == 1) {
@@ -146,7 +138,7 @@ OrvStatus TavoPatternTabulator::EvaluateSlice(int slice) const {
   try {
     return EvaluateRange(slice, accumulator);
   } catch (const std::exception&) {  // only memory can run out here
-    return OutOfMemory();
+    return OutOfMemory(fpModel->ParameterCount());
   }
 }
 

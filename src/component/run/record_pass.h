@@ -10,8 +10,9 @@ namespace tavo {
 
 /// Hands the data array of every valid record to `visit`, which answers with an OrvStatus, until the stream
 /// ends, an error arises or somebody cancels. `status` is the state so far: it keeps the first error, or the
-/// last warning. 91001 when the stream is empty or no record was valid, 91000 when the stream failed, 91002
-/// to 91004 for a record that can't be read, 91006 for one that can't be, 1 for a cancel.
+/// last warning. kNoRecords when the stream is empty or no record was valid, kUserError when the stream
+/// failed; kNullRecord, kNullRecordData and kShortRecord for a record that can't be read, kInvalidValue for
+/// one that can't be, kCancelled.
 template <class Visit>
 void ForEachValidRecord(MCCommon::RecordIterator& iterator, const OrvRecordValidator& validator,
                         const OrvCancelInfo& cancel, OrvStatus& status, Visit&& visit) {

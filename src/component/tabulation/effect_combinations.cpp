@@ -1,6 +1,9 @@
+// Every record looks up its combination of each effect in each pass, so the common case, a factor or a small
+// grid, is an index into an array: mixed radix, the last factor varying fastest, which is the sorted order.
 #include "component/tabulation/effect_combinations.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace tavo {
 
@@ -19,7 +22,7 @@ OrvEffectCombinations::OrvEffectCombinations(std::vector<int> factors, const std
   std::int64_t cells = 1;
   for (std::size_t i = fFactors.size(); i-- > 0;) {
     fStrides[i] = cells;
-    cells *= categoryCounts[fFactors[i]];
+    cells *= categoryCounts[fFactors[i]];  // an int times 65536 at most: no overflow
     if (cells > kLargestDirectTable && fFactors.size() > 1) return;
   }
   fNumbers.assign(static_cast<std::size_t>(cells), kAbsent);
@@ -36,7 +39,7 @@ void OrvEffectCombinations::Enter(const std::vector<int>& levels) {
     std::int64_t cell = 0;
     for (std::size_t i = 0; i < fFactors.size(); ++i)
       cell += fStrides[i] * levels[fFactors[i]];
-    fNumbers[static_cast<std::size_t>(cell)] = 0;
+    fNumbers[static_cast<std::size_t>(cell)] = 0;  // that it occurs; the number comes at the end
   } else {
     FillKey(levels);
     fTable.Insert(fKey);
@@ -69,7 +72,7 @@ int OrvEffectCombinations::NumberOf(const std::vector<int>& levels) {
     return node == nullptr ? -1 : node->payload;
   }
   std::int64_t cell = 0;
-  int anyNegative = 0;
+  int anyNegative = 0;  // the sign bit of any level, without a branch for each
   for (std::size_t i = 0; i < fFactors.size(); ++i) {
     const int level = levels[fFactors[i]];
     anyNegative |= level;
@@ -79,6 +82,7 @@ int OrvEffectCombinations::NumberOf(const std::vector<int>& levels) {
 }
 
 void OrvEffectCombinations::LevelsOf(int number, std::vector<int>& levels) const {
+  assert(number >= 0 && number < fNCombinations);
   const auto index = static_cast<std::size_t>(number);
   levels.clear();
   if (!IsDirect()) {

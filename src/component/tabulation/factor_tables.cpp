@@ -1,3 +1,6 @@
+// The first pass. Means and sums of squares run along with the records (West 1979, the weighted form of
+// Welford 1962): the spread of a year of birth, taken from sums of its squares, would have lost its digits.
+// Sums of weights are compensated, as there may be millions of terms.
 #include "component/tabulation/factor_tables.h"
 
 #include <algorithm>
@@ -22,7 +25,7 @@ int LevelOf(double value, int count) {
 }
 
 /// The running mean after a value with `share` of the weight so far. A mean that cancelled to rounding noise
-/// becomes exactly 0.
+/// becomes exactly 0, so that a centred covariate stays centred and isn't shifted by 1e-17 hereafter.
 double UpdatedMean(double mean, double deviation, double share) {
   const double updated = mean + deviation * share;
   return 2.0 * std::abs(mean) * MCPower::gMachineEpsilon > std::abs(updated) ? 0.0 : updated;
@@ -88,6 +91,7 @@ int OrvFactorTables::LocalFactor(int column) const {
 
 bool OrvFactorTables::SetEffects(const std::vector<std::vector<int>>& effectFactors,
                                  const std::vector<int>& extractPositions) {
+  // Into local variables first: a refused list leaves the tables as they were.
   if (extractPositions.size() < fFactorColumns.size()) return false;
   std::vector<std::vector<int>> local(effectFactors.size());
   for (std::size_t e = 0; e < effectFactors.size(); ++e) {
@@ -168,7 +172,7 @@ void OrvFactorTables::UpdateCovariateMeans(const double* record, double share) {
 
 void OrvFactorTables::UpdateEffectSpreads(const double* record, double share, double weightBefore) {
   for (const Product& product : fProducts) {
-    double value = 1.0;
+    double value = 1.0;  // powers by repeated multiplication, as in the design rows of the fit
     for (const Term& term : product.terms) {
       for (int power = 0; power < term.power; ++power)
         value *= record[term.column];
@@ -181,6 +185,8 @@ void OrvFactorTables::UpdateEffectSpreads(const double* record, double share, do
 
 // ---- parameters ----
 
+// Sparse: an effect has a parameter for each combination that the data hold, none for the empty cells of its
+// grid. A crossing of five factors may have a million cells and two hundred combinations.
 int OrvFactorTables::AssignParameters() {
   int next = 0;
   for (std::size_t e = 0; e < fEffectFactors.size(); ++e) {
@@ -261,6 +267,8 @@ void OrvFactorTables::ComputeTransformation(bool hasIntercept) {
     std::fill(fScales.begin(), fScales.end(), 1.0);
     return;
   }
+  // An effect without covariates counts as a sum of squares of 1: with an intercept its columns stay as they
+  // are, without one they are scaled by the root of the total weight like all others.
   for (std::size_t e = 0; e < fCentres.size(); ++e) {
     if (fEffectCovariates[e].empty()) fScales[e] = 1.0;
     if (fEffectCovariates[e].empty() && hasIntercept) continue;

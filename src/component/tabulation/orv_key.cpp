@@ -1,3 +1,5 @@
+// Codes are small and near one another, so each position of a key gets a prime of its own: (1, 2) and (2, 1)
+// hash apart. The hash is part of no result, as tables are sorted before they are read.
 #include "component/tabulation/orv_key.h"
 
 #include <algorithm>
@@ -22,7 +24,8 @@ void OrvKey::ComputeHash() {
 }
 
 bool operator<(const OrvKey& a, const OrvKey& b) {
-  if (a.fValues.size() != b.fValues.size()) return a.fValues.size() < b.fValues.size();
+  if (a.fValues.size() != b.fValues.size())
+    return a.fValues.size() < b.fValues.size();  // a vector would put (1, 2) before (2)
   return a.fValues < b.fValues;
 }
 

@@ -1,3 +1,5 @@
+// A pattern is a vector of small numbers; packed into a few ints it is compared and hashed in a few
+// operations.
 #include "component/tabulation/packed_int.h"
 
 #include <algorithm>
@@ -47,6 +49,7 @@ bool OrvPackedInt::Pack(const std::vector<int>& values, std::vector<int>& units,
     }
   }
   units.resize(static_cast<std::size_t>(fNUnits));
+  // Within a unit the multiplier is the product of the counts before, so it starts at 1 in each unit.
   int packed = 0;
   int multiplier = 1;
   std::size_t unit = 0;
@@ -66,6 +69,7 @@ bool OrvPackedInt::Pack(const std::vector<int>& values, std::vector<int>& units,
 bool OrvPackedInt::Unpack(std::vector<int>& values, const std::vector<int>& units) const {
   if (units.size() < static_cast<std::size_t>(fNUnits)) return false;
   if (values.size() < static_cast<std::size_t>(fSize)) values.resize(static_cast<std::size_t>(fSize));
+  // From the most significant digit down: each division leaves the digits below as its rest.
   std::size_t i = static_cast<std::size_t>(fSize);
   for (std::size_t unit = static_cast<std::size_t>(fNUnits); unit-- > 0;) {
     int rest = units[unit];

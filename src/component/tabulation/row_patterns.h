@@ -5,7 +5,7 @@
 
 namespace tavo {
 
-/// Rows laid end to end.
+/// Rows laid end to end, so that a pattern is one block of memory: how long a row is, the tabulator knows.
 class TavoRowPatterns {
  public:
   std::vector<double>& RecordData() { return fRecordData; }

@@ -90,10 +90,10 @@ inline const std::vector<double>& RootCovariance(const SampleDesign& design) {
 
 /// Total and variance of a variable at the root.
 inline double RootTotal(const SampleDesign& design, int variable) {
-  return design.Root()->Variances().Values(variable)[1];
+  return design.Root()->Variances().Estimate(variable).total;
 }
 inline double RootVariance(const SampleDesign& design, int variable) {
-  return design.Root()->Variances().Values(variable)[2];
+  return design.Root()->Variances().Estimate(variable).variance;
 }
 
 }  // namespace design_test

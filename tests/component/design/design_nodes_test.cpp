@@ -20,10 +20,10 @@ void CloseStratum(StrataNode& strata, const std::vector<double>& units) {
 TEST(StrataNode, WithAStratumOfOneUnitGetsNoVarianceAndNoDegreesOfFreedomFromIt) {
   StrataNode strata(1);
   CloseStratum(strata, {5.0});
-  const double* v = strata.Variances().Values(0);
-  EXPECT_EQ(v[0], 1.0);
-  EXPECT_EQ(v[2], 0.0);
-  EXPECT_EQ(v[3], 1.0);
+  const TotalEstimate& estimate = strata.Variances().Estimate(0);
+  EXPECT_EQ(estimate.strata, 1.0);
+  EXPECT_EQ(estimate.units, 1.0);
+  EXPECT_EQ(estimate.variance, 0.0);
   EXPECT_EQ(strata.DegreesOfFreedom(0), 0.0);
 }
 
@@ -31,7 +31,7 @@ TEST(StrataNode, DoesNotCountAStratumWithoutUnits) {
   StrataNode strata(1);
   CloseStratum(strata, {kMissing, kMissing});
   CloseStratum(strata, {1.0, 2.0});
-  EXPECT_EQ(strata.Variances().Values(0)[0], 1.0);
+  EXPECT_EQ(strata.Variances().Estimate(0).strata, 1.0);
   EXPECT_EQ(strata.DegreesOfFreedom(0), 1.0);
 }
 
@@ -41,15 +41,15 @@ TEST(StrataNode, HasTheSumOfTheVariancesOfItsStrata) {
   CloseStratum(strata, {2.0, 12.0});  // 100
   CloseStratum(strata, {7.0});        // 0
   EXPECT_TRUE(strata.Finish());
-  EXPECT_EQ(strata.Variances().Values(0)[2], 109.0);
+  EXPECT_EQ(strata.Variances().Estimate(0).variance, 109.0);
   EXPECT_EQ(strata.DegreesOfFreedom(0), 2.0);
 }
 
 TEST(ClustersNode, HasUnitsMinusOneDegreesOfFreedom) {
   ClustersNode clusters(2, 0.0, false);
-  EXPECT_EQ(clusters.DegreesOfFreedom(0), 0.0);
   clusters.AddUnit({1.0, kMissing});
   clusters.AddUnit({1.0, kMissing});
+  ASSERT_TRUE(clusters.Finish());
   EXPECT_EQ(clusters.DegreesOfFreedom(0), 1.0);
   EXPECT_EQ(clusters.DegreesOfFreedom(1), 0.0);
 }
@@ -60,7 +60,7 @@ TEST(ClustersNode, WithTooSmallAPopulationFailsAndLeavesTheParentUnchanged) {
   clusters.AddUnit({1.0});
   clusters.AddUnit({2.0});
   EXPECT_FALSE(DesignNode::FinishUpward(strata, clusters));
-  EXPECT_EQ(strata.Variances().Values(0)[0], 0.0);
+  EXPECT_EQ(strata.Variances().Estimate(0).strata, 0.0);
 }
 
 TEST(DesignNode, IsClearedWhenItHasBeenMergedIntoItsParent) {
@@ -71,7 +71,8 @@ TEST(DesignNode, IsClearedWhenItHasBeenMergedIntoItsParent) {
   for (const double x : {1.0, 4.0})
     clusters.AddUnit({x});
   ASSERT_TRUE(DesignNode::FinishUpward(strata, clusters));
-  EXPECT_EQ(clusters.Variances().Values(0)[0], 0.0);
+  EXPECT_EQ(clusters.Variances().Units(0).count, 0.0);
+  EXPECT_EQ(clusters.Variances().Estimate(0).units, 0.0);
   EXPECT_EQ(clusters.Covariances()->Count(0), 0.0);
   EXPECT_EQ(*clusters.Covariances()->Block(0), std::vector<double>{0.0});
   EXPECT_EQ(*strata.Covariances()->Block(0), std::vector<double>{9.0});

@@ -239,11 +239,9 @@ TEST(JointDesign, IsRefusedInALaterStageAndWithoutClusters) {
   EXPECT_FALSE(design.NeedsJointProbabilities());
 }
 
-TEST(JointDesign, TakesJointProbabilitiesOnlyWithAPsuNode) {
-  SampleDesign design = Build({WithReplacement(0, 1)}, 1);
-  EXPECT_FALSE(design.NeedsJointProbabilities());
-  EXPECT_FALSE(design.SetJointProbabilities(1, {0.5}));
-  EXPECT_FALSE(design.SetUnitIndex(1));
+TEST(JointDesign, NeedsJointProbabilitiesForUnequalOnesAlone) {
+  EXPECT_FALSE(Build({WithReplacement(0, 1)}, 1).NeedsJointProbabilities());
+  EXPECT_TRUE(Build({Unequal(0, 1)}, 1).NeedsJointProbabilities());
 }
 
 }  // namespace

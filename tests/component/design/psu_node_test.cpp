@@ -12,6 +12,7 @@ using tavo::ClustersNode;
 using tavo::DesignNode;
 using tavo::PSUNode;
 using tavo::StrataNode;
+using tavo::TotalEstimate;
 
 constexpr double kMissing = MCCommonMath::MCMV::gMissingValue;
 
@@ -23,8 +24,8 @@ void AddUnits(PSUNode& node, const std::vector<std::vector<double>>& units) {
   }
 }
 
-const double* Values(const DesignNode& node) {
-  return node.Variances().Values(0);
+const TotalEstimate& Estimate(const DesignNode& node) {
+  return node.Variances().Estimate(0);
 }
 
 TEST(JointUnits, HavePairWeightsBelowTheDiagonalOnly) {
@@ -39,9 +40,9 @@ TEST(PSUNode, WithIndependentUnitsHasNoVariance) {
   ASSERT_TRUE(node.SetJointProbabilities(2, {0.5, 0.25, 0.25, 0.5}));
   AddUnits(node, {{3.0}, {11.0}});
   EXPECT_TRUE(node.Finish());
-  EXPECT_EQ(Values(node)[0], 2.0);
-  EXPECT_EQ(Values(node)[1], 14.0);
-  EXPECT_EQ(Values(node)[2], 0.0);
+  EXPECT_EQ(Estimate(node).units, 2.0);
+  EXPECT_EQ(Estimate(node).total, 14.0);
+  EXPECT_EQ(Estimate(node).variance, 0.0);
   EXPECT_EQ(node.DegreesOfFreedom(0), 1.0);
 }
 
@@ -51,9 +52,9 @@ TEST(PSUNode, OfOneUnitHasNoVariance) {
   ASSERT_TRUE(node.SetJointProbabilities(1, {0.3}));
   AddUnits(node, {{5.0}});
   EXPECT_TRUE(node.Finish());
-  EXPECT_EQ(Values(node)[0], 1.0);
-  EXPECT_EQ(Values(node)[1], 5.0);
-  EXPECT_EQ(Values(node)[2], 0.0);
+  EXPECT_EQ(Estimate(node).units, 1.0);
+  EXPECT_EQ(Estimate(node).total, 5.0);
+  EXPECT_EQ(Estimate(node).variance, 0.0);
   EXPECT_EQ(*node.Covariances()->Block(0), std::vector<double>{0.0});
   EXPECT_EQ(node.DegreesOfFreedom(0), 0.0);
 }
@@ -68,9 +69,9 @@ TEST(PSUNode, HasThePairwiseVarianceAndCovarianceOfItsUnits) {
   ASSERT_TRUE(node.SetJointProbabilities(3, kThree));
   AddUnits(node, {{1.0, 2.0}, {3.0, 2.0}, {7.0, 0.0}});
   EXPECT_TRUE(node.Finish());
-  EXPECT_NEAR(Values(node)[2], 18.0, 1e-13);
+  EXPECT_NEAR(Estimate(node).variance, 18.0, 1e-13);
   // Second variable: 0.5 * 4 - 0.25 * 4 = 1. Products: 0.5 * 6 * -2 - 0.25 * 4 * -2 = -4.
-  EXPECT_NEAR(node.Variances().Values(1)[2], 1.0, 1e-14);
+  EXPECT_NEAR(node.Variances().Estimate(1).variance, 1.0, 1e-14);
   const std::vector<double>& packed = *node.Covariances()->Block(0);
   EXPECT_NEAR(packed[0], 18.0, 1e-13);
   EXPECT_NEAR(packed[1], -4.0, 1e-13);
@@ -88,7 +89,7 @@ TEST(PSUNode, UsesTheLowerTriangleForBothUnitsOfAPair) {
   ASSERT_TRUE(node.SetJointProbabilities(3, asymmetric));
   AddUnits(node, {{1.0}, {3.0}, {7.0}});
   EXPECT_TRUE(node.Finish());
-  EXPECT_NEAR(Values(node)[2], 18.0, 1e-13);
+  EXPECT_NEAR(Estimate(node).variance, 18.0, 1e-13);
   EXPECT_NEAR((*node.Covariances()->Block(0))[0], 18.0, 1e-13);
 }
 
@@ -97,7 +98,7 @@ TEST(PSUNode, CanHaveANegativeVariance) {
   ASSERT_TRUE(node.SetJointProbabilities(2, {0.5, 0.4, 0.4, 0.5}));
   AddUnits(node, {{0.0}, {4.0}});
   EXPECT_TRUE(node.Finish());
-  EXPECT_DOUBLE_EQ(Values(node)[2], (0.25 / 0.4 - 1.0) * 16.0);
+  EXPECT_DOUBLE_EQ(Estimate(node).variance, (0.25 / 0.4 - 1.0) * 16.0);
 }
 
 TEST(PSUNode, LeavesOutAUnitOfTheMatrixThatGetsNoTotal) {
@@ -109,9 +110,9 @@ TEST(PSUNode, LeavesOutAUnitOfTheMatrixThatGetsNoTotal) {
   ASSERT_TRUE(node.SetUnitIndex(1));
   node.AddUnit({1.0});
   EXPECT_TRUE(node.Finish());
-  EXPECT_EQ(Values(node)[0], 2.0);
-  EXPECT_EQ(Values(node)[1], 8.0);
-  EXPECT_NEAR(Values(node)[2], 18.0, 1e-13);  // 0.5 * 36
+  EXPECT_EQ(Estimate(node).units, 2.0);
+  EXPECT_EQ(Estimate(node).total, 8.0);
+  EXPECT_NEAR(Estimate(node).variance, 18.0, 1e-13);  // 0.5 * 36
   EXPECT_EQ(node.Covariances()->Count(0), 2.0);
   EXPECT_NEAR((*node.Covariances()->Block(0))[0], 18.0, 1e-13);
 }
@@ -136,8 +137,8 @@ TEST(PSUNode, OfMoreStagesHoldsATotalAndAVariancePerVariable) {
   ASSERT_TRUE(DesignNode::FinishUpward(node, second));
   EXPECT_TRUE(node.Finish());
   // Weight 0.4 / 0.2 - 1 = 1, differences 2 and 1; below 0.5 times the variances.
-  EXPECT_NEAR(Values(node)[2], 4.0 + 0.5 * 8.0, 1e-13);
-  EXPECT_NEAR(node.Variances().Values(1)[2], 1.0 + 0.5 * 2.0, 1e-13);
+  EXPECT_NEAR(Estimate(node).variance, 4.0 + 0.5 * 8.0, 1e-13);
+  EXPECT_NEAR(node.Variances().Estimate(1).variance, 1.0 + 0.5 * 2.0, 1e-13);
   const std::vector<double>& packed = *node.Covariances()->Block(0);
   EXPECT_NEAR(packed[0], 8.0, 1e-13);
   EXPECT_NEAR(packed[1], 2.0 + 0.5 * 4.0, 1e-13);
@@ -152,7 +153,7 @@ TEST(PSUNode, WithoutUnitsDoesNotCountInItsParent) {
   ASSERT_TRUE(node.SetJointProbabilities(2, {0.5, 0.2, 0.2, 0.5}));
   AddUnits(node, {{kMissing}, {kMissing}});
   ASSERT_TRUE(DesignNode::FinishUpward(strata, node));
-  EXPECT_EQ(Values(strata)[0], 0.0);
+  EXPECT_EQ(Estimate(strata).strata, 0.0);
   EXPECT_EQ(strata.Covariances()->Count(0), 0.0);
   EXPECT_EQ(node.DegreesOfFreedom(0), 0.0);
 }
@@ -168,9 +169,9 @@ TEST(PSUNode, StartsEachStratumAfresh) {
   ASSERT_TRUE(node.SetJointProbabilities(2, {0.5, 0.2, 0.2, 0.8}));
   AddUnits(node, {{2.0}, {5.0}});
   ASSERT_TRUE(DesignNode::FinishUpward(strata, node));
-  EXPECT_NEAR(Values(strata)[2], 18.0 + 9.0, 1e-13);
+  EXPECT_NEAR(Estimate(strata).variance, 18.0 + 9.0, 1e-13);
   EXPECT_NEAR((*strata.Covariances()->Block(0))[0], 27.0, 1e-13);
-  EXPECT_EQ(Values(strata)[3], 5.0);
+  EXPECT_EQ(Estimate(strata).units, 5.0);
   EXPECT_EQ(strata.DegreesOfFreedom(0), 3.0);
 }
 
@@ -185,7 +186,7 @@ TEST(PSUNode, RefusesAMatrixOfAnotherSizeAndUnitsOutsideIt) {
   EXPECT_FALSE(node.SetUnitIndex(2));
   node.AddUnit({3.0});
   EXPECT_TRUE(node.Finish());
-  EXPECT_EQ(Values(node)[0], 0.0) << "a value without a unit is left out";
+  EXPECT_EQ(Estimate(node).units, 0.0) << "a value without a unit is left out";
 }
 
 }  // namespace

@@ -16,6 +16,19 @@ OrvVariances VariancesOf(const std::vector<double>& units) {
   return variances;
 }
 
+void ExpectNoUnits(const OrvVariances& variances, int variable) {
+  const UnitMoments& units = variances.Units(variable);
+  EXPECT_EQ(units.count, 0.0);
+  EXPECT_EQ(units.mean, 0.0);
+  EXPECT_EQ(units.squares, 0.0);
+  EXPECT_EQ(units.lowerVariance, 0.0);
+  const TotalEstimate& estimate = variances.Estimate(variable);
+  EXPECT_EQ(estimate.strata, 0.0);
+  EXPECT_EQ(estimate.units, 0.0);
+  EXPECT_EQ(estimate.total, 0.0);
+  EXPECT_EQ(estimate.variance, 0.0);
+}
+
 OrvCovariances CovariancesOf(const std::vector<std::vector<double>>& units, bool hasLowerStages = false) {
   OrvCovariances covariances({static_cast<int>(units.front().size())}, {0}, hasLowerStages);
   for (const auto& x : units)
@@ -25,12 +38,14 @@ OrvCovariances CovariancesOf(const std::vector<std::vector<double>>& units, bool
 
 TEST(OrvVariances, OfTwoUnitsHoldHalfTheSquaredDifferenceAndFinishToAllOfIt) {
   OrvVariances variances = VariancesOf({3.0, 7.0});
-  EXPECT_EQ(variances.Values(0)[0], 2.0);
-  EXPECT_EQ(variances.Values(0)[1], 5.0);
-  EXPECT_EQ(variances.Values(0)[2], 8.0);
+  EXPECT_EQ(variances.Units(0).count, 2.0);
+  EXPECT_EQ(variances.Units(0).mean, 5.0);
+  EXPECT_EQ(variances.Units(0).squares, 8.0);
   EXPECT_TRUE(variances.Finish(0.0, false));
-  EXPECT_EQ(variances.Values(0)[1], 10.0);
-  EXPECT_EQ(variances.Values(0)[2], 16.0);
+  EXPECT_EQ(variances.Estimate(0).strata, 1.0);
+  EXPECT_EQ(variances.Estimate(0).units, 2.0);
+  EXPECT_EQ(variances.Estimate(0).total, 10.0);
+  EXPECT_EQ(variances.Estimate(0).variance, 16.0);
 }
 
 TEST(OrvVariances, OfOneUnitAreZeroWithTheFractionOfTheLowerStageStillAdded) {
@@ -38,10 +53,24 @@ TEST(OrvVariances, OfOneUnitAreZeroWithTheFractionOfTheLowerStageStillAdded) {
   ASSERT_TRUE(child.Finish(0.0, false));
   OrvVariances parent(1);
   parent.MergeAsUnit(child);
-  EXPECT_EQ(parent.Values(0)[1], 10.0);
-  EXPECT_EQ(parent.Values(0)[3], 16.0);
+  EXPECT_EQ(parent.Units(0).mean, 10.0);
+  EXPECT_EQ(parent.Units(0).lowerVariance, 16.0);
   EXPECT_TRUE(parent.Finish(0.25, false));
-  EXPECT_EQ(parent.Values(0)[2], 4.0);
+  EXPECT_EQ(parent.Estimate(0).variance, 4.0);
+}
+
+// The example at the head of variances.h: totals 3 and 7 of two of four clusters, each with a variance of 2.
+TEST(OrvVariances, OfHalfTheClustersAreHalfTheSpreadAndHalfTheLowerStage) {
+  OrvVariances parent(1);
+  for (const auto& units : {std::vector<double>{0.5, 2.5}, std::vector<double>{2.5, 4.5}}) {
+    OrvVariances child = VariancesOf(units);
+    ASSERT_TRUE(child.Finish(0.5, false));
+    EXPECT_EQ(child.Estimate(0).variance, 2.0);
+    parent.MergeAsUnit(child);
+  }
+  EXPECT_TRUE(parent.Finish(4.0, true));
+  EXPECT_EQ(parent.Estimate(0).total, 10.0);
+  EXPECT_EQ(parent.Estimate(0).variance, 0.5 * 2.0 * 8.0 + 0.5 * 4.0);
 }
 
 TEST(OrvVariances, WithAPopulationOfTheSampleSizeOnlyLowerStagesCount) {
@@ -52,30 +81,28 @@ TEST(OrvVariances, WithAPopulationOfTheSampleSizeOnlyLowerStagesCount) {
     parent.MergeAsUnit(child);
   }
   EXPECT_TRUE(parent.Finish(2.0, true));
-  EXPECT_EQ(parent.Values(0)[2], 16.0 + 1.0);
+  EXPECT_EQ(parent.Estimate(0).variance, 16.0 + 1.0);
 }
 
 TEST(OrvVariances, WithAPopulationBelowTheSampleTakeTheFractionAsOneAndReturnFalse) {
   OrvVariances variances = VariancesOf({3.0, 7.0});
   EXPECT_FALSE(variances.Finish(1.0, true));
-  EXPECT_EQ(variances.Values(0)[1], 10.0) << "the work is done all the same";
-  EXPECT_EQ(variances.Values(0)[2], 0.0);
+  EXPECT_EQ(variances.Estimate(0).total, 10.0) << "the work is done all the same";
+  EXPECT_EQ(variances.Estimate(0).variance, 0.0);
 }
 
 TEST(OrvVariances, SkipMissingValues) {
   OrvVariances variances(2);
   variances.AddUnit({1.0, kMissing});
   variances.AddUnit({3.0, kMissing});
-  EXPECT_EQ(variances.Values(0)[0], 2.0);
-  for (int k = 0; k < 4; ++k)
-    EXPECT_EQ(variances.Values(1)[k], 0.0);
+  EXPECT_EQ(variances.Units(0).count, 2.0);
+  ExpectNoUnits(variances, 1);
 }
 
 TEST(OrvVariances, WithoutUnitsFinishUnchangedAndFitAnyPopulation) {
   OrvVariances variances(1);
   EXPECT_TRUE(variances.Finish(0.0, true));
-  for (int k = 0; k < 4; ++k)
-    EXPECT_EQ(variances.Values(0)[k], 0.0);
+  ExpectNoUnits(variances, 0);
 }
 
 TEST(OrvVariances, KeepTheirDigitsFarFromZero) {
@@ -85,14 +112,14 @@ TEST(OrvVariances, KeepTheirDigitsFarFromZero) {
   for (int i = 0; i < 1000; ++i)
     variances.AddUnit({1e9 + i % 10});
   ASSERT_TRUE(variances.Finish(0.0, false));
-  EXPECT_NEAR(variances.Values(0)[2], 8250.0 * 1000.0 / 999.0, 1e-4);
+  EXPECT_NEAR(variances.Estimate(0).variance, 8250.0 * 1000.0 / 999.0, 1e-4);
 }
 
 TEST(OrvVariances, ClearToZero) {
   OrvVariances variances = VariancesOf({3.0, 7.0});
+  ASSERT_TRUE(variances.Finish(0.0, false));
   variances.Clear();
-  for (int k = 0; k < 4; ++k)
-    EXPECT_EQ(variances.Values(0)[k], 0.0);
+  ExpectNoUnits(variances, 0);
 }
 
 TEST(OrvVariances, AtAStrataNodeCountStrataAndUnitsAndSumTotalsAndVariances) {
@@ -102,10 +129,10 @@ TEST(OrvVariances, AtAStrataNodeCountStrataAndUnitsAndSumTotalsAndVariances) {
     ASSERT_TRUE(child.Finish(0.0, false));
     strata.MergeAsStratum(child);
   }
-  EXPECT_EQ(strata.Values(0)[0], 2.0);
-  EXPECT_EQ(strata.Values(0)[1], 14.0);
-  EXPECT_EQ(strata.Values(0)[2], 16.0);
-  EXPECT_EQ(strata.Values(0)[3], 3.0);
+  EXPECT_EQ(strata.Estimate(0).strata, 2.0);
+  EXPECT_EQ(strata.Estimate(0).units, 3.0);
+  EXPECT_EQ(strata.Estimate(0).total, 14.0);
+  EXPECT_EQ(strata.Estimate(0).variance, 16.0);
 }
 
 TEST(OrvCovariances, OfTwoUnitsAreTheProductsOfTheirDifferences) {
@@ -181,7 +208,7 @@ TEST(OrvCovariances, HaveTheVariancesOnTheirDiagonal) {
     ASSERT_TRUE(covariances.Finish(0.3, false));
     const std::vector<double>& packed = *covariances.Block(0);
     for (int i = 0; i < 3; ++i) {
-      const double expected = variances.Values(i)[2];
+      const double expected = variances.Estimate(i).variance;
       EXPECT_NEAR(packed[static_cast<std::size_t>(i * (i + 3) / 2)], expected, 1e-14 * expected) << units;
     }
   }

@@ -16,25 +16,41 @@ TEST(OrvStatus, DefaultRecordIsOK) {
 }
 
 TEST(OrvStatus, TheFlagDecidesBetweenWarningAndError) {
-  EXPECT_TRUE(OrvStatus(91005, true).IsWarning());
-  EXPECT_FALSE(OrvStatus(91005, true).IsError());
-  EXPECT_TRUE(OrvStatus(91005, false).IsError());
-  EXPECT_FALSE(OrvStatus(91005, false).IsWarning());
+  EXPECT_TRUE(OrvStatus(StatusCode::kInconsistentDesignValue, true).IsWarning());
+  EXPECT_FALSE(OrvStatus(StatusCode::kInconsistentDesignValue, true).IsError());
+  EXPECT_TRUE(OrvStatus(StatusCode::kInconsistentDesignValue, false).IsError());
+  EXPECT_FALSE(OrvStatus(StatusCode::kInconsistentDesignValue, false).IsWarning());
 }
 
 TEST(OrvStatus, RecordsWithUnequalParametersAreUnequal) {
-  const OrvStatus base = OrvStatus::Warning(91005);
-  EXPECT_EQ(base, OrvStatus::Warning(91005));
-  EXPECT_NE(base, OrvStatus::Error(91005));
-  EXPECT_NE(base, OrvStatus::Warning(91008));
+  const OrvStatus base = OrvStatus::Warning(StatusCode::kInconsistentDesignValue);
+  EXPECT_EQ(base, OrvStatus::Warning(StatusCode::kInconsistentDesignValue));
+  EXPECT_NE(base, OrvStatus::Error(StatusCode::kInconsistentDesignValue));
+  EXPECT_NE(base, OrvStatus::Warning(StatusCode::kMissingInclusionProb));
   EXPECT_NE(base, OrvStatus(base).SetInteger(0, 1));
   EXPECT_NE(base, OrvStatus(base).SetReal(2, 1.5));
 }
 
 TEST(OrvStatus, ANaNParameterMakesARecordUnequalToItself) {
-  const OrvStatus status = OrvStatus::Error(91006).SetReal(1, std::numeric_limits<double>::quiet_NaN());
+  const OrvStatus status =
+      OrvStatus::Error(StatusCode::kInvalidValue).SetReal(1, std::numeric_limits<double>::quiet_NaN());
   const OrvStatus copy = status;
   EXPECT_FALSE(status == copy);
+}
+
+TEST(OrvStatus, OutOfMemoryNamesTheParametersAndNoLimit) {
+  const OrvStatus status = OutOfMemory(9000);
+  EXPECT_TRUE(status.IsError());
+  EXPECT_EQ(status.Code(), StatusCode::kTooManyParameters);
+  EXPECT_EQ(status.Integer(0), 9000);
+  EXPECT_EQ(status.Integer(1), 0);
+}
+
+TEST(OrvStatus, NumbersOfCodesAreStable) {
+  EXPECT_EQ(StatusCode::kUserError, 91000u);
+  EXPECT_EQ(StatusCode::kPopulationSizeNotWhole, 91030u);
+  EXPECT_EQ(StatusCode::kNoDependent, 95001u);
+  EXPECT_EQ(StatusCode::kStartNotBeforeEnd, 95049u);
 }
 
 TEST(OrvStatus, ACodeWithoutTextPrintsErrorCodeNotFound) {
@@ -46,7 +62,7 @@ TEST(OrvStatus, ACodeWithoutTextPrintsErrorCodeNotFound) {
 TEST(OrvStatus, CodesHaveTheirTexts) {
   EXPECT_EQ(StatusCodeText(StatusCode::kUserError), "User Error.");
   EXPECT_EQ(StatusCodeText(StatusCode::kInvalidValue), "Record with invalid value found.");
-  EXPECT_EQ(StatusCodeText(91007), "Record omitted due to missing values found.");
+  EXPECT_EQ(StatusCodeText(StatusCode::kRecordLeftOut), "Record omitted due to missing values found.");
   EXPECT_EQ(StatusCodeText(StatusCode::kModelNotBuilt),
             "A call to BuildModel() is necessary before this operation.");
   EXPECT_EQ(StatusCodeText(StatusCode::kInvalidEffect), "Invalid effect index for test of model effect.");

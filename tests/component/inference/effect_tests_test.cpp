@@ -277,7 +277,7 @@ TEST(EffectContrasts, OfSeveralLogitsRepeatThemselvesAlongTheDiagonal) {
   EXPECT_EQ(test.overall.df1, 6);
 }
 
-TEST(GeneralEstimableFunction, HasOneRowPerKeptParameterAndTheColumnsOfOneLogit) {
+TEST(GeneralEstimableFunction, HasOneRowPerNonRedundantParameterAndTheColumnsOfOneLogit) {
   Options options;
   options.categories = 3;
   const FittedModel run(Survey(400, {3, 2}, 1, 3), {{{0}, {}}, {{1}, {}}, {{}, {0}}}, options);

@@ -31,7 +31,7 @@ namespace StatusCode = tavo::StatusCode;
 /// redundant.
 constexpr int kParameters = kBasicParameters;
 
-/// A built model with the unit matrix as the inverse information of the 3 kept parameters.
+/// A built model with the unit matrix as the inverse information of the 3 non-redundant parameters.
 class HandLedModel {
  public:
   explicit HandLedModel(std::vector<Case> cases = RandomCases(2, 7)) : fSettings(FullSettings(2)) {
@@ -101,7 +101,7 @@ SampleDesign DesignOf(const std::vector<std::vector<double>>& units, double frac
   return design;
 }
 
-/// Totals in general position: the kept parameters have a covariance of full rank.
+/// Totals in general position: the non-redundant parameters have a covariance of full rank.
 SampleDesign RegularDesign() {
   return DesignOf({{1, 0, 7, 0}, {0, 2, 7, 0}, {0, 0, 7, 3}, {-1, 1, 7, 1}, {4, 1, 7, 0}});
 }
@@ -153,8 +153,8 @@ TEST(Inference, WithoutADesignCovarianceHasNothingToComputeFrom) {
   EXPECT_EQ(inference.ComputePECovar(design), OrvStatus::Error(StatusCode::kUserError));
 }
 
-// With G the unit matrix on the kept parameters, V is T M T': slope k divided by its scale, and the intercept
-// less the sum of centre/scale times slope.
+// With G the unit matrix on the non-redundant parameters, V is T M T': slope k divided by its scale, and the
+// intercept less the sum of centre/scale times slope.
 TEST(Inference, BringsTheSandwichToTheScaleOfTheData) {
   HandLedModel hand;
   const SampleDesign design = RegularDesign();

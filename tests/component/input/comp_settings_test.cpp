@@ -48,6 +48,17 @@ TEST(TavoCompSettings, ConfidenceOfOneLeavesThePreviousValue) {
   EXPECT_EQ(settings.Confidence(), 0.0);
 }
 
+TEST(TavoCompSettings, DegreesOfFreedomAreUnitsMinusStrataUnlessSetAboveZero) {
+  TavoCompSettings settings;
+  EXPECT_EQ(settings.DegreesOfFreedom(12, 4), 8.0);
+  for (const double unset : {-1.0, 0.0}) {
+    settings.SetDegreesOfFreedom(unset);
+    EXPECT_EQ(settings.DegreesOfFreedom(12, 4), 8.0);
+  }
+  settings.SetDegreesOfFreedom(3.5);
+  EXPECT_EQ(settings.DegreesOfFreedom(12, 4), 3.5);
+}
+
 TEST(TavoCompSettings, StagesOneTwoFourAreBroken) {
   TavoCompSettings settings = OneStage();
   settings.AddDesignCategorical(10, kCluster, 4);

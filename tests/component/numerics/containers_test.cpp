@@ -74,6 +74,16 @@ TEST(BitSet, StartsClearAndCountsWhatIsSet) {
   EXPECT_EQ(bits.InRange(5, 4), 0);
 }
 
+TEST(BitSet, ListsItsMembersInOrder) {
+  MCBitSet bits(130);
+  for (const int i : {129, 0, 64, 63}) {
+    bits.Set(i, true);
+  }
+  EXPECT_EQ(bits.Members(), (std::vector<int>{0, 63, 64, 129}));
+  bits.Clear();
+  EXPECT_TRUE(bits.Members().empty());
+}
+
 TEST(BitSet, RefusesIndicesOutside) {
   MCBitSet bits(4);
   EXPECT_FALSE(bits.Set(4, true));

@@ -175,7 +175,7 @@ TEST(CheckGMG, JudgesAnInterceptOnTheScaleOfTheData) {
   EXPECT_EQ(check.fV.GetElem(0, 0), 9.0);
 }
 
-TEST(CheckGMG, LooksAtKeptParametersOnly) {
+TEST(CheckGMG, LooksAtNonRedundantParametersOnly) {
   const MCBitSet bits = Bits(3, {0, 2});
   const MCSymMatrix g = Packed(Restricted(RandomCovariance(3, 30, 1), bits));
   const MCSymMatrix m = Packed(RandomCovariance(3, 30, 2));

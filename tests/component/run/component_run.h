@@ -38,8 +38,8 @@ inline SurveySettings FullModel(int categories = 2) {
   return settings;
 }
 
-/// All estimates, and all standard errors of kept parameters, agree relative to the larger of their size and
-/// 1e-3.
+/// All estimates, and all standard errors of non-redundant parameters, agree relative to the larger of their
+/// size and 1e-3.
 inline void ExpectSameResults(const ComponentRun& a, const ComponentRun& b, double tolerance,
                               bool withStandardErrors = true) {
   ASSERT_NE(a.statistics, nullptr);

@@ -284,8 +284,11 @@ TEST(WarningDetail, OtherCodesHaveNone) {
   const ComponentRun run(TwoStages(), TwoStageCases());
   EXPECT_TRUE(run.status.IsOK());
   EXPECT_FALSE(DetailOf(run.component, OrvStatus::Warning(StatusCode::kReferenceNotInUse)).found);
-  EXPECT_FALSE(DetailOf(run.component, OrvStatus::Warning(91005).SetInteger(1, 2)).found);
-  EXPECT_FALSE(DetailOf(run.component, OrvStatus::Error(91009).SetInteger(1, 9)).found);
+  EXPECT_FALSE(
+      DetailOf(run.component, OrvStatus::Warning(StatusCode::kInconsistentDesignValue).SetInteger(1, 2))
+          .found);
+  EXPECT_FALSE(
+      DetailOf(run.component, OrvStatus::Error(StatusCode::kPopulationBelowSample).SetInteger(1, 9)).found);
 }
 
 }  // namespace

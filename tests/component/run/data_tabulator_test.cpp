@@ -58,7 +58,8 @@ TEST(TavoDataTabulator, TheSameKeyWithTwoProbabilitiesWarnsOnceWithTheFirstKey) 
   const OrvStatus status = pass.Run();
   EXPECT_TRUE(status.IsWarning());
   ASSERT_EQ(pass.tabulator.StatusList().size(), 1u);
-  EXPECT_EQ(pass.tabulator.StatusList()[0], OrvStatus::Warning(91005).SetInteger(1, 0));
+  EXPECT_EQ(pass.tabulator.StatusList()[0],
+            OrvStatus::Warning(StatusCode::kInconsistentDesignValue).SetInteger(1, 0));
   ASSERT_EQ(pass.tabulator.ConstFindings().size(), 1u);
   EXPECT_TRUE(pass.tabulator.ConstFindings()[0].reported);
   EXPECT_EQ(pass.tabulator.ConstFindings()[0].key.Values(), (std::vector<std::int32_t>{2, 7}));
@@ -75,7 +76,7 @@ TEST(TavoDataTabulator, ProbabilitiesThatDifferByRoundingAreEqual) {
 TEST(TavoDataTabulator, AProbabilityThatComesLaterIsReportedAsADifference) {
   const SurveySettings settings = WithInclusionProbabilities();
   ThirdPass pass(settings, {Case{.size = kMissing}, Case{.size = 0.3}});
-  EXPECT_EQ(pass.Run(), OrvStatus::Warning(91005).SetInteger(1, 0));
+  EXPECT_EQ(pass.Run(), OrvStatus::Warning(StatusCode::kInconsistentDesignValue).SetInteger(1, 0));
 }
 
 TEST(TavoDataTabulator, ASecondPassAndAFeedWithoutPassAreRefused) {
@@ -211,7 +212,7 @@ TEST(TavoDataTabulator, UnequalSizesWithinAStratumWarnWhenTheUnitsAreFed) {
                            Case{.stratum = 3, .cluster = 1, .y = 2, .size = 10},
                            Case{.stratum = 3, .cluster = 2, .y = 1, .size = 11}});
   EXPECT_TRUE(run.tabulated.IsOK());
-  EXPECT_EQ(run.fed, OrvStatus::Warning(91005).SetInteger(1, 0));
+  EXPECT_EQ(run.fed, OrvStatus::Warning(StatusCode::kInconsistentDesignValue).SetInteger(1, 0));
   EXPECT_EQ(run.tabulator->StatusList().size(), 1u);
   EXPECT_EQ(run.tabulator->ConstFindings()[0].key.Values(), (std::vector<std::int32_t>{2, 2}));
 }

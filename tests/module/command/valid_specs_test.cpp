@@ -34,7 +34,7 @@ TEST(ValidSpecs, WithoutCriteriaTheSettingsGetTheDefaults) {
   EXPECT_EQ(settings.ParamCriterion(), 1e-6);
   EXPECT_FALSE(settings.IsParamAbsolute());
   EXPECT_EQ(settings.Tolerance(), 1e-12);
-  EXPECT_EQ(settings.DegreesOfFreedom(), TavoCompSettings().DegreesOfFreedom());
+  EXPECT_EQ(settings.DegreesOfFreedom(12, 4), 8.0) << "those of the design";
   EXPECT_EQ(settings.HistoryFrequency(), TavoCompSettings().HistoryFrequency());
 }
 
@@ -46,7 +46,7 @@ TEST(ValidSpecs, CriteriaReachTheSettings) {
             "PCONVERGE=[0 ABSOLUTE] SINGULAR=1e-9 /TEST TYPE=ADJCHISQUARE PADJUST=SIDAK /PRINT HISTORY(4)");
   EXPECT_EQ(settings.StartingIteration(), 0);
   EXPECT_EQ(settings.Confidence(), 0.9);
-  EXPECT_EQ(settings.DegreesOfFreedom(), 12.5);
+  EXPECT_EQ(settings.DegreesOfFreedom(12, 4), 12.5);
   EXPECT_EQ(settings.LogLikCriterion(), 1e-4);
   EXPECT_TRUE(settings.IsLogLikAbsolute());
   EXPECT_EQ(settings.MaxIterations(), 0);

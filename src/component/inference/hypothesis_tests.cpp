@@ -1,4 +1,5 @@
-// The tests of inference: which contrasts belong to what is asked.
+// The half of inference that tests hypotheses: which contrasts belong to what is asked, an effect, the whole
+// model or what a user wrote, and whether they are estimable. What becomes of contrasts is OrvModelTests's.
 #include "component/estimation/model.h"
 #include "component/inference/effect_contrasts.h"
 #include "component/inference/inference.h"
@@ -11,11 +12,11 @@ using MCCommonMath::MCRectMatrix;
 
 namespace {
 
-/// The numbers, from 1, of the set bits from `first` on.
+/// The numbers, from 1, of the set bits from the position `first` on.
 std::vector<int> NumbersOf(const MCBitSet& bits, int first) {
   std::vector<int> numbers;
-  for (int i = first; i < bits.Size(); ++i) {
-    if (bits.IsIn(i)) numbers.push_back(i + 1);
+  for (const int position : bits.Members()) {
+    if (position >= first) numbers.push_back(position + 1);
   }
   return numbers;
 }
@@ -28,6 +29,7 @@ OrvStatus TavoInference::PrepareTests(bool withEffects) {
     if (!fStatus.IsError()) fStatus = OrvStatus::Error(StatusCode::kUserError);
     return OrvStatus::Error(StatusCode::kUserError);
   }
+  // A failure stands against every later test: they are asked for one by one, long after this.
   auto contrasts = std::make_unique<EffectContrasts>(fModel, fCancel);
   const OrvStatus status = contrasts->Prepare(withEffects);
   if (status.IsError()) {
@@ -63,10 +65,13 @@ OrvStatus TavoInference::EffectTestStatus(int effect) const {
 /// The contrasts of one logit.
 OrvStatus TavoInference::EffectContrast(int effect, MCRectMatrix& L, std::vector<int>& columns) const {
   if (effect != kWholeModel) return fpContrasts->Build(effect + fModel.InterceptCount(), L, columns);
+  // The hypothesis that nothing but the intercept matters: all estimable functions but the intercept's, which
+  // is the first. A redundant intercept can't be, as the first column depends on none before it.
   const MCRectMatrix& basis = fpContrasts->Basis();
   const int first = fModel.InterceptCount();
   columns = NumbersOf(fModel.BasicBits(), first);
-  if (!L.CopyColumns(basis, first, basis.GetNCols() - first) || !L.Transpose()) return OutOfMemory();
+  if (!L.CopyColumns(basis, first, basis.GetNCols() - first) || !L.Transpose())
+    return OutOfMemory(fModel.ParameterCount());
   return OrvStatus();
 }
 
@@ -75,12 +80,13 @@ OrvStatus TavoInference::TestEffect(int effect, MCRectMatrix& L, std::vector<int
   overall.Reset(true);
   columns.clear();
   L.SetNRowsCols(0, 0);
+  // All logits have the same design columns, so an effect has the same contrasts in each.
   OrvStatus status = EffectTestStatus(effect);
   MCRectMatrix ofOneLogit;
   MCRectMatrix ofAllLogits;
   if (status.IsOK()) status = EffectContrast(effect, ofOneLogit, columns);
   if (status.IsOK() && !ofOneLogit.CreateBlockDiagonal(fModel.EquationCount(), ofAllLogits)) {
-    status = OutOfMemory();
+    status = OutOfMemory(fModel.ParameterCount());
   }
   if (!status.IsOK()) return status;
 
@@ -98,7 +104,7 @@ OrvStatus TavoInference::GeneralEstimableFunction(MCRectMatrix& L, std::vector<i
   if (!fpContrasts) return OrvStatus::Error(StatusCode::kUserError);
   if (fpContrasts->Basis().GetNCols() == 0) return OrvStatus::Error(StatusCode::kNoColumns);
   L = fpContrasts->Basis();
-  if (!L.IsValidMatrix() || !L.Transpose()) return OutOfMemory();
+  if (!L.IsValidMatrix() || !L.Transpose()) return OutOfMemory(fModel.ParameterCount());
   columns = NumbersOf(fModel.BasicBits(), 0);
   return OrvStatus();
 }
@@ -134,7 +140,7 @@ OrvStatus TavoInference::InterceptContrast(const OrvCustomTest& test, MCRectMatr
   MCRectMatrix row;
   if (!row.CopyColumns(fpContrasts->Basis(), 0, 1) || !row.Transpose() ||
       !row.CreateBlockDiagonal(fModel.EquationCount(), L)) {
-    return OutOfMemory();
+    return OutOfMemory(fModel.ParameterCount());
   }
   K.assign(static_cast<std::size_t>(fModel.EquationCount()), test.K().front());
   return OrvStatus();
@@ -153,7 +159,8 @@ OrvStatus TavoInference::CustomContrasts(const OrvCustomTest& test, MCRectMatrix
     K = test.K();
     return OrvStatus();
   }
-  if (!stated.CreateBlockDiagonal(fModel.EquationCount(), L)) return OutOfMemory();
+  // What is said of one logit is meant of each.
+  if (!stated.CreateBlockDiagonal(fModel.EquationCount(), L)) return OutOfMemory(fModel.ParameterCount());
   for (int logit = 0; logit < fModel.EquationCount(); ++logit)
     K.insert(K.end(), test.K().begin(), test.K().end());
   return OrvStatus();
