@@ -1,5 +1,7 @@
 #include "module/frame/output_frame.h"
 
+#include <cassert>
+
 #include "module/reporting/covariance_tables.h"
 #include "module/reporting/design_tables.h"
 #include "module/reporting/estimation_tables.h"
@@ -11,7 +13,10 @@ namespace tavo {
 
 void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, host::ProcedureDataSource& source,
                host::BpHeading& heading) {
-  const TavoOutputFrame frame(heading, driver, specs, source);
+  assert(driver.Component() != nullptr);
+  const TavoOutputStats* stats = nullptr;
+  driver.Component()->OutputStatistics(stats);
+  const TavoOutputFrame frame(heading, {specs, source, driver.Adapter(), driver.Iterations(), stats});
   if (specs.Has(PrintOption::SAMPLEINFO)) OutputSampleDesign(frame);
   if (specs.Has(PrintOption::VARIABLEINFO)) {
     OutputCategoricalVariables(frame);
@@ -27,7 +32,7 @@ void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, host::P
   OutputEffectTests(frame);
   OutputCustomTests(frame);
   OutputOddsRatios(frame);
-  SaveResults(frame, driver, source);
+  SaveResults(frame, *driver.Component(), driver.Adapter(), source);
 }
 
 void NoteInputFiles(TavoValidSpecs& specs) {

@@ -7,7 +7,8 @@
 
 namespace tavo {
 
-/// Builds all tables of a finished run. A table that lacks its data is left out silently.
+/// Builds all tables of a run whose model is built, and saves what the command asks for. A table that lacks
+/// its data is left out silently.
 void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, host::ProcedureDataSource& source,
                host::BpHeading& heading);
 /// The notes on the files that a command reads; sent before the first pass.

@@ -90,7 +90,7 @@ void OutputSampleDesign(const TavoOutputFrame& frame) {
   number.Position(BpPlace::kColumn, 1, true, false);
   number.Category(Key("N"));
 
-  AddUnweightedCases(content, frame.Driver().Adapter().Counts());
+  AddUnweightedCases(content, frame.Adapter().Counts());
   const TavoOutputStats* stats = frame.Stats();
   if (stats == nullptr) return;
   content.Category(Key("Population Size"))

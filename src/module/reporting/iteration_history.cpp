@@ -89,7 +89,7 @@ void FillEstimates(const TavoOutputFrame& frame, host::BpDimension& statistics,
 void OutputIterationHistory(const TavoOutputFrame& frame) {
   if (frame.Stats() == nullptr) return;
   WarnAboutTermination(frame.Stats()->TerminationCode());
-  const std::vector<OrvIterationData::Row>& rows = frame.Driver().Iterations().Rows();
+  const std::vector<OrvIterationData::Row>& rows = frame.Iterations().Rows();
   if (frame.Specs().HistoryStep() < 1 || rows.empty()) return;
 
   const auto table = frame.Heading().PivotTable(Key("Iteration History"), "IterationHistory");

@@ -1,7 +1,5 @@
 #include "module/saved/document_strings.h"
 
-#include "module/input/value_text.h"
-
 namespace tavo {
 
 namespace {
@@ -107,9 +105,9 @@ std::string OrvRegDocumentStrings::ChunkLine(std::size_t index, std::size_t numb
   return fStrings[index].substr(number * width, width);
 }
 
-OrvRegDocumentStrings DocumentLines(const TavoProcedureDriver& driver, const host::VORN_DataSource& source,
-                                    const std::vector<std::string>& effectNames, int referenceCode) {
-  const TavoValidSpecs& specs = driver.Specs();
+OrvRegDocumentStrings DocumentLines(const TavoValidSpecs& specs, const host::VORN_DataSource& source,
+                                    const std::string& reference,
+                                    const std::vector<std::string>& effectNames) {
   const auto variable = [&](int index) -> const host::VORN_Variable& {
     return *source.GetVariable(static_cast<unsigned>(index));
   };
@@ -120,9 +118,7 @@ OrvRegDocumentStrings DocumentLines(const TavoProcedureDriver& driver, const hos
   for (std::size_t k = 0; k < specs.Stages().size(); ++k)
     AddStage(lines, specs.Stages()[k], k + 1, source);
   const host::VORN_Variable& dependent = variable(specs.DependentVariable());
-  lines.AddString(
-      "Dependent Variable: " + dependent.GetName() + " (reference category = " +
-      PrintedValue(dependent, driver.Adapter().ValueForCode(specs.DependentVariable(), referenceCode)) + ")");
+  lines.AddString("Dependent Variable: " + dependent.GetName() + " (reference category = " + reference + ")");
   if (!effectNames.empty()) lines.AddString(ModelLine(specs, dependent, effectNames));
   if (specs.DomainVariable() >= 0) {
     lines.AddString("Subpopulation: " + variable(specs.DomainVariable()).GetName() + " = " +

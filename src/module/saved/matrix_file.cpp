@@ -25,15 +25,23 @@ std::vector<host::OBS> StringCells(const std::string& text, int width) {
   return cells;
 }
 
+/// A category of the dependent variable by its code.
+std::string CategoryText(const TavoOutputFrame& frame, int code) {
+  const int dependent = frame.Specs().DependentVariable();
+  return PrintedValue(*frame.Source().GetVariable(static_cast<unsigned>(dependent)),
+                      frame.Adapter().ValueForCode(dependent, code));
+}
+
 /// Makes the variables and writes the cases of one matrix file.
 class MatrixWriter {
  public:
-  MatrixWriter(host::IndependentDataStore& store, const TavoProcedureDriver& driver,
-               const TavoOutputStats& stats, const std::vector<std::string>& parameterNames)
-      : fStore(store), fDriver(driver), fStats(stats), fNames(parameterNames), fbLogits(LogitCount() > 1) {}
+  MatrixWriter(host::IndependentDataStore& store, const TavoOutputFrame& frame)
+      : fStore(store), fStats(*frame.Stats()), fNames(frame.ParameterNames()), fbLogits(LogitCount() > 1) {
+    for (std::size_t a = 0; a < LogitCount(); ++a)
+      fLogitNames.push_back(CategoryText(frame, fStats.DependentCategories()[a]));
+  }
 
   bool MakeVariables();
-  void NameLogits(const host::VORN_Variable& dependent);
   bool WriteRows(MatrixKind kind, std::string& error);
 
  private:
@@ -55,7 +63,6 @@ class MatrixWriter {
               std::string& error);
 
   host::IndependentDataStore& fStore;
-  const TavoProcedureDriver& fDriver;
   const TavoOutputStats& fStats;
   const std::vector<std::string>& fNames;
   bool fbLogits;  // the file has columns that name the logits
@@ -110,14 +117,6 @@ bool MatrixWriter::MakeVariables() {
     cell->SetMeasurementLevel(host::MeasurementLevel::kScale);
   }
   return true;
-}
-
-void MatrixWriter::NameLogits(const host::VORN_Variable& dependent) {
-  for (std::size_t a = 0; a < LogitCount(); ++a) {
-    const host::OBS* cells =
-        fDriver.Adapter().ValueForCode(fDriver.Specs().DependentVariable(), fStats.DependentCategories()[a]);
-    fLogitNames.push_back(PrintedValue(dependent, cells));
-  }
 }
 
 template <class CellOf>
@@ -190,18 +189,16 @@ bool Fail(const std::string& error) {
 
 }  // namespace
 
-bool WriteMatrixFile(const host::UserCaseFileSpec& file, MatrixKind kind, const TavoProcedureDriver& driver,
-                     const TavoOutputStats& stats, const host::VORN_DataSource& source,
-                     const std::vector<std::string>& parameterNames,
-                     const std::vector<std::string>& effectNames) {
+bool WriteMatrixFile(const host::UserCaseFileSpec& file, MatrixKind kind, const TavoOutputFrame& frame) {
   std::string error;
   const std::unique_ptr<host::UserOutputCaseFile> output = host::UserOutputCaseFile::Create(file, error);
   if (output == nullptr) return Fail(error);
   host::IndependentDataStore& store = output->DataSource();
-  MatrixWriter writer(store, driver, stats, parameterNames);
-  writer.NameLogits(*source.GetVariable(static_cast<unsigned>(driver.Specs().DependentVariable())));
+  MatrixWriter writer(store, frame);
   if (!writer.MakeVariables()) return Fail(file.DocumentationString() + ": its variables can't be made");
-  store.SaveDocuments(BuildDocument(DocumentLines(driver, source, effectNames, stats.ReferenceCategory())));
+  store.SaveDocuments(BuildDocument(DocumentLines(frame.Specs(), frame.Source(),
+                                                  CategoryText(frame, frame.Stats()->ReferenceCategory()),
+                                                  frame.EffectNames())));
   const bool written = store.WriteDictionary(error) && writer.WriteRows(kind, error) && output->Commit(error);
   return written || Fail(error);
 }
