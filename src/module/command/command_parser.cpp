@@ -70,6 +70,7 @@ bool TavoCommandParser::Impl::Parse() {
   if (!ResolvePlan(fContext, fPlan, hasJointProbFile)) return false;
   if (!CheckOutputFiles(fContext, fCommand.getSubComObj("OUTFILE"))) return false;
   SwitchOffSplitAndWeight();
+  fContext.specs.NumberColumns();
   return true;
 }
 

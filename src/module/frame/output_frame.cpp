@@ -11,12 +11,13 @@
 
 namespace tavo {
 
-void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, host::ProcedureDataSource& source,
-               host::BpHeading& heading) {
+void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, const FirstPassFindings& found,
+               host::ProcedureDataSource& source, host::BpHeading& heading) {
   assert(driver.Component() != nullptr);
   const TavoOutputStats* stats = nullptr;
   driver.Component()->OutputStatistics(stats);
-  const TavoOutputFrame frame(heading, {specs, source, driver.Adapter(), driver.Iterations(), stats});
+  const TavoOutputFrame frame(
+      heading, {specs, found, source, driver.Adapter(), driver.Iterations(), stats, driver.StopProcessor()});
   if (specs.Has(PrintOption::SAMPLEINFO)) OutputSampleDesign(frame);
   if (specs.Has(PrintOption::VARIABLEINFO)) {
     OutputCategoricalVariables(frame);
@@ -35,7 +36,7 @@ void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, host::P
   SaveResults(frame, *driver.Component(), driver.Adapter(), source);
 }
 
-void NoteInputFiles(TavoValidSpecs& specs) {
+void NoteInputFiles(const TavoValidSpecs& specs) {
   constexpr int kInputFiles = 1;
   host::AddNotes(kInputFiles, "Plan File", host::Plain(specs.PlanFileName()));
   if (specs.JointProbFile().IsInit()) {

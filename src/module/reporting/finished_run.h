@@ -4,6 +4,7 @@
 #include "component/estimation/fit_progress.h"
 #include "component/run/output_stats.h"
 #include "host/data.h"
+#include "host/stop.h"
 #include "module/command/valid_specs.h"
 #include "module/input/reg_input_adapter.h"
 
@@ -13,10 +14,12 @@ namespace tavo {
 /// reporting.
 struct FinishedRun {
   const TavoValidSpecs& specs;
+  const FirstPassFindings& found;
   const host::ProcedureDataSource& source;  // the variables behind dictionary indices
   const OrvRegInputAdapter& adapter;        // the values behind the codes of the component, and the counts
   const OrvIterationData& iterations;
   const TavoOutputStats* stats;  // null when the run stopped before there were results
+  host::MCStopProcessor* stop;   // asked while a large document is written; null: the run can't be stopped
 };
 
 }  // namespace tavo

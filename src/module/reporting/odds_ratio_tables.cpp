@@ -124,7 +124,7 @@ void OutputOneRequest(const TavoOutputFrame& frame, const OrvOddsRatioSpec& requ
 
 void OutputOddsRatios(const TavoOutputFrame& frame) {
   if (frame.Stats() == nullptr) return;
-  const std::vector<OrvOddsRatioSpec>& requests = frame.Specs().RecordOddsRatios();
+  const std::vector<OrvOddsRatioSpec>& requests = frame.Found().oddsRatios;
   for (std::size_t i = 0; i < requests.size(); ++i) {
     OutputOneRequest(frame, requests[i], static_cast<int>(i) + 1, requests.size());
   }

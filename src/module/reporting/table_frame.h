@@ -19,9 +19,11 @@ class TavoOutputFrame {
 
   host::BpHeading& Heading() const { return fHeading; }
   const TavoValidSpecs& Specs() const { return fRun.specs; }
+  const FirstPassFindings& Found() const { return fRun.found; }
   const host::ProcedureDataSource& Source() const { return fRun.source; }
   const OrvRegInputAdapter& Adapter() const { return fRun.adapter; }
   const OrvIterationData& Iterations() const { return fRun.iterations; }
+  host::MCStopProcessor* StopProcessor() const { return fRun.stop; }
   /// Null when the run stopped before there were results.
   const TavoOutputStats* Stats() const { return fRun.stats; }
   const std::vector<std::string>& ParameterNames() const { return fNames.Parameters(); }

@@ -118,7 +118,7 @@ class ModelDocument {
         fMetadata(MakeMetadata(frame)),
         fParameters(TargetParameters(frame)),
         fNonRedundant(NonRedundant(frame.Stats()->RedundancyBits())),
-        fCancel(frame.Specs().Settings()->StopProcessor()) {
+        fCancel(frame.StopProcessor()) {
     const TavoValidSpecs& specs = frame.Specs();
     const TavoOutputStats& stats = *frame.Stats();
     fModel.factors = &specs.Factors();
