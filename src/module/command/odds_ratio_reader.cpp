@@ -1,9 +1,9 @@
-#include "module/command/odds_ratio_reader.h"
-
+// ODDSRATIOS: one family of odds ratios.
 #include <set>
 #include <utility>
 
 #include "component/numerics/missing_value.h"
+#include "module/command/hypothesis_readers.h"
 #include "module/command/token_cursor.h"
 
 namespace tavo {
@@ -73,10 +73,7 @@ bool OddsRatioReader::Read(const host::SubComObj& oddsRatios) {
 bool OddsRatioReader::ReadItems(const ParamObj* param, ItemReader read) {
   if (param == nullptr) return true;
   const std::vector<TokenInfoObj>& tokens = param->getTokenList();
-  const bool hasBrackets = tokens.size() >= 2 &&
-                           tokens.front().getOperatorCode() == OperatorCode::kLeftBracket &&
-                           tokens.back().getOperatorCode() == OperatorCode::kRightBracket;
-  if (!hasBrackets) return fMessages.At(param->position).BracketsRequired(param->name);
+  if (!AreInBrackets(tokens)) return fMessages.At(param->position).BracketsRequired(param->name);
   if (tokens.size() < 3) return fMessages.At(tokens.front()).WrongValueType(param->name);
   TokenCursor cursor(tokens);
   cursor.Step();
@@ -116,17 +113,13 @@ bool OddsRatioReader::ReadFactor(TokenCursor& cursor) {
 const TokenInfoObj* OddsRatioReader::ReadValue(TokenCursor& cursor) {
   constexpr std::size_t kLength = 4;  // name, parenthesis, value, parenthesis
   const TokenInfoObj& name = cursor.Token();
-  const TokenInfoObj& value = cursor.Ahead(2);
-  const bool isComplete = cursor.Ahead(1).getOperatorCode() == OperatorCode::kLeftParenthesis &&
-                          IsValueToken(value) &&
-                          cursor.Ahead(3).getOperatorCode() == OperatorCode::kRightParenthesis &&
-                          cursor.Ahead(kLength).kind != host::TokenKind::kEnd;
-  if (!isComplete) {
+  const TokenInfoObj* value = cursor.ValueInParentheses(1);
+  if (value == nullptr) {
     fMessages.At(name).MalformedValue(name.getVarName());
-    return nullptr;
+  } else {
+    cursor.Step(kLength);
   }
-  cursor.Step(kLength);
-  return &value;
+  return value;
 }
 
 /// HIGH and LOW are words; the same texts in quotes are values.

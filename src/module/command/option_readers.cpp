@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "host/files.h"
+#include "module/command/token_cursor.h"
 
 namespace tavo {
 
 namespace {
 
-using host::OperatorCode;
 using host::ParamObj;
 using host::SubComObj;
 using host::TokenInfoObj;
@@ -144,12 +144,11 @@ bool ReadDomain(ParseContext& context, const SubComObj& domain) {
   if (context.IsCommandVariable(name.getVarName())) {
     return messages.At(name).CommandVariableNotAllowed(name.getVarName());
   }
-  const bool isComplete =
-      tokens.size() == 4 && tokens[1].getOperatorCode() == OperatorCode::kLeftParenthesis &&
-      IsValueToken(tokens[2]) && tokens[3].getOperatorCode() == OperatorCode::kRightParenthesis;
-  if (!isComplete) return messages.At(name).WrongValueType(variable.name);
+  constexpr std::size_t kLength = 4;  // name, parenthesis, value, parenthesis
+  const TokenInfoObj* token = TokenCursor(tokens).ValueInParentheses(1);
+  if (token == nullptr || tokens.size() != kLength) return messages.At(name).WrongValueType(variable.name);
   messages.SetParameter({});
-  std::optional<CategoryValue> value = ReadValueToken(context, index, tokens[2]);
+  std::optional<CategoryValue> value = ReadValueToken(context, index, *token);
   if (!value) return false;
   context.specs.SetDomain(index, std::move(*value));
   return true;

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "module/command/plan/plan_reader.h"
-#include "module/command/plan_matrix.h"
 
 namespace tavo {
 

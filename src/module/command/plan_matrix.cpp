@@ -1,7 +1,7 @@
-#include "module/command/plan_matrix.h"
-
+// The matrix form of a stage's sizes or probabilities.
 #include "module/command/category_value.h"
 #include "module/command/plan/plan_reader.h"
+#include "module/command/plan_checks.h"
 
 namespace tavo {
 

@@ -11,6 +11,7 @@
 #include "component/input/odds_ratio_spec.h"
 #include "host/data.h"
 #include "host/files.h"
+#include "module/command/category_value.h"
 #include "module/command/first_pass_findings.h"
 #include "module/command/plan_valid_specs.h"
 
@@ -35,13 +36,6 @@ enum class PrintOption : int {
   CORB = 6,
   CLASSTABLE = 7,
   NONE = 8
-};
-
-/// A value of a variable in host cells; empty: none.
-struct CategoryValue {
-  std::vector<host::OBS> cells;
-  host::VORN_Format format;
-  bool Empty() const { return cells.empty(); }
 };
 
 /// One item of a FACTOR list: a category that can be coded only after the first pass.

@@ -1,7 +1,8 @@
-#include "module/command/variable_list.h"
-
+// The list of variables that opens the command: the dependent variable, its reference, factors and
+// covariates.
 #include <utility>
 
+#include "module/command/model_reader.h"
 #include "module/command/token_cursor.h"
 
 namespace tavo {
@@ -28,7 +29,7 @@ struct PredictorList {
 class VariableListReader {
  public:
   VariableListReader(ParseContext& context, const std::vector<TokenInfoObj>& tokens)
-      : fContext(context), fMessages(context.messages), fTokens(tokens), fCursor(tokens) {}
+      : fContext(context), fMessages(context.messages), fCursor(tokens) {}
 
   bool Read();
 
@@ -46,7 +47,6 @@ class VariableListReader {
 
   ParseContext& fContext;
   TavoParseMessages& fMessages;
-  const std::vector<TokenInfoObj>& fTokens;
   TokenCursor fCursor;
   bool fbBySeen = false;
   bool fbWithSeen = false;
@@ -80,24 +80,19 @@ bool VariableListReader::ReadDependent() {
 
 /// HIGH and LOW are words; the same texts in quotes are values.
 bool VariableListReader::ReadReference(int dependent, const std::string& name) {
-  const SourcePosition parenthesis = fCursor.Position();
-  constexpr std::size_t kReferenceEnd = 4;  // name, parenthesis, value, parenthesis
-  const bool isComplete = fTokens.size() >= kReferenceEnd && IsValueToken(fTokens[2]) &&
-                          fTokens[3].getOperatorCode() == OperatorCode::kRightParenthesis;
-  if (!isComplete) return fMessages.At(parenthesis).MalformedValue(name);
-
-  const TokenInfoObj& value = fTokens[2];
-  const bool isHigh = value.IsString() && value.getUpperString() == "HIGH";
-  const bool isLow = value.IsString() && value.getUpperString() == "LOW";
+  constexpr std::size_t kLength = 3;  // parenthesis, value, parenthesis
+  const TokenInfoObj* value = fCursor.ValueInParentheses(0);
+  if (value == nullptr) return fMessages.At(fCursor.Position()).MalformedValue(name);
+  const bool isHigh = value->IsString() && value->getUpperString() == "HIGH";
+  const bool isLow = value->IsString() && value->getUpperString() == "LOW";
   CategoryValue reference;
   if (!isHigh && !isLow) {
-    std::optional<CategoryValue> read = ReadValueToken(fContext, dependent, value);
+    std::optional<CategoryValue> read = ReadValueToken(fContext, dependent, *value);
     if (!read) return false;
     reference = std::move(*read);
   }
   fContext.specs.SetDependent(dependent, isHigh, std::move(reference));
-  for (std::size_t i = 1; i < kReferenceEnd; ++i)
-    fCursor.Step();
+  fCursor.Step(kLength);
   return true;
 }
 

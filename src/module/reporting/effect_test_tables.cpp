@@ -14,7 +14,7 @@ using host::BpPlace;
 using host::BpProcedure;
 using host::Key;
 
-/// The hypothesis of an effect, kept until its coefficients are printed.
+/// The hypothesis of an effect, which waits until its coefficients are printed.
 struct EffectHypothesis {
   host::BpCellText title;
   MCCommonMath::MCRectMatrix L;

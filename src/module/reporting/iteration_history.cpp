@@ -67,16 +67,16 @@ void NoteConvergence(const TavoOutputFrame& frame, host::BpCategory& lastIterati
   }
 }
 
-/// The estimates of one iteration: kept parameters, logit by logit.
+/// The estimates of one iteration: those of the non-redundant parameters, logit by logit.
 void FillEstimates(const TavoOutputFrame& frame, host::BpDimension& statistics,
                    const std::vector<double>& estimates) {
   host::BpGroup& dependent = statistics.Group(frame.Dependent());
   const std::size_t perEquation = frame.ParameterNames().size();
-  std::size_t kept = 0;
+  std::size_t next = 0;
   for (std::size_t i = 0; i < frame.Stats()->Parameters().size(); ++i) {
     if (frame.Stats()->RedundancyBits()[i]) continue;
-    if (kept >= estimates.size()) return;
-    const double estimate = estimates[kept++];
+    if (next >= estimates.size()) return;
+    const double estimate = estimates[next++];
     if (frame.IsHidden(i)) continue;
     dependent.Group(frame.DependentValue(static_cast<int>(i / perEquation)))
         .Category(TavoOutputFrame::LongTextCell(frame.ParameterNames()[i % perEquation]))
