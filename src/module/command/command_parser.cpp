@@ -65,6 +65,7 @@ bool TavoCommandParser::Impl::Parse() {
   const bool hasJointProbFile = fCommand.getSubComObj("JOINTPROB") != nullptr;
   fContext.messages.SetSubcommand(nullptr);
   if (!ResolvePlan(fContext, fPlan, hasJointProbFile)) return false;
+  // Behind the plan, which may have settled the name of the joint probabilities.
   if (!CheckOutputFiles(fContext, fCommand.getSubComObj("OUTFILE"))) return false;
   SwitchOffSplitAndWeight();
   fContext.specs.NumberColumns();

@@ -18,6 +18,8 @@ bool AtRowEnd(const TokenCursor& cursor) {
   return cursor.AtEnd() || cursor.IsAt(OperatorCode::kRowSeparator);
 }
 
+// Fractions are there for contrasts such as 1/3 1/3 1/3, which no decimal number says exactly. A sign belongs
+// to the numerator, so the denominator is above 0.
 /// Divides by the denominator at the cursor, which stands behind the slash.
 bool ReadDenominator(TokenCursor& cursor, TavoParseMessages& messages, const host::TokenInfoObj& numerator,
                      double& value) {
@@ -127,6 +129,9 @@ bool LMatrixReader::ReadRow(TavoMatrixRow& row) {
   return ReadEffects(row);
 }
 
+// The first token tells what kind of row follows, and all rows of a matrix are of one kind: mixed ones would
+// have columns of different meaning. A number that opens a row is the coefficient of the intercept. It takes
+// no fraction, since what follows it are effects: a slash there is reported as an effect that can't begin so.
 MatrixRowType LMatrixReader::ReadOpening(double& interceptValue) {
   const TokenInfoObj& token = fCursor.Token();
   if (token.IsNumber()) {
@@ -177,6 +182,8 @@ int LMatrixReader::FindEffect(const OrvModelEffect& effect) const {
   return found == fEffects.end() ? -1 : static_cast<int>(found - fEffects.begin());
 }
 
+// How many coefficients an effect has is known only when the model is built. What can be told here is that
+// two rows disagree. A row of ALL has no effects, and its width stands in the first place.
 bool LMatrixReader::FitsWidth(std::size_t effect, std::size_t values) {
   if (fWidths[effect] == 0) fWidths[effect] = values;
   return fWidths[effect] == values;
@@ -188,6 +195,7 @@ bool LMatrixReader::ReadAllValues(TavoMatrixRow& row) {
   if (!ReadNumberList(fCursor, fMessages, values)) return false;
   if (!AtRowEnd(fCursor)) return fMessages.At(fCursor.Position()).NotANumber(fCursor.Text());
   if (!FitsWidth(0, values.size())) return fMessages.At(position).ValueCountsDifferForEffect();
+  // With nothing but an intercept the number of parameters of a logit is known after all.
   if (fEffects.empty() && values.size() != 1) return fMessages.At(position).OnlyInterceptInModel();
   row.SetAllValues(std::move(values));
   return true;
@@ -240,6 +248,8 @@ bool KMatrixReader::ReadRow() {
   return true;
 }
 
+// Once all rows are read, so that rows that differ are told before rows that are all too wide. Without rows
+// of L the hypothesis is about the intercept, which must be in the model then.
 bool KMatrixReader::CheckRows(int lRows) {
   if (fWidth != 1) return fMessages.OneValuePerRow();
   if (lRows > 0) {
@@ -261,6 +271,7 @@ bool ReadCustom(ParseContext& context, const host::SubComObj& custom, OrvCustomT
   if (lMatrix == nullptr && kMatrix == nullptr) {
     return messages.AtSubcommand().EitherOrBothRequired("LMATRIX", "KMATRIX");
   }
+  // Before the matrices, so that a faulty label is told first.
   if (const host::ParamObj* text = custom.getParamObj("LABEL"); text != nullptr) {
     text->getLiteral(label);
     if (label.empty()) return messages.At(ValuePosition(*text)).EmptyLabel();

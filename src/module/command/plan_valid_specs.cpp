@@ -22,6 +22,7 @@ bool OrvPlanValidSpecs::IsRateColumn(int column) const {
   return Contains(fRateColumns, column);
 }
 
+// The design comes first, stage by stage, so that its columns are the same whatever is analysed.
 void OrvPlanValidSpecs::NumberColumns() {
   for (std::size_t k = 0; k < fStages.size(); ++k) {
     const DesignStage& stage = fStages[k].stage;

@@ -86,6 +86,7 @@ OrvOddsRatioSpec TavoValidSpecs::RecordOddsRatio(std::size_t number, const std::
   }
   for (std::size_t i = 0; i < request.Controls().size(); ++i) {
     const auto& [variable, value] = request.Controls()[i];
+    // Controls of both kinds stand in one list: the code tells which map the variable is in.
     if (controlCodes[i] < OrvOddsRatioSpec::kLowest) {
       record.AddControl(ColumnOf(ContinuousRecordMap(), variable), value);
     } else {
@@ -174,6 +175,7 @@ void TavoValidSpecs::NumberColumns() {
   fRecordEffects = fEffects;
   for (OrvModelEffect& effect : fRecordEffects)
     effect.SetPredictors(&fRecordPredictors);
+  // Last: a subpopulation variable that the design has too keeps the column of the design.
   fDomainColumn = fDomain >= 0 ? CategoricalColumn(fDomain) : -1;
 }
 
@@ -196,6 +198,7 @@ TavoCompSettings TavoValidSpecs::BuildSettings(const FirstPassFindings& found) c
 void TavoValidSpecs::GiveOptions(TavoCompSettings& settings) const {
   settings.SetIntercept(fbUseIntercept);
   settings.SetStartingIteration(fCheckSeparation);
+  // A percentage for the user, a share from here on.
   settings.SetConfidence(fConfidenceLevel / 100);
   if (fDegreesOfFreedom >= 0) settings.SetDegreesOfFreedom(fDegreesOfFreedom);
   settings.SetLogLikCriterion(fLogLikConvergence);

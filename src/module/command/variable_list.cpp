@@ -96,6 +96,7 @@ bool VariableListReader::ReadReference(int dependent, const std::string& name) {
   return true;
 }
 
+// Either list may come first, each once.
 bool VariableListReader::ReadPredictors() {
   CommandPredictors& predictors = fContext.predictors;
   while (!fCursor.AtEnd()) {
@@ -132,6 +133,7 @@ bool VariableListReader::ReadList(PredictorList list) {
 /// A name, or TO and the last name of a range whose first one stands before it.
 bool VariableListReader::ReadEntry(PredictorList& list, bool& isAfterRange) {
   const TokenInfoObj& first = fCursor.Token();
+  // A range needs a name on both sides that belongs to it alone: "a TO b TO c" could mean two things.
   const bool isRange = fCursor.IsAt(OperatorCode::kTo);
   if (isRange && !ReadTo(isAfterRange)) return false;
   isAfterRange = isRange;
@@ -154,6 +156,8 @@ bool VariableListReader::ReadTo(bool isAfterRange) {
   return !isAfterRange || fMessages.At(position).ImproperTo();
 }
 
+// A range runs through the dictionary, not through an alphabet. Its ends are in the list already or about to
+// be; a covariate in between that isn't numeric is as much of an error as one that is named.
 bool VariableListReader::AddRange(PredictorList& list, int last, const TokenInfoObj& to,
                                   const SourcePosition& position) {
   const int first = list.variables.back();
@@ -170,6 +174,7 @@ bool VariableListReader::AddRange(PredictorList& list, int last, const TokenInfo
 
 bool VariableListReader::Enter(PredictorList& list, const std::string& name, const SourcePosition& position,
                                int& index) {
+  // One role a variable: the dependent one stands in the set as well.
   const std::string upper = host::GetUpperVarName(name);
   if (!fContext.commandVariables.insert(upper).second) return fMessages.At(position).VariableRepeated(name);
   index = fContext.FindVariable(name, position);

@@ -30,6 +30,7 @@ std::vector<int> OddsRatioCheck::Codes(const std::vector<FactorSpec>& items, std
   fNotFound.clear();
   std::vector<int> codes;
   for (const FactorSpec& item : items) {
+    // Sorting again changes nothing, and a covariate has no categories, which the adapter knows.
     fAdapter.SortCategories(item.variable, true);
     codes.push_back(CodeOf(item));
   }

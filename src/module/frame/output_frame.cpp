@@ -18,6 +18,8 @@ void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, const F
   driver.Component()->OutputStatistics(stats);
   const TavoOutputFrame frame(
       heading, {specs, found, source, driver.Adapter(), driver.Iterations(), stats, driver.StopProcessor()});
+  // From what went in over the fit to what is asked about it; files last, as they may fail without harm to
+  // the tables.
   if (specs.Has(PrintOption::SAMPLEINFO)) OutputSampleDesign(frame);
   if (specs.Has(PrintOption::VARIABLEINFO)) {
     OutputCategoricalVariables(frame);

@@ -14,6 +14,7 @@ namespace {
 
 constexpr int kLowestCategory = -1;  // reference codes with a meaning of their own
 constexpr int kHighestCategory = 0;
+// Asking the host at each case would slow the pass; a few thousand cases are over before a user notices.
 constexpr long kRecordsPerStopCheck = 4096;
 
 void SendError(const char* key) {
@@ -106,6 +107,7 @@ bool TavoProcedureDriver::SettleDependent(FirstPassFindings& found) {
   found.dependentCategories = fpAdapter->CategoryCount(dependent);
   const bool enough = found.dependentCategories >= 2;
   if (!enough) fStatus = OrvStatus::Error(StatusCode::kOneDependentValue);
+  // Before the reference is looked up: its code must be that of the sorted table.
   fpAdapter->SortCategories(dependent, true);
   found.referenceCode = ReferenceCode();
   return enough;
@@ -118,6 +120,7 @@ int TavoProcedureDriver::ReferenceCode() {
   const int code = fpAdapter->CodeForValue(fSpecs.DependentVariable(), fSpecs.ReferenceValue().cells.data(),
                                            notFound, false);
   if (!notFound) return code;
+  // No error: the model is the same, and its parameters can be turned to any other reference.
   SendWarning("Highest factor level is used");
   return kHighestCategory;
 }
@@ -156,6 +159,7 @@ bool TavoProcedureDriver::RunModel(const FirstPassFindings& found) {
   if (!fStatus.IsError()) fStatus = fpComponent->BuildModel(*fpIterator, joint.get());
   const bool built = !fStatus.IsError();
   if (built) fStatus = fpComponent->Status();
+  // The host's pass is over before the predictions need one of their own.
   fpIterator->Close();
   return built;
 }

@@ -74,6 +74,8 @@ void FillEstimates(const TavoOutputFrame& frame, host::BpDimension& statistics,
   const std::size_t perEquation = frame.ParameterNames().size();
   std::size_t next = 0;
   for (std::size_t i = 0; i < frame.Stats()->Parameters().size(); ++i) {
+    // The history holds estimates of non-redundant parameters alone, and hidden ones among them: both are
+    // passed over here, in step.
     if (frame.Stats()->RedundancyBits()[i]) continue;
     if (next >= estimates.size()) return;
     const double estimate = estimates[next++];

@@ -31,6 +31,7 @@ bool IsFactorColumn(const TavoOutputFrame& frame, int column) {
 }
 
 host::BpCellText RatioLabel(const TavoOutputFrame& frame, const TavoOddsRatioStats& ratio) {
+  // A ratio without a category is that of a covariate, told by the amount of its change.
   if (ratio.category < 0) return BpNumber{ratio.change, BpProcedure::GeneralStat()};
   const int variable = VariableOf(frame, ratio.variable);
   return host::BpComposite("^1 vs. ^2")

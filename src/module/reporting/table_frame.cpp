@@ -54,6 +54,7 @@ host::BpComposite TavoOutputFrame::SubpopComposite() const {
 }
 
 void TavoOutputFrame::AddCaptionArguments(host::BpComposite& caption, bool lineFirst) const {
+  // Line breaks are arguments of the captions, as each language puts them in its own places.
   const host::BpString line = host::Plain("\r");
   if (lineFirst) caption.Add(line);
   if (HasSubpopulation()) {

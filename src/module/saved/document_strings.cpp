@@ -4,6 +4,8 @@ namespace tavo {
 
 namespace {
 
+// A line of a document holds 80 bytes in the host's case files. The first opens with the word, the others
+// with as many blanks, so 71 bytes of each are left for text.
 constexpr const char* kPrefix = "document ";
 constexpr std::size_t kLineWidth = 80;
 
@@ -14,6 +16,8 @@ std::string NamesOf(const host::VORN_DataSource& source, const std::vector<int>&
   return names;
 }
 
+// These texts, as all of the document, are part of the file and not of the catalogue of messages: they keep
+// their words and their spelling in every language.
 const char* EstimatorText(StageEstimator estimator) {
   switch (estimator) {
     case StageEstimator::kEqualWor:
@@ -29,6 +33,7 @@ std::string NumberText(double value) {
   host::OBS cell{};
   cell.number = value;
   std::string text;
+  // More decimals than any plan needs, without the zeros at the end: a size reads as 1200 and a rate as 0.25.
   constexpr host::VORN_Format kFormat = {5, 40, 10};
   host::ToString(&cell, kFormat, text);
   if (text.find('.') == std::string::npos) return text;
@@ -134,6 +139,7 @@ host::DSDocument BuildDocument(const OrvRegDocumentStrings& lines) {
   host::DSDocument document;
   for (std::size_t i = 0; i < lines.Count(); ++i) {
     for (std::size_t piece = 0; piece < lines.ChunkCount(i, width); ++piece) {
+      // Of the whole document, not of the string: an empty first string has no piece to carry the word.
       const bool isFirst = document.Lines().empty();
       document.AddLine((isFirst ? prefix : blanks) + lines.ChunkLine(i, piece, width));
     }

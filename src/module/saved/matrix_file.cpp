@@ -13,10 +13,14 @@ namespace {
 
 using MCCommonMath::MCMV;
 
+// A matrix file is read back by other procedures, which know its rows by rowtype_ and varname_. Columns and
+// rows are called P1, P2, …, as a parameter's name is seldom a legal name and often too long; the name itself
+// is the label. Columns that name the logits of a row are there only when there are several.
 constexpr int kLogitWidth = 64;
 constexpr int kNameWidth = 8;
 constexpr host::VORN_Format kCellFormat = {5, 8, 6};
 
+// Blanks fill the cells to their end: the host compares strings as if they went on with blanks.
 std::vector<host::OBS> StringCells(const std::string& text, int width) {
   std::vector<host::OBS> cells(static_cast<std::size_t>(host::CellCount(width)));
   std::fill_n(reinterpret_cast<char*>(cells.data()), cells.size() * sizeof(host::OBS), ' ');
@@ -138,12 +142,17 @@ bool MatrixWriter::AddRow(const char* rowType, const std::string& variable, std:
 double MatrixWriter::MatrixCell(MatrixKind kind, std::size_t a, std::size_t b, std::size_t i,
                                 std::size_t j) const {
   const bool isCovariance = kind == MatrixKind::kCovariances;
+  // A redundant parameter is held at zero: it varies with nothing, so its covariances are 0, and a
+  // correlation with it has no meaning.
   if (StatsOf(a, i).redundant || StatsOf(b, j).redundant) return isCovariance ? 0.0 : MCMV::gMissingValue;
   if (isCovariance) return Element(a, b, i, j);
   const double rowVariance = Element(a, a, i, i);
   const double columnVariance = Element(b, b, j, j);
   if (!(rowVariance > 0) || !(columnVariance > 0)) return MCMV::gMissingValue;
+  // Exactly 1, not what rounding makes of it.
   if (a == b && i == j) return 1.0;
+  // By the roots one after the other: the product of two variances may leave the range of doubles where the
+  // correlation does not.
   return Element(a, b, i, j) / (std::sqrt(rowVariance) * std::sqrt(columnVariance));
 }
 
@@ -167,6 +176,8 @@ bool MatrixWriter::WriteStatisticRows(const char* rowType, double OrvParamStats:
   return true;
 }
 
+// Blocks of logits row by row, whole matrices with both triangles: a reader takes the rows of a type as they
+// come and needs no rule of symmetry. The statistics follow, whose rows belong to one logit each.
 bool MatrixWriter::WriteRows(MatrixKind kind, std::string& error) {
   fpCase = std::make_unique<host::VORN_Case>(fStore);
   for (std::size_t a = 0; a < LogitCount(); ++a) {
@@ -196,6 +207,7 @@ bool WriteMatrixFile(const host::UserCaseFileSpec& file, MatrixKind kind, const 
   host::IndependentDataStore& store = output->DataSource();
   MatrixWriter writer(store, frame);
   if (!writer.MakeVariables()) return Fail(file.DocumentationString() + ": its variables can't be made");
+  // What was made of the file so far is dropped with `output` unless it is committed at the end.
   store.SaveDocuments(BuildDocument(DocumentLines(frame.Specs(), frame.Source(),
                                                   CategoryText(frame, frame.Stats()->ReferenceCategory()),
                                                   frame.EffectNames())));

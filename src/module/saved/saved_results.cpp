@@ -29,6 +29,7 @@ void SaveResults(const TavoOutputFrame& frame, TavoComponent& component, OrvRegI
                  host::ProcedureDataSource& source) {
   if (frame.Stats() == nullptr) return;
   const TavoValidSpecs& specs = frame.Specs();
+  // First, and the matrix and model files afterwards: a failure of one takes nothing from the others.
   if (!specs.PredictedValueName().empty() || !specs.PredictedProbabilityRoot().empty()) {
     if (!SavePredictions(specs, component, adapter, source)) {
       host::BpError(host::Key("Predictions could not be written into the data..."),
