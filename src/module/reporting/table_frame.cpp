@@ -1,6 +1,7 @@
 #include "module/reporting/table_frame.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace tavo {
 
@@ -41,11 +42,13 @@ host::BpDataValue TavoOutputFrame::Value(int variable, int code) const {
 }
 
 host::BpDataValue TavoOutputFrame::DependentValue(int localIndex) const {
+  assert(Stats() != nullptr);
   return Value(Specs().DependentVariable(),
                Stats()->DependentCategories()[static_cast<std::size_t>(localIndex)]);
 }
 
 host::BpComposite TavoOutputFrame::SubpopComposite() const {
+  assert(HasSubpopulation());
   host::BpComposite text("Subpopulation ^1 = ^2");
   text.Add(Variable(Specs().DomainVariable()));
   text.Add(host::BpDataValue(Source().GetVariable(static_cast<unsigned>(Specs().DomainVariable())),
@@ -91,6 +94,7 @@ void TavoOutputFrame::IterationCaption(host::BpPivotTable& table) const {
 }
 
 bool TavoOutputFrame::IsHidden(std::size_t parameter) const {
+  assert(Stats() != nullptr);
   return Stats()->Parameters()[parameter].IsIntercept() && !Specs().ShowsIntercept();
 }
 

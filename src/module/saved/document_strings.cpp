@@ -1,5 +1,7 @@
 #include "module/saved/document_strings.h"
 
+#include <cassert>
+
 namespace tavo {
 
 namespace {
@@ -101,6 +103,7 @@ std::size_t OrvRegDocumentStrings::AddString(std::string text) {
 }
 
 std::size_t OrvRegDocumentStrings::ChunkCount(std::size_t index, std::size_t width) const {
+  assert(width > 0);
   if (index >= fStrings.size() || fStrings[index].empty()) return 0;
   return (fStrings[index].size() - 1) / width + 1;
 }

@@ -1,6 +1,7 @@
 #include "module/saved/matrix_file.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
 #include "host/output.h"
@@ -201,6 +202,7 @@ bool Fail(const std::string& error) {
 }  // namespace
 
 bool WriteMatrixFile(const host::UserCaseFileSpec& file, MatrixKind kind, const TavoOutputFrame& frame) {
+  assert(frame.Stats() != nullptr && frame.Stats()->Covariance() != nullptr);
   std::string error;
   const std::unique_ptr<host::UserOutputCaseFile> output = host::UserOutputCaseFile::Create(file, error);
   if (output == nullptr) return Fail(error);
