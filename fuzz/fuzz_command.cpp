@@ -172,7 +172,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   standalone::Table data = survey.Data();
   standalone::SessionOptions options;
   options.baseFolder = survey.Path();
-  options.moduleFolder = TAVO_SOURCE_DIR "/src/module/command/plan";
   standalone::Session session(options);
   session.SetTable(&data);
   const standalone::RunResult result = standalone::RunCommands(session, source, {{"TAVOREG", TAVOMAIN}});

@@ -4,7 +4,6 @@
 #include "module/command/plan/plan_document.h"
 #include "module/command/plan/plan_reader.h"
 #include "module/command/plan/plan_writer.h"
-#include "source_folder.h"
 #include "standalone/session/embedded_session.h"
 #include "target.h"
 #include "test_folder.h"
@@ -98,9 +97,7 @@ void CheckSection(const Section& section, const std::string& path, standalone::S
 int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   static const TestFolder folder;
   static const tavo::PlanDocument library;  // keeps the XML library loaded between inputs
-  standalone::SessionOptions options;
-  options.moduleFolder = TAVO_SOURCE_DIR "/src/module/command/plan";
-  standalone::Session session(options);
+  standalone::Session session;
   const standalone::SessionScope scope(session);
   const std::string path = folder.Write("plan.xml", fuzz::TextOf(bytes, size));
   for (const Section& section : kSections)

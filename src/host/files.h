@@ -41,8 +41,6 @@ std::string BEPesGetInputPath(std::string_view name);
 bool CheckFileRef(std::string_view name);
 /// True when the file exists and can be read.
 bool ValidateFileSpecification(std::string_view name);
-/// The folder that holds the definition files installed with the module ("vorn-tessel-1.0.dtd").
-std::string ModuleFolder();
 
 /// Writes a text file, whole or not at all: what `write` puts into the stream takes the place of the name's
 /// file only when `write` returns true and everything has reached the disk. False otherwise; a file that was

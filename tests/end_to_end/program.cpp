@@ -80,8 +80,9 @@ namespace {
 /// The program as a child process, with both output streams in files.
 class Child {
  public:
-  Child(const std::vector<std::string>& arguments, const std::filesystem::path& folder) {
-    std::vector<std::string> words = {TAVOREG_PROGRAM};
+  Child(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+        const std::filesystem::path& folder) {
+    std::vector<std::string> words = {program.string()};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
     for (std::string& word : words)
@@ -94,7 +95,7 @@ class Child {
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, Output().c_str(), O_WRONLY | O_CREAT, 0600);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, Messages().c_str(), O_WRONLY | O_CREAT, 0600);
-    fbStarted = posix_spawn(&fProcess, TAVOREG_PROGRAM, &actions, nullptr, argv.data(), environ) == 0;
+    fbStarted = posix_spawn(&fProcess, program.c_str(), &actions, nullptr, argv.data(), environ) == 0;
     posix_spawn_file_actions_destroy(&actions);
   }
 
@@ -132,11 +133,16 @@ class Child {
 }  // namespace
 
 ProgramRun RunProgram(const std::vector<std::string>& arguments, const std::filesystem::path& folder) {
-  return Child(arguments, folder).Wait();
+  return RunCopy(TAVOREG_PROGRAM, arguments, folder);
+}
+
+ProgramRun RunCopy(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                   const std::filesystem::path& folder) {
+  return Child(program, arguments, folder).Wait();
 }
 
 ProgramRun InterruptProgram(const std::vector<std::string>& arguments, const std::filesystem::path& folder) {
-  Child child(arguments, folder);
+  Child child(TAVOREG_PROGRAM, arguments, folder);
   while (!child.HasEnded() && !child.HasSpoken())
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   if (!child.HasEnded()) child.Interrupt();

@@ -20,6 +20,10 @@ ProgramRun RunProgram(const std::vector<std::string>& arguments, const std::file
 /// Runs the program and sends it the signal of Ctrl-C as soon as it has written something to standard error.
 ProgramRun InterruptProgram(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
 
+/// Runs another copy of the program, by its path, in a folder and waits for it.
+ProgramRun RunCopy(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                   const std::filesystem::path& folder);
+
 /// A fresh folder that is removed at the end.
 class TemporaryFolder {
  public:

@@ -5,16 +5,13 @@
 
 #include "host/files.h"
 #include "host/session.h"
-#include "module/command/custom_reader.h"
 #include "module/command/grammar.h"
+#include "module/command/hypothesis_readers.h"
 #include "module/command/model_reader.h"
-#include "module/command/odds_ratio_reader.h"
 #include "module/command/option_readers.h"
-#include "module/command/output_file_check.h"
 #include "module/command/parse_context.h"
 #include "module/command/plan/plan_reader.h"
 #include "module/command/plan_checks.h"
-#include "module/command/variable_list.h"
 
 namespace tavo {
 
@@ -68,8 +65,10 @@ bool TavoCommandParser::Impl::Parse() {
   const bool hasJointProbFile = fCommand.getSubComObj("JOINTPROB") != nullptr;
   fContext.messages.SetSubcommand(nullptr);
   if (!ResolvePlan(fContext, fPlan, hasJointProbFile)) return false;
+  // Behind the plan, which may have settled the name of the joint probabilities.
   if (!CheckOutputFiles(fContext, fCommand.getSubComObj("OUTFILE"))) return false;
   SwitchOffSplitAndWeight();
+  fContext.specs.NumberColumns();
   return true;
 }
 

@@ -11,12 +11,12 @@ namespace tavo {
 /// failure. The parser owns what `specs` refers to and must outlive its readers.
 class TavoCommandParser {
  public:
-  /// Everything is lent.
+  /// Nothing is owned.
   TavoCommandParser(const host::VORN_TokenSequence& tokens, TavoValidSpecs& specs,
                     host::ProcedureDataSource& data);
   ~TavoCommandParser();
 
-  /// Once only. Nonzero for success.
+  /// Once only. Nonzero for success: the specification is final then.
   int Parse();
 
  private:

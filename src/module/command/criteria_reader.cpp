@@ -1,11 +1,11 @@
 // CRITERIA: the numbers that steer the fit.
 #include "module/command/option_readers.h"
+#include "module/command/token_cursor.h"
 
 namespace tavo {
 
 namespace {
 
-using host::OperatorCode;
 using host::ParamObj;
 using host::SubComObj;
 using host::TokenInfoObj;
@@ -24,81 +24,45 @@ class CriteriaReader {
   bool Read();
 
  private:
-  bool ReadSeparation();
-  bool ReadConfidenceLevel();
-  bool ReadDegreesOfFreedom();
-  bool ReadLogLikConvergence();
-  bool ReadMaximumIterations();
-  bool ReadMaximumStepHalving();
-  bool ReadParamConvergence();
-  bool ReadSingularity();
-
   /// Reads a whole number of at least `minimum` and sets it; true when the keyword is absent.
   template <class Setter>
   bool ReadInteger(const char* name, int minimum, Setter set);
   /// Reads a number for which `isLegal` holds and sets it; true when the keyword is absent.
   template <class Test, class Setter>
   bool ReadNumber(const char* name, Test isLegal, Setter set);
-  bool ReadConvergence(const ParamObj& param, Convergence& convergence);
+  /// Reads a convergence criterion and sets it; true when the keyword is absent.
+  template <class Setter>
+  bool ReadConvergence(const char* name, Setter set);
+  bool ReadBrackets(const ParamObj& param, Convergence& convergence);
 
   TavoValidSpecs& fSpecs;
   TavoParseMessages& fMessages;
   const SubComObj& fCriteria;
 };
 
-// A fault among the first four hides the rest of the four, but never MXITER and MXSTEP.
+// A fault among the first four hides the rest of the four, but never MXITER and MXSTEP: a user who got a
+// limit wrong beside another number hears of both at once.
 bool CriteriaReader::Read() {
   bool isGood =
-      ReadSeparation() && ReadConfidenceLevel() && ReadDegreesOfFreedom() && ReadLogLikConvergence();
-  isGood = ReadMaximumIterations() && isGood;
-  return ReadMaximumStepHalving() && isGood && ReadParamConvergence() && ReadSingularity();
-}
-
-bool CriteriaReader::ReadSeparation() {
-  return ReadInteger("CHKSEP", 0, [&](int value) { fSpecs.SetCheckSeparation(value); });
-}
-
-bool CriteriaReader::ReadConfidenceLevel() {
-  return ReadNumber(
-      "CILEVEL", [](double level) { return level >= 0 && level < 100; },
-      [&](double level) { fSpecs.SetConfidenceLevel(level); });
-}
-
-bool CriteriaReader::ReadDegreesOfFreedom() {
-  return ReadNumber(
-      "DF", [](double df) { return df > 0; }, [&](double df) { fSpecs.SetDegreesOfFreedom(df); });
-}
-
-bool CriteriaReader::ReadLogLikConvergence() {
-  const ParamObj* param = fCriteria.getParamObj("LCONVERGE");
-  if (param == nullptr) return true;
-  Convergence convergence;
-  if (!ReadConvergence(*param, convergence)) return false;
-  fSpecs.SetLogLikConvergence(convergence.value, convergence.isRelative);
-  return true;
-}
-
-bool CriteriaReader::ReadMaximumIterations() {
-  return ReadInteger("MXITER", 0, [&](int value) { fSpecs.SetMaximumIterations(value); });
-}
-
-bool CriteriaReader::ReadMaximumStepHalving() {
-  return ReadInteger("MXSTEP", 1, [&](int value) { fSpecs.SetMaximumStepHalving(value); });
-}
-
-bool CriteriaReader::ReadParamConvergence() {
-  const ParamObj* param = fCriteria.getParamObj("PCONVERGE");
-  if (param == nullptr) return true;
-  Convergence convergence;
-  if (!ReadConvergence(*param, convergence)) return false;
-  fSpecs.SetParamConvergence(convergence.value, convergence.isRelative);
-  return true;
-}
-
-bool CriteriaReader::ReadSingularity() {
-  return ReadNumber(
-      "SINGULAR", [](double value) { return value > 0; },
-      [&](double value) { fSpecs.SetSingularity(value); });
+      ReadInteger("CHKSEP", 0, [&](int iteration) { fSpecs.SetCheckSeparation(iteration); }) &&
+      ReadNumber(
+          "CILEVEL", [](double level) { return level >= 0 && level < 100; },
+          [&](double level) { fSpecs.SetConfidenceLevel(level); }) &&
+      ReadNumber(
+          "DF", [](double df) { return df > 0; }, [&](double df) { fSpecs.SetDegreesOfFreedom(df); }) &&
+      ReadConvergence("LCONVERGE", [&](const Convergence& criterion) {
+        fSpecs.SetLogLikConvergence(criterion.value, criterion.isRelative);
+      });
+  isGood = ReadInteger("MXITER", 0, [&](int count) { fSpecs.SetMaximumIterations(count); }) && isGood;
+  isGood = ReadInteger("MXSTEP", 1, [&](int count) { fSpecs.SetMaximumStepHalving(count); }) && isGood;
+  return isGood &&
+         ReadConvergence("PCONVERGE",
+                         [&](const Convergence& criterion) {
+                           fSpecs.SetParamConvergence(criterion.value, criterion.isRelative);
+                         }) &&
+         ReadNumber(
+             "SINGULAR", [](double value) { return value > 0; },
+             [&](double value) { fSpecs.SetSingularity(value); });
 }
 
 template <class Setter>
@@ -125,14 +89,21 @@ bool CriteriaReader::ReadNumber(const char* name, Test isLegal, Setter set) {
   return true;
 }
 
-bool CriteriaReader::ReadConvergence(const ParamObj& param, Convergence& convergence) {
+template <class Setter>
+bool CriteriaReader::ReadConvergence(const char* name, Setter set) {
+  const ParamObj* param = fCriteria.getParamObj(name);
+  if (param == nullptr) return true;
+  Convergence convergence;
+  if (!ReadBrackets(*param, convergence)) return false;
+  set(convergence);
+  return true;
+}
+
+bool CriteriaReader::ReadBrackets(const ParamObj& param, Convergence& convergence) {
   const std::vector<TokenInfoObj>& tokens = param.getTokenList();
   const std::string& name = param.getParamName();
   fMessages.SetParameter(name);
-  const bool hasBrackets = tokens.size() >= 2 &&
-                           tokens.front().getOperatorCode() == OperatorCode::kLeftBracket &&
-                           tokens.back().getOperatorCode() == OperatorCode::kRightBracket;
-  if (!hasBrackets) return fMessages.At(param.position).BracketsRequired(name);
+  if (!AreInBrackets(tokens)) return fMessages.At(param.position).BracketsRequired(name);
   const TokenInfoObj& number = tokens[1];
   if (tokens.size() < 3 || !number.IsNumber() || number.getNumeric() < 0) {
     return fMessages.At(number).InvalidNumber(name);

@@ -6,6 +6,8 @@ namespace {
 
 using host::OperatorCode;
 
+// Effects follow one another without a separator: a name behind a name opens the next effect, and only an
+// operator in between goes on with the same one.
 bool ContinuesEffect(OperatorCode code) {
   return code == OperatorCode::kLeftParenthesis || code == OperatorCode::kBy || code == OperatorCode::kTimes;
 }
@@ -19,6 +21,8 @@ bool EffectReader::Read(TokenCursor& cursor, OrvModelEffect& effect) {
   for (cursor.Step(); ContinuesEffect(cursor.Operator()); cursor.Step()) {
     const bool isNested = cursor.IsAt(OperatorCode::kLeftParenthesis);
     if (isNested) {
+      // "x(A)" is the product of x and A, written with the covariate first. It is not nesting, but the names
+      // of its parameters are to be written in the same way.
       if (open == 0 && effect.FactorsInEffect() == 0) effect.MarkFactorAfterCovariates();
       ++open;
     }
@@ -55,6 +59,7 @@ bool EffectReader::ReadTerm(TokenCursor& cursor, OrvModelEffect& effect, bool is
   const std::string name = token.getUpperVarName();
   if (const auto covariate = fPredictors.covariateIndex.find(name);
       covariate != fPredictors.covariateIndex.end()) {
+    // Levels can be nested in levels, not in values of a scale.
     if (isInParentheses) return fMessages.At(token).CovariateNested(token.getVarName());
     effect.AddCovariate(covariate->second);
     return true;
@@ -64,12 +69,14 @@ bool EffectReader::ReadTerm(TokenCursor& cursor, OrvModelEffect& effect, bool is
     fMessages.Among(fPredictors.names);
     return SyntaxError(cursor);
   }
+  // A covariate may come again, as a power; a factor crossed with itself is the factor.
   if (!fFactorsInEffect.insert(name).second)
     return fMessages.At(token).RepeatedFactorInEffect(token.getVarName());
   effect.AddFactor(factor->second, isNested);
   return true;
 }
 
+// Nesting goes inwards only, A(B(C)), so all parentheses close at the end of the effect.
 bool EffectReader::CloseParentheses(TokenCursor& cursor, int open) {
   int closed = 0;
   for (; cursor.IsAt(OperatorCode::kRightParenthesis); cursor.Step())

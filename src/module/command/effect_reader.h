@@ -13,7 +13,7 @@ namespace tavo {
 /// Reads effects from any list of tokens, of MODEL and of the rows of a contrast matrix alike.
 class EffectReader {
  public:
-  /// Lent; the predictors must be complete.
+  /// Nothing is owned; the predictors must be complete.
   EffectReader(const CommandPredictors& predictors, TavoParseMessages& messages)
       : fPredictors(predictors), fMessages(messages) {}
 

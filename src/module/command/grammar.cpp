@@ -27,6 +27,8 @@ void AddKeywords(SubComDescriptor& subcommand, ParamSpec spec, std::initializer_
     subcommand.addParamDesc(name, spec, false);
 }
 
+// Keywords whose values have a syntax of their own (names in any place, brackets, parentheses, TO) take
+// tokens as they stand; their readers report faults with the place and in words that name the keyword.
 SubComDescriptor FileSubcommand(const char* name, bool required) {
   SubComDescriptor subcommand = Subcommand(name, SubComSpec::kNamed, required);
   subcommand.addParamDesc("FILE", ParamSpec::kTokens, kRequired);
@@ -93,6 +95,7 @@ SubComDescriptor Missing() {
 SubComDescriptor Print() {
   SubComDescriptor subcommand = Subcommand("PRINT", SubComSpec::kList);
   AddKeywords(subcommand, ParamSpec::kBare, {"SAMPLEINFO", "VARIABLEINFO", "SUMMARY"});
+  // The options in their documented order, in which the host lists them to a user.
   subcommand.addParamDesc("HISTORY", ParamSpec::kNumber, false, kMayStandAlone);
   AddKeywords(subcommand, ParamSpec::kBare, {"GEF", "LMATRIX", "COVB", "CORB", "CLASSTABLE", "NONE"});
   return subcommand;

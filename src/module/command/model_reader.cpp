@@ -36,6 +36,8 @@ void SetUsedPredictors(ParseContext& context, const std::vector<OrvModelEffect>&
       (i < predictors.factors.size() ? factors : covariates).push_back(predictors.all[i]);
     }
   }
+  // Unused ones stay in the record: a case without them is left out all the same, as the variable list names
+  // them.
   context.specs.SetUsedFactors(std::move(factors));
   context.specs.SetUsedCovariates(std::move(covariates));
   if (!unused.empty()) context.messages.UnusedPredictors(unused);
@@ -68,6 +70,7 @@ bool ReadModel(ParseContext& context, const std::vector<host::TokenInfoObj>& tok
 bool FixModel(ParseContext& context, const host::SubComObj* model, std::vector<OrvModelEffect> effects) {
   const CommandPredictors& predictors = context.predictors;
   TavoParseMessages& messages = context.messages;
+  // MODEL may come before or behind INTERCEPT in a command, so what the two make together is judged here.
   if (!context.specs.UsesIntercept() && predictors.all.empty()) return messages.NothingInModel();
   if (context.interceptOnly && model != nullptr) {
     return messages.At(model->position).SubcommandInvalidWithValue("MODEL", "INTERCEPT", "ONLY");

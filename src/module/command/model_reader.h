@@ -1,4 +1,4 @@
-// The model of a command: MODEL, and what INTERCEPT and the variable list make of it.
+// The variables and the model of a command: the variable list, MODEL, and what INTERCEPT makes of them.
 #pragma once
 
 #include <vector>
@@ -8,7 +8,11 @@
 
 namespace tavo {
 
-/// Reads the effects of MODEL; equal ones are kept once, with one warning. False after a message.
+/// Reads `dependent [(reference)] [BY factors] [WITH covariates]`, which opens the command, into the
+/// validated specs and the context's predictors. False after a message.
+bool ReadVariableList(ParseContext& context, const std::vector<host::TokenInfoObj>& tokens);
+
+/// Reads the effects of MODEL; of equal ones the first stays, with one warning. False after a message.
 bool ReadModel(ParseContext& context, const std::vector<host::TokenInfoObj>& tokens,
                std::vector<OrvModelEffect>& effects);
 

@@ -1,9 +1,9 @@
-#include "module/command/odds_ratio_reader.h"
-
+// ODDSRATIOS: one family of odds ratios.
 #include <set>
 #include <utility>
 
 #include "component/numerics/missing_value.h"
+#include "module/command/hypothesis_readers.h"
 #include "module/command/token_cursor.h"
 
 namespace tavo {
@@ -14,7 +14,10 @@ using host::OperatorCode;
 using host::ParamObj;
 using host::TokenInfoObj;
 
+// What a request holds until the first pass has met the categories: their values wait in the items, and these
+// numbers only keep the places of the lists.
 constexpr int kCategoryIsCodedLater = 1;
+// Without amounts, the odds ratio is that of one unit of the covariate.
 constexpr double kPlainChange = 1;
 constexpr double kValueIsCodedLater = 1;
 
@@ -73,14 +76,13 @@ bool OddsRatioReader::Read(const host::SubComObj& oddsRatios) {
 bool OddsRatioReader::ReadItems(const ParamObj* param, ItemReader read) {
   if (param == nullptr) return true;
   const std::vector<TokenInfoObj>& tokens = param->getTokenList();
-  const bool hasBrackets = tokens.size() >= 2 &&
-                           tokens.front().getOperatorCode() == OperatorCode::kLeftBracket &&
-                           tokens.back().getOperatorCode() == OperatorCode::kRightBracket;
-  if (!hasBrackets) return fMessages.At(param->position).BracketsRequired(param->name);
+  if (!AreInBrackets(tokens)) return fMessages.At(param->position).BracketsRequired(param->name);
+  // Brackets around nothing ask for nothing.
   if (tokens.size() < 3) return fMessages.At(tokens.front()).WrongValueType(param->name);
   TokenCursor cursor(tokens);
   cursor.Step();
   while (!cursor.AtLast()) {
+    // Anew for each item: reading the amounts of a covariate narrows the place down to it.
     fMessages.SetParameter(param->name);
     if (!(this->*read)(cursor)) return false;
   }
@@ -102,6 +104,7 @@ bool OddsRatioReader::ReadFactor(TokenCursor& cursor) {
   if (!fFactorsNamed.insert(name.getUpperVarName()).second) {
     return fMessages.At(name).RepeatedFactor(name.getVarName());
   }
+  // A factor alone is compared with its highest category, as the dependent variable is.
   if (cursor.Ahead(1).getOperatorCode() == OperatorCode::kLeftParenthesis) {
     const TokenInfoObj* value = ReadValue(cursor);
     if (value == nullptr || !SetCategory(*value, item)) return false;
@@ -116,17 +119,13 @@ bool OddsRatioReader::ReadFactor(TokenCursor& cursor) {
 const TokenInfoObj* OddsRatioReader::ReadValue(TokenCursor& cursor) {
   constexpr std::size_t kLength = 4;  // name, parenthesis, value, parenthesis
   const TokenInfoObj& name = cursor.Token();
-  const TokenInfoObj& value = cursor.Ahead(2);
-  const bool isComplete = cursor.Ahead(1).getOperatorCode() == OperatorCode::kLeftParenthesis &&
-                          IsValueToken(value) &&
-                          cursor.Ahead(3).getOperatorCode() == OperatorCode::kRightParenthesis &&
-                          cursor.Ahead(kLength).kind != host::TokenKind::kEnd;
-  if (!isComplete) {
+  const TokenInfoObj* value = cursor.ValueInParentheses(1);
+  if (value == nullptr) {
     fMessages.At(name).MalformedValue(name.getVarName());
-    return nullptr;
+  } else {
+    cursor.Step(kLength);
   }
-  cursor.Step(kLength);
-  return &value;
+  return value;
 }
 
 /// HIGH and LOW are words; the same texts in quotes are values.
@@ -170,6 +169,7 @@ bool OddsRatioReader::ReadChanges(TokenCursor& cursor, const TokenInfoObj& name,
     if (cursor.AtLast()) return fMessages.At(token).InvalidSyntax(token.getString());
     if (cursor.IsAt(OperatorCode::kRightParenthesis) && !changes.empty()) break;
     if (!token.IsNumber()) return fMessages.At(token).NotANumber(token.getString());
+    // An odds ratio over no change is 1, whatever the model.
     if (token.getNumeric() == 0) return fMessages.At(token).ValueNotAllowed(parameter, "0");
     changes.push_back(token.getNumeric());
   }
@@ -177,6 +177,8 @@ bool OddsRatioReader::ReadChanges(TokenCursor& cursor, const TokenInfoObj& name,
   return true;
 }
 
+// A variable may be compared and held fixed in one request, so its name is only looked for among the
+// controls. A control says where it is held; unlike a factor's reference, that has no default.
 bool OddsRatioReader::ReadControl(TokenCursor& cursor) {
   const TokenInfoObj& name = cursor.Token();
   if (!CheckName(name)) return false;

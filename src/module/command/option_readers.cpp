@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "host/files.h"
+#include "module/command/token_cursor.h"
 
 namespace tavo {
 
 namespace {
 
-using host::OperatorCode;
 using host::ParamObj;
 using host::SubComObj;
 using host::TokenInfoObj;
@@ -54,6 +54,8 @@ bool ReadPlanFile(ParseContext& context, const SubComObj& plan) {
   if (!ReadFileName(file, name, isLiteral)) {
     return context.messages.At(ValuePosition(file)).WrongValueType(file.name);
   }
+  // At once, though the file is read later: a wrong name is told before anything else of the command is
+  // judged.
   if (!host::CheckFileRef(name) || !host::ValidateFileSpecification(name)) {
     return FileNotAccessible(context, file, name);
   }
@@ -87,6 +89,8 @@ bool ReadIntercept(ParseContext& context, const SubComObj& intercept) {
 
   bool show = true;
   if (!ReadWord(context, intercept, "SHOW", kShow, show)) return false;
+  // Only an intercept beside effects can be hidden: without it there is nothing to hide, alone it is the
+  // whole table.
   if (!show && include != Include::kYes) {
     context.messages.At(intercept.getParamObj("SHOW")->position).ValueIgnored("SHOW", "NO");
     return true;
@@ -103,6 +107,7 @@ bool ReadStatistics(ParseContext& context, const SubComObj& statistics) {
                                                                   {"CINTERVAL", Statistic::CINTERVAL},
                                                                   {"DEFF", Statistic::DEFF},
                                                                   {"DEFFSQRT", Statistic::DEFFSQRT}}};
+  // In the order of this list, so that the specification is the same however the command orders its words.
   for (const auto& [keyword, statistic] : kStatistics) {
     if (statistics.getParamObj(keyword) != nullptr) context.specs.AddStatistic(statistic);
   }
@@ -140,16 +145,16 @@ bool ReadDomain(ParseContext& context, const SubComObj& domain) {
   if (!name.IsVarName()) return messages.At(name).InvalidVariableName(name.getString());
   const int index = context.FindVariable(name.getVarName(), name.position);
   if (index < 0) return false;
+  // Known before the plan is checked, whose weight and sizes must not be this variable.
   context.designAndDomainVariables.insert(name.getUpperVarName());
   if (context.IsCommandVariable(name.getVarName())) {
     return messages.At(name).CommandVariableNotAllowed(name.getVarName());
   }
-  const bool isComplete =
-      tokens.size() == 4 && tokens[1].getOperatorCode() == OperatorCode::kLeftParenthesis &&
-      IsValueToken(tokens[2]) && tokens[3].getOperatorCode() == OperatorCode::kRightParenthesis;
-  if (!isComplete) return messages.At(name).WrongValueType(variable.name);
+  constexpr std::size_t kLength = 4;  // name, parenthesis, value, parenthesis
+  const TokenInfoObj* token = TokenCursor(tokens).ValueInParentheses(1);
+  if (token == nullptr || tokens.size() != kLength) return messages.At(name).WrongValueType(variable.name);
   messages.SetParameter({});
-  std::optional<CategoryValue> value = ReadValueToken(context, index, tokens[2]);
+  std::optional<CategoryValue> value = ReadValueToken(context, index, *token);
   if (!value) return false;
   context.specs.SetDomain(index, std::move(*value));
   return true;

@@ -21,4 +21,10 @@ bool ReadSave(ParseContext& context, const host::SubComObj& save);
 /// Names of files to write; whether they can be written is seen when they are.
 bool ReadOutfile(ParseContext& context, const host::SubComObj& outfile);
 
+/// Compares the name of each file to be written, without regard to case, with the names of plan, joint
+/// probabilities and the files to be written before it. Names are compared as they stand, not the files
+/// behind them. `outfile` is the OUTFILE subcommand or null. Call it once the plan is resolved, which may
+/// settle the name of the joint probabilities.
+bool CheckOutputFiles(ParseContext& context, const host::SubComObj* outfile);
+
 }  // namespace tavo

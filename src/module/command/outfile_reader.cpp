@@ -1,4 +1,5 @@
-// OUTFILE: names of the files that are written.
+// OUTFILE: names of the files that are written, none of them over another one of the same command.
+#include <array>
 #include <string>
 #include <utility>
 
@@ -28,6 +29,15 @@ bool ReadCaseFile(ParseContext& context, const ParamObj* param, host::UserCaseFi
   return context.messages.At(ValuePosition(*param)).WrongValueType(param->name);
 }
 
+struct NamedFile {
+  const char* use;
+  std::string name;  // as the command gives it, empty when it doesn't
+};
+
+bool IsSameName(const NamedFile& a, const NamedFile& b) {
+  return host::GetUpperString(a.name) == host::GetUpperString(b.name);
+}
+
 std::string FilePath(const ParamObj* param) {
   std::string name;
   if (param != nullptr) param->getFilePath(name);
@@ -44,6 +54,28 @@ bool ReadOutfile(ParseContext& context, const SubComObj& outfile) {
   if (!ReadCaseFile(context, outfile.getParamObj("CORB"), specs.CorrelationFile())) return false;
   specs.SetModelFileName(FilePath(outfile.getParamObj("MODEL")));
   specs.SetParameterFileName(FilePath(outfile.getParamObj("PARAMETER")));
+  return true;
+}
+
+bool CheckOutputFiles(ParseContext& context, const SubComObj* outfile) {
+  if (outfile == nullptr) return true;
+  const TavoValidSpecs& specs = context.specs;
+  constexpr std::size_t kFirstOutput = 2;
+  const std::array<NamedFile, 6> files = {{{"PLAN", specs.PlanFileName()},
+                                           {"JOINTPROB", specs.JointProbFile().DocumentationString()},
+                                           {"COVB", specs.CovarianceFile().DocumentationString()},
+                                           {"CORB", specs.CorrelationFile().DocumentationString()},
+                                           {"MODEL", specs.ModelFileName()},
+                                           {"PARAMETER", specs.ParameterFileName()}}};
+  for (std::size_t i = kFirstOutput; i < files.size(); ++i) {
+    const NamedFile& output = files[i];
+    if (output.name.empty()) continue;
+    for (std::size_t j = 0; j < i; ++j) {
+      if (!IsSameName(files[j], output)) continue;
+      const ParamObj& param = *outfile->getParamObj(output.use);
+      return context.messages.At(ValuePosition(param)).FileUsedTwice(output.name, files[j].use, output.use);
+    }
+  }
   return true;
 }
 

@@ -30,10 +30,6 @@ host::SourcePosition ValuePosition(const host::ParamObj& param) {
   return param.value.empty() ? param.position : param.value.front().position;
 }
 
-bool IsValueToken(const host::TokenInfoObj& token) {
-  return token.IsString() || token.IsNumber() || token.IsLiteral();
-}
-
 std::optional<CategoryValue> ReadValueToken(ParseContext& context, int variable,
                                             const host::TokenInfoObj& token) {
   const host::VORN_Variable& entry = *context.data.GetVariable(static_cast<unsigned>(variable));

@@ -28,7 +28,7 @@ struct CommandPredictors {
   }
 };
 
-/// Specification and data source are lent. Names in sets are in upper case.
+/// Specification and data source are not owned. Names in sets are in upper case.
 struct ParseContext {
   TavoValidSpecs& specs;
   host::ProcedureDataSource& data;
@@ -56,8 +56,6 @@ bool ReadFileName(const host::ParamObj& param, std::string& name, bool& isLitera
 
 /// Where the value of a keyword begins; the keyword itself when it stands alone.
 host::SourcePosition ValuePosition(const host::ParamObj& param);
-/// True for a token that may stand as a value in parentheses: a word, a number or a literal.
-bool IsValueToken(const host::TokenInfoObj& token);
 
 /// The value that the variable and the text behind it make, or nothing after a message at the token.
 std::optional<CategoryValue> ReadValueToken(ParseContext& context, int variable,

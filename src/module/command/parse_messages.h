@@ -26,7 +26,7 @@ class TavoParseMessages {
   /// kNoGroup: the command is being read; kGlobalGroup: the plan as a whole; above: that stage of the plan.
   /// While a group is set, messages name the plan's part instead of a subcommand.
   void SetGroupIndex(int index) { fGroupIndex = index; }
-  /// The subcommand in work, lent; null for none. `ordinal` counts from 0 among its `occurrences` in the
+  /// The subcommand in work, not owned; null for none. `ordinal` counts from 0 among its `occurrences` in the
   /// command.
   void SetSubcommand(const host::SubComObj* subcommand, std::size_t ordinal = 0, std::size_t occurrences = 1);
   /// The parameter in work; empty for none.

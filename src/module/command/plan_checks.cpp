@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "module/command/plan/plan_reader.h"
-#include "module/command/plan_matrix.h"
 
 namespace tavo {
 
@@ -25,6 +24,7 @@ StageEstimator EstimatorOf(PlanMethod method) {
 
 /// The plan file's name with another ending in place of its own.
 std::string WithEnding(const std::string& planFile, const char* ending) {
+  // A point in the name of a folder is no ending of the file.
   const std::size_t separator = planFile.find_last_of("/\\");
   const std::size_t point = planFile.find_last_of('.');
   const bool hasEnding = point != std::string::npos && (separator == std::string::npos || point > separator);
@@ -107,6 +107,7 @@ bool PlanResolver::SetDefaultJointProbFile() {
     file.Init(WithEnding(fSpecs.PlanFileName(), ending), true, false);
     return file.Exists() && file.IsValid() && !file.IsInUse();
   };
+  // When there is neither, messages name the first.
   if (isAccessible(".vdt") || isAccessible(".csv")) return true;
   file.Init(WithEnding(fSpecs.PlanFileName(), ".vdt"), true, false);
   return fMessages.DefaultJointProbFileNotAccessible(file.DocumentationString());
@@ -132,6 +133,7 @@ bool PlanResolver::ResolveDesignVariables(const std::vector<host::VornVarName>& 
     const std::string& name = entry.Text();
     const std::string upper = host::GetUpperVarName(name);
     if (!seen.insert(upper).second) return fMessages.VariableRepeated(name);
+    // A design variable may be the subpopulation, but not part of the model.
     if (fContext.IsCommandVariable(name)) return fMessages.PlanVariableInCommand(name, parameter);
     fContext.designAndDomainVariables.insert(upper);
     const int index = fContext.FindVariable(name);
@@ -193,6 +195,7 @@ int PlanResolver::CheckPlanVariable(const std::string& name, const char* paramet
     fMessages.PlanVariableInCommand(name, parameter);
     return kRefused;
   }
+  // Categories on one side, a number on the other: one column of the record can't be both.
   if (fContext.designAndDomainVariables.contains(host::GetUpperVarName(name))) {
     fMessages.PlanVariableInDomain(name);
     return kRefused;

@@ -1,6 +1,9 @@
 // The plan against the dictionary and the command.
 #pragma once
 
+#include <memory>
+
+#include "host/command.h"
 #include "module/command/parse_context.h"
 #include "module/command/plan/plan_data.h"
 
@@ -12,5 +15,10 @@ namespace tavo {
 /// passed the checks of its reader; the command has been read, with `hasJointProbFile` when it names a file
 /// of joint probabilities. False after a message.
 bool ResolvePlan(ParseContext& context, const OrvPlanData& plan, bool hasJointProbFile);
+
+/// The matrix form of a stage's sizes or probabilities, one value per combination of categories, as a look-up
+/// table. The category texts are read as values of their variables. A key that comes twice keeps its last
+/// value. Each row has one category per variable. Null after a message.
+std::unique_ptr<StageMatrix> ReadStageMatrix(ParseContext& context, const host::VarCatList& matrix);
 
 }  // namespace tavo

@@ -1,7 +1,9 @@
-#include "module/command/plan_matrix.h"
+// The matrix form of a stage's sizes or probabilities.
+#include <cassert>
 
 #include "module/command/category_value.h"
 #include "module/command/plan/plan_reader.h"
+#include "module/command/plan_checks.h"
 
 namespace tavo {
 
@@ -25,6 +27,7 @@ bool FindKeyVariables(ParseContext& context, const std::vector<std::string>& nam
 /// Lays the row's values end to end into `key`. `rowNumber` counts from 1.
 bool ReadKey(ParseContext& context, const std::vector<int>& variables,
              const std::vector<std::string>& categories, int rowNumber, std::vector<host::OBS>& key) {
+  assert(categories.size() == variables.size());  // the reader of plans lets no other row pass
   key.clear();
   for (std::size_t i = 0; i < variables.size(); ++i) {
     const host::VORN_Variable& variable = *context.data.GetVariable(static_cast<unsigned>(variables[i]));

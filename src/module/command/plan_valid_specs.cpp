@@ -22,13 +22,17 @@ bool OrvPlanValidSpecs::IsRateColumn(int column) const {
   return Contains(fRateColumns, column);
 }
 
-void OrvPlanValidSpecs::ClearRecordMaps() {
-  fCategoricalMap.clear();
-  fContinuousMap.clear();
-  fMatrixMap.clear();
-  fSizeColumns.clear();
-  fRateColumns.clear();
-  fRecordVariables.clear();
+// The design comes first, stage by stage, so that its columns are the same whatever is analysed.
+void OrvPlanValidSpecs::NumberColumns() {
+  for (std::size_t k = 0; k < fStages.size(); ++k) {
+    const DesignStage& stage = fStages[k].stage;
+    for (const int variable : stage.strata)
+      CategoricalColumn(variable);
+    for (const int variable : stage.clusters)
+      CategoricalColumn(variable);
+    NumberInclusion(stage, static_cast<int>(k));
+  }
+  if (fWeightVariable >= 0) ContinuousColumn(fWeightVariable);
 }
 
 int OrvPlanValidSpecs::RecordIndex(std::map<int, int>& map, int variable) {
@@ -37,40 +41,54 @@ int OrvPlanValidSpecs::RecordIndex(std::map<int, int>& map, int variable) {
   return entry->second;
 }
 
-void OrvPlanValidSpecs::FillPlanSettings(OrvPlanCompSettings& settings) {
-  for (std::size_t k = 0; k < fStages.size(); ++k) {
-    const DesignStage& stage = fStages[k].stage;
-    for (const int variable : stage.strata) {
-      settings.AddDesignCategorical(CategoricalColumn(variable), DesignVariableKind::kStrata,
-                                    stage.stageNumber);
-    }
-    for (const int variable : stage.clusters) {
-      settings.AddDesignCategorical(CategoricalColumn(variable), DesignVariableKind::kCluster,
-                                    stage.stageNumber);
-    }
-    FillInclusion(settings, fStages[k], static_cast<int>(k));
-    settings.SetStageEstimator(stage.estimator, stage.stageNumber);
-  }
-  if (fWeightVariable >= 0) settings.SetWeightVar(ContinuousColumn(fWeightVariable));
-  settings.SetSRSEstimator(fbSRSWithoutReplacement ? SRSEstimator::kWithoutReplacement
-                                                   : SRSEstimator::kWithReplacement);
-  settings.SetThreads(fNMaximumProcessors, &host::CurrentSession().Threads());
-  fpStopProcessor = host::CurrentSession().MakeStopProcessor();
-  settings.SetStopProcessor(fpStopProcessor.get());
-}
-
-/// A matrix fills a column of its own, which the component takes for one of a size or probability variable.
-void OrvPlanValidSpecs::FillInclusion(OrvPlanCompSettings& settings, const PlanStageSpec& spec,
-                                      int position) {
-  const DesignStage& stage = spec.stage;
-  const auto addColumn = [&](int column, InclProbType type) {
-    (type == InclProbType::kPopSizeVariable ? fSizeColumns : fRateColumns).push_back(column);
-    settings.AddDesignContinuous(column, type, stage.stageNumber);
-  };
+void OrvPlanValidSpecs::NumberInclusion(const DesignStage& stage, int position) {
   const auto matrixColumn = [&] {
     const auto [entry, isNew] = fMatrixMap.emplace(position, RecordLength());
     if (isNew) fRecordVariables.push_back(-1);
     return entry->second;
+  };
+  switch (stage.InclusionType()) {
+    case InclProbType::kNone:
+    case InclProbType::kInclProbValue:
+    case InclProbType::kPopSizeValue:
+      return;  // a constant takes no column
+    case InclProbType::kInclProbVariable:
+      return fRateColumns.push_back(ContinuousColumn(stage.InclusionProbabilityVariable()));
+    case InclProbType::kPopSizeVariable:
+      return fSizeColumns.push_back(ContinuousColumn(stage.PopulationSizeVariable()));
+    case InclProbType::kInclProbMatrix:
+      return fRateColumns.push_back(matrixColumn());
+    case InclProbType::kPopSizeMatrix:
+      return fSizeColumns.push_back(matrixColumn());
+  }
+}
+
+void OrvPlanValidSpecs::FillPlanSettings(OrvPlanCompSettings& settings) const {
+  for (std::size_t k = 0; k < fStages.size(); ++k) {
+    const DesignStage& stage = fStages[k].stage;
+    for (const int variable : stage.strata) {
+      settings.AddDesignCategorical(fCategoricalMap.at(variable), DesignVariableKind::kStrata,
+                                    stage.stageNumber);
+    }
+    for (const int variable : stage.clusters) {
+      settings.AddDesignCategorical(fCategoricalMap.at(variable), DesignVariableKind::kCluster,
+                                    stage.stageNumber);
+    }
+    FillInclusion(settings, stage, static_cast<int>(k));
+    settings.SetStageEstimator(stage.estimator, stage.stageNumber);
+  }
+  if (fWeightVariable >= 0) settings.SetWeightVar(fContinuousMap.at(fWeightVariable));
+  settings.SetSRSEstimator(fbSRSWithoutReplacement ? SRSEstimator::kWithoutReplacement
+                                                   : SRSEstimator::kWithReplacement);
+  settings.SetThreads(fNMaximumProcessors, &host::CurrentSession().Threads());
+}
+
+/// The adapter looks a case up in the stage's matrix and fills the column, so that the component takes a
+/// matrix for a variable and has one way less to know.
+void OrvPlanValidSpecs::FillInclusion(OrvPlanCompSettings& settings, const DesignStage& stage,
+                                      int position) const {
+  const auto addColumn = [&](int column, InclProbType type) {
+    settings.AddDesignContinuous(column, type, stage.stageNumber);
   };
   switch (stage.InclusionType()) {
     case InclProbType::kNone:
@@ -83,14 +101,14 @@ void OrvPlanValidSpecs::FillInclusion(OrvPlanCompSettings& settings, const PlanS
       settings.SetDesignConstant(stage.PopulationSize(), InclProbType::kPopSizeValue, stage.stageNumber);
       return;
     case InclProbType::kInclProbVariable:
-      return addColumn(ContinuousColumn(stage.InclusionProbabilityVariable()),
+      return addColumn(fContinuousMap.at(stage.InclusionProbabilityVariable()),
                        InclProbType::kInclProbVariable);
     case InclProbType::kPopSizeVariable:
-      return addColumn(ContinuousColumn(stage.PopulationSizeVariable()), InclProbType::kPopSizeVariable);
+      return addColumn(fContinuousMap.at(stage.PopulationSizeVariable()), InclProbType::kPopSizeVariable);
     case InclProbType::kInclProbMatrix:
-      return addColumn(matrixColumn(), InclProbType::kInclProbVariable);
+      return addColumn(fMatrixMap.at(position), InclProbType::kInclProbVariable);
     case InclProbType::kPopSizeMatrix:
-      return addColumn(matrixColumn(), InclProbType::kPopSizeVariable);
+      return addColumn(fMatrixMap.at(position), InclProbType::kPopSizeVariable);
   }
 }
 

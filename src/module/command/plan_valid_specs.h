@@ -10,7 +10,6 @@
 #include "component/input/comp_settings.h"
 #include "component/input/design_stage.h"
 #include "host/data.h"
-#include "host/stop.h"
 
 namespace tavo {
 
@@ -28,15 +27,13 @@ struct PlanStageSpec {
   std::unique_ptr<StageMatrix> matrix;  // null unless the stage takes its values from a matrix
 };
 
+/// Filled while a command is parsed, final once its record columns are numbered.
 class OrvPlanValidSpecs {
  public:
   OrvPlanValidSpecs() = default;
   virtual ~OrvPlanValidSpecs() = default;
   OrvPlanValidSpecs(const OrvPlanValidSpecs&) = delete;
   OrvPlanValidSpecs& operator=(const OrvPlanValidSpecs&) = delete;
-
-  /// Creates the component settings; see TavoValidSpecs. False when they can't be made.
-  virtual bool BuildSettings() = 0;
 
   void SetWeightVariable(int index) {
     if (index >= 0) fWeightVariable = index;
@@ -51,6 +48,8 @@ class OrvPlanValidSpecs {
   void SetMaximumProcessors(int count) { fNMaximumProcessors = count; }
   int MaximumProcessors() const { return fNMaximumProcessors; }
 
+  /// Numbers the columns of the records; the last step of parsing. The base numbers those of the plan.
+  virtual void NumberColumns();
   /// Dictionary index to record column; of matrices: stage position to record column.
   const std::map<int, int>& CategoricalRecordMap() const { return fCategoricalMap; }
   const std::map<int, int>& ContinuousRecordMap() const { return fContinuousMap; }
@@ -66,14 +65,13 @@ class OrvPlanValidSpecs {
   /// The record column of a variable; a new one is appended when it has none yet.
   int CategoricalColumn(int variable) { return RecordIndex(fCategoricalMap, variable); }
   int ContinuousColumn(int variable) { return RecordIndex(fContinuousMap, variable); }
-  /// Numbers the plan's columns and gives the stages, weight, SRS estimator, threads and stop processor to
-  /// the settings.
-  virtual void FillPlanSettings(OrvPlanCompSettings& settings);
-  void ClearRecordMaps();
+  /// Gives the stages, weight, SRS estimator and threads to the settings. Call NumberColumns before.
+  void FillPlanSettings(OrvPlanCompSettings& settings) const;
 
  private:
   int RecordIndex(std::map<int, int>& map, int variable);
-  void FillInclusion(OrvPlanCompSettings& settings, const PlanStageSpec& spec, int position);
+  void NumberInclusion(const DesignStage& stage, int position);
+  void FillInclusion(OrvPlanCompSettings& settings, const DesignStage& stage, int position) const;
 
   int fWeightVariable = -1;
   std::vector<PlanStageSpec> fStages;
@@ -86,7 +84,6 @@ class OrvPlanValidSpecs {
   std::vector<int> fSizeColumns;
   std::vector<int> fRateColumns;
   std::vector<int> fRecordVariables;
-  std::unique_ptr<host::MCStopProcessor> fpStopProcessor;
 };
 
 }  // namespace tavo

@@ -54,6 +54,7 @@ std::string NewPredictedValueName(const host::VORN_DataSource& data) {
 bool ReadPredVal(ParseContext& context, const ParamObj& predVal) {
   constexpr int kNewVariable = -1;
   std::string name;
+  // A name that the user chose must be free; one that was made up here gives way.
   if (predVal.isLeadingToken()) {
     name = NewPredictedValueName(context.data);
   } else {

@@ -9,7 +9,18 @@
 
 namespace tavo {
 
-/// Moves over tokens, which are lent. Past the end every question is answered as for an empty token.
+/// True for a token that may stand as a value in parentheses: a word, a number or a literal.
+inline bool IsValueToken(const host::TokenInfoObj& token) {
+  return token.IsString() || token.IsNumber() || token.IsLiteral();
+}
+
+/// True for tokens that open with "[" and end with "]".
+inline bool AreInBrackets(const std::vector<host::TokenInfoObj>& tokens) {
+  return tokens.size() >= 2 && tokens.front().getOperatorCode() == host::OperatorCode::kLeftBracket &&
+         tokens.back().getOperatorCode() == host::OperatorCode::kRightBracket;
+}
+
+/// Moves over tokens, which are not owned. Past the end every question is answered as for an empty token.
 class TokenCursor {
  public:
   explicit TokenCursor(const std::vector<host::TokenInfoObj>& tokens) : fTokens(tokens) {}
@@ -22,6 +33,13 @@ class TokenCursor {
   /// The token so many places ahead.
   const host::TokenInfoObj& Ahead(std::size_t count) const {
     return fIndex + count < fTokens.size() ? fTokens[fIndex + count] : fEnd;
+  }
+  /// The value of a "(value)" that stands so many places ahead; null when something else stands there.
+  const host::TokenInfoObj* ValueInParentheses(std::size_t ahead) const {
+    const bool isThere = Ahead(ahead).getOperatorCode() == host::OperatorCode::kLeftParenthesis &&
+                         IsValueToken(Ahead(ahead + 1)) &&
+                         Ahead(ahead + 2).getOperatorCode() == host::OperatorCode::kRightParenthesis;
+    return isThere ? &Ahead(ahead + 1) : nullptr;
   }
   host::OperatorCode Operator() const { return Token().getOperatorCode(); }
   bool IsAt(host::OperatorCode code) const { return Operator() == code; }

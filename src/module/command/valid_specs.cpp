@@ -1,6 +1,7 @@
 #include "module/command/valid_specs.h"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace tavo {
@@ -53,15 +54,6 @@ void TavoValidSpecs::SetDependent(int variable, bool highReference, CategoryValu
   fReference = std::move(reference);
 }
 
-void TavoValidSpecs::SetDependentCounts(int categories, int referenceCode) {
-  fNCategories = categories;
-  fReferenceCode = referenceCode;
-}
-
-void TavoValidSpecs::SetFactorLevels(std::vector<int> levels) {
-  if (levels.size() == fFactors.size()) fFactorLevels = std::move(levels);
-}
-
 void TavoValidSpecs::SetDomain(int variable, CategoryValue value) {
   fDomain = variable;
   fDomainValue = std::move(value);
@@ -80,9 +72,11 @@ void TavoValidSpecs::SetOddsRatios(std::vector<OrvOddsRatioSpec> requests,
   fOddsRatioItems = std::move(items);
 }
 
-void TavoValidSpecs::AddRecordOddsRatio(const std::vector<int>& factorCodes,
-                                        const std::vector<int>& controlCodes) {
-  const OrvOddsRatioSpec& request = fOddsRatios[fRecordOddsRatios.size()];
+OrvOddsRatioSpec TavoValidSpecs::RecordOddsRatio(std::size_t number, const std::vector<int>& factorCodes,
+                                                 const std::vector<int>& controlCodes) const {
+  const OrvOddsRatioSpec& request = fOddsRatios[number];
+  assert(factorCodes.size() == request.Factors().size());
+  assert(controlCodes.size() == request.Controls().size());
   OrvOddsRatioSpec record;
   for (std::size_t i = 0; i < request.Factors().size(); ++i) {
     record.AddFactor(ColumnOf(CategoricalRecordMap(), request.Factors()[i].variable), factorCodes[i]);
@@ -92,13 +86,14 @@ void TavoValidSpecs::AddRecordOddsRatio(const std::vector<int>& factorCodes,
   }
   for (std::size_t i = 0; i < request.Controls().size(); ++i) {
     const auto& [variable, value] = request.Controls()[i];
+    // Controls of both kinds stand in one list: the code tells which map the variable is in.
     if (controlCodes[i] < OrvOddsRatioSpec::kLowest) {
       record.AddControl(ColumnOf(ContinuousRecordMap(), variable), value);
     } else {
       record.AddControl(ColumnOf(CategoricalRecordMap(), variable), controlCodes[i]);
     }
   }
-  fRecordOddsRatios.push_back(std::move(record));
+  return record;
 }
 
 std::string TavoValidSpecs::FactorItemText(int item, int request) const {
@@ -166,19 +161,10 @@ bool TavoValidSpecs::Has(PrintOption option) const {
   return Contains(fPrintOptions, option);
 }
 
-bool TavoValidSpecs::BuildSettings() {
-  fpSettings = std::make_unique<TavoCompSettings>();
-  ClearRecordMaps();
-  FillPlanSettings(*fpSettings);
-  AssignColumns();
-  GiveOptions();
-  return true;
-}
-
-void TavoValidSpecs::AssignColumns() {
+void TavoValidSpecs::NumberColumns() {
+  assert(RecordLength() == 0);
+  OrvPlanValidSpecs::NumberColumns();
   fDependentColumn = fDependent >= 0 ? CategoricalColumn(fDependent) : -1;
-  fFactorColumns.clear();
-  fCovariateColumns.clear();
   for (const int factor : fFactors)
     fFactorColumns.push_back(CategoricalColumn(factor));
   for (const int covariate : fCovariates)
@@ -189,13 +175,30 @@ void TavoValidSpecs::AssignColumns() {
   fRecordEffects = fEffects;
   for (OrvModelEffect& effect : fRecordEffects)
     effect.SetPredictors(&fRecordPredictors);
+  // Last: a subpopulation variable that the design has too keeps the column of the design.
   fDomainColumn = fDomain >= 0 ? CategoricalColumn(fDomain) : -1;
 }
 
-void TavoValidSpecs::GiveOptions() {
-  TavoCompSettings& settings = *fpSettings;
+TavoCompSettings TavoValidSpecs::BuildSettings(const FirstPassFindings& found) const {
+  assert(found.factorLevels.size() == fFactors.size());
+  TavoCompSettings settings;
+  FillPlanSettings(settings);
+  GiveOptions(settings);
+  settings.SetDependent(fDependentColumn, found.dependentCategories, found.referenceCode);
+  for (std::size_t i = 0; i < fFactors.size(); ++i)
+    settings.AddFactor(fFactorColumns[i], found.factorLevels[i]);
+  for (const int column : fCovariateColumns)
+    settings.AddCovariate(column);
+  for (const OrvModelEffect& effect : fRecordEffects)
+    settings.AddEffect(effect);
+  if (fDomain >= 0) settings.SetSubpop(fDomainColumn, found.domainCode);
+  return settings;
+}
+
+void TavoValidSpecs::GiveOptions(TavoCompSettings& settings) const {
   settings.SetIntercept(fbUseIntercept);
   settings.SetStartingIteration(fCheckSeparation);
+  // A percentage for the user, a share from here on.
   settings.SetConfidence(fConfidenceLevel / 100);
   if (fDegreesOfFreedom >= 0) settings.SetDegreesOfFreedom(fDegreesOfFreedom);
   settings.SetLogLikCriterion(fLogLikConvergence);
@@ -210,18 +213,6 @@ void TavoValidSpecs::GiveOptions() {
   if (fHistoryStep > 0) settings.SetHistoryFrequency(fHistoryStep);
   // Adjusted tests and design effects compare with simple random sampling; nothing else does.
   settings.SetNeedSRS(IsAdjusted(fTestType) || Has(Statistic::DEFF) || Has(Statistic::DEFFSQRT));
-}
-
-void TavoValidSpecs::CompleteSettings() {
-  TavoCompSettings& settings = *fpSettings;
-  settings.SetDependent(fDependentColumn, fNCategories, fReferenceCode);
-  for (std::size_t i = 0; i < fFactorLevels.size(); ++i)
-    settings.AddFactor(fFactorColumns[i], fFactorLevels[i]);
-  for (const int column : fCovariateColumns)
-    settings.AddCovariate(column);
-  for (const OrvModelEffect& effect : fRecordEffects)
-    settings.AddEffect(effect);
-  if (fDomain >= 0) settings.SetSubpop(fDomainColumn, fDomainCode);
 }
 
 std::string TavoValidSpecs::ValueText(const CategoryValue& value, bool trim) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,6 +11,8 @@
 #include "component/input/odds_ratio_spec.h"
 #include "host/data.h"
 #include "host/files.h"
+#include "module/command/category_value.h"
+#include "module/command/first_pass_findings.h"
 #include "module/command/plan_valid_specs.h"
 
 namespace tavo {
@@ -37,13 +38,6 @@ enum class PrintOption : int {
   NONE = 8
 };
 
-/// A value of a variable in host cells; empty: none.
-struct CategoryValue {
-  std::vector<host::OBS> cells;
-  host::VORN_Format format;
-  bool Empty() const { return cells.empty(); }
-};
-
 /// One item of a FACTOR list: a category that can be coded only after the first pass.
 struct FactorSpec {
   int variable = -1;    // dictionary index; -1 for a covariate
@@ -59,25 +53,24 @@ struct OddsRatioItems {
   std::vector<ControlSpec> controls;
 };
 
-/// Filled by the command parser, read by driver and output; builds the component's settings and completes
-/// them after the first pass. Indices of variables are dictionary indices, -1 not set.
+/// Filled by the command parser and final from then on: read by driver and output, and made into the settings
+/// of the component once the first pass has found what only the data can tell. Indices of variables are
+/// dictionary indices, -1 not set.
 class TavoValidSpecs final : public OrvPlanValidSpecs {
  public:
-  /// Before the first pass: numbers the record columns and makes the settings from plan, options and limits.
-  bool BuildSettings() override;
-  /// After the first pass: gives the settings what was counted. Call SetDependentCounts, SetFactorLevels and
-  /// SetDomainCode before.
-  void CompleteSettings();
-  /// Null before BuildSettings.
-  TavoCompSettings* Settings() { return fpSettings.get(); }
-  const TavoCompSettings* Settings() const { return fpSettings.get(); }
+  /// The plan's columns, then dependent variable, factors, covariates and subpopulation; a variable with
+  /// several roles takes one column. The last step of parsing, once only: nothing is set afterwards.
+  void NumberColumns() override;
+  /// What the component is told: plan, options and limits from here, counts and codes from the first pass.
+  /// There is one level count per factor. Effects refer to this specification, which must outlive all copies
+  /// of the settings. Stop processor and progress listener are the caller's to set.
+  TavoCompSettings BuildSettings(const FirstPassFindings& found) const;
 
   // The dependent variable and its reference: highest, a value, or (neither) lowest.
   void SetDependent(int variable, bool highReference, CategoryValue reference);
   int DependentVariable() const { return fDependent; }
   bool IsHighReference() const { return fbHighReference; }
   const CategoryValue& ReferenceValue() const { return fReference; }
-  void SetDependentCounts(int categories, int referenceCode);
   int DependentColumn() const { return fDependentColumn; }  // record column
 
   // Predictors. "Used" ones stand in the model; the full lists stay in force for the records.
@@ -89,16 +82,13 @@ class TavoValidSpecs final : public OrvPlanValidSpecs {
   const std::vector<int>& Covariates() const { return fCovariates; }
   const std::vector<int>& UsedFactors() const { return fUsedFactors; }
   const std::vector<int>& UsedCovariates() const { return fUsedCovariates; }
-  /// Record columns of the factors, in order; filled by BuildSettings.
+  /// Record columns of the factors, in order; filled by NumberColumns.
   const std::vector<int>& FactorColumns() const { return fFactorColumns; }
   const std::vector<int>& CovariateColumns() const { return fCovariateColumns; }
-  /// Ignored unless there is one count per factor.
-  void SetFactorLevels(std::vector<int> levels);
-  const std::vector<int>& FactorLevels() const { return fFactorLevels; }
   /// Effects over dictionary indices; copied.
   void SetEffects(std::vector<OrvModelEffect> effects) { fEffects = std::move(effects); }
   const std::vector<OrvModelEffect>& Effects() const { return fEffects; }
-  /// The same effects over record columns; filled by BuildSettings.
+  /// The same effects over record columns; filled by NumberColumns.
   const std::vector<OrvModelEffect>& RecordEffects() const { return fRecordEffects; }
   void SetIntercept(bool use) { fbUseIntercept = use; }
   void SetShowIntercept(bool show) { fbShowIntercept = show; }
@@ -109,7 +99,6 @@ class TavoValidSpecs final : public OrvPlanValidSpecs {
   void SetDomain(int variable, CategoryValue value);
   int DomainVariable() const { return fDomain; }
   const CategoryValue& DomainValue() const { return fDomainValue; }
-  void SetDomainCode(int code) { fDomainCode = code; }
 
   // Custom tests, one per CUSTOM subcommand, in the order of the command.
   /// Ignored unless there is one label per test; a label may be empty.
@@ -122,11 +111,10 @@ class TavoValidSpecs final : public OrvPlanValidSpecs {
   void SetOddsRatios(std::vector<OrvOddsRatioSpec> requests, std::vector<OddsRatioItems> items);
   const std::vector<OrvOddsRatioSpec>& OddsRatios() const { return fOddsRatios; }
   const std::vector<OddsRatioItems>& OddsRatioItemLists() const { return fOddsRatioItems; }
-  /// Appends the record form of the next request, over record columns: `factorCodes` and `controlCodes` hold
-  /// one code per item, below -1 for a covariate's control. Call it once per request, in order, after the
-  /// first pass.
-  void AddRecordOddsRatio(const std::vector<int>& factorCodes, const std::vector<int>& controlCodes);
-  const std::vector<OrvOddsRatioSpec>& RecordOddsRatios() const { return fRecordOddsRatios; }
+  /// The record form of a request (from 0), over record columns: `factorCodes` and `controlCodes` hold one
+  /// code per item, below OrvOddsRatioSpec::kLowest for a covariate's control.
+  OrvOddsRatioSpec RecordOddsRatio(std::size_t request, const std::vector<int>& factorCodes,
+                                   const std::vector<int>& controlCodes) const;
   /// The value of an item as text, trimmed; empty when the item has none or isn't there.
   std::string FactorItemText(int item, int request) const;
   std::string ControlItemText(int item, int request) const;
@@ -197,27 +185,23 @@ class TavoValidSpecs final : public OrvPlanValidSpecs {
   static std::string ValueText(const CategoryValue& value, bool trim);
 
  private:
-  void AssignColumns();
-  void GiveOptions();
+  void GiveOptions(TavoCompSettings& settings) const;
 
   int fDomain = -1;
   CategoryValue fDomainValue;
-  int fDomainCode = -1;
   int fDomainColumn = -1;
   int fDependent = -1;
   bool fbHighReference = true;
   CategoryValue fReference;
   int fDependentColumn = -1;
-  int fNCategories = 0;
-  int fReferenceCode = 0;
-  std::vector<int> fFactors, fUsedFactors, fFactorColumns, fFactorLevels;
+  std::vector<int> fFactors, fUsedFactors, fFactorColumns;
   std::vector<int> fCovariates, fUsedCovariates, fCovariateColumns;
   std::vector<int>
       fRecordPredictors;  // record columns: factors, then covariates; effects of the settings refer to it
   std::vector<OrvModelEffect> fEffects, fRecordEffects;
   std::vector<OrvCustomTest> fCustomTests;
   std::vector<std::string> fCustomTestLabels;
-  std::vector<OrvOddsRatioSpec> fOddsRatios, fRecordOddsRatios;
+  std::vector<OrvOddsRatioSpec> fOddsRatios;
   std::vector<OddsRatioItems> fOddsRatioItems;
   bool fbUseIntercept = true;
   bool fbShowIntercept = true;
@@ -244,7 +228,6 @@ class TavoValidSpecs final : public OrvPlanValidSpecs {
   std::string fPredictedValueName;
   int fPredictedValueVariable = -1;
   std::string fModelFileName, fParameterFileName;
-  std::unique_ptr<TavoCompSettings> fpSettings;
 };
 
 }  // namespace tavo

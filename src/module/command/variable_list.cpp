@@ -1,7 +1,8 @@
-#include "module/command/variable_list.h"
-
+// The list of variables that opens the command: the dependent variable, its reference, factors and
+// covariates.
 #include <utility>
 
+#include "module/command/model_reader.h"
 #include "module/command/token_cursor.h"
 
 namespace tavo {
@@ -28,7 +29,7 @@ struct PredictorList {
 class VariableListReader {
  public:
   VariableListReader(ParseContext& context, const std::vector<TokenInfoObj>& tokens)
-      : fContext(context), fMessages(context.messages), fTokens(tokens), fCursor(tokens) {}
+      : fContext(context), fMessages(context.messages), fCursor(tokens) {}
 
   bool Read();
 
@@ -46,7 +47,6 @@ class VariableListReader {
 
   ParseContext& fContext;
   TavoParseMessages& fMessages;
-  const std::vector<TokenInfoObj>& fTokens;
   TokenCursor fCursor;
   bool fbBySeen = false;
   bool fbWithSeen = false;
@@ -80,27 +80,23 @@ bool VariableListReader::ReadDependent() {
 
 /// HIGH and LOW are words; the same texts in quotes are values.
 bool VariableListReader::ReadReference(int dependent, const std::string& name) {
-  const SourcePosition parenthesis = fCursor.Position();
-  constexpr std::size_t kReferenceEnd = 4;  // name, parenthesis, value, parenthesis
-  const bool isComplete = fTokens.size() >= kReferenceEnd && IsValueToken(fTokens[2]) &&
-                          fTokens[3].getOperatorCode() == OperatorCode::kRightParenthesis;
-  if (!isComplete) return fMessages.At(parenthesis).MalformedValue(name);
-
-  const TokenInfoObj& value = fTokens[2];
-  const bool isHigh = value.IsString() && value.getUpperString() == "HIGH";
-  const bool isLow = value.IsString() && value.getUpperString() == "LOW";
+  constexpr std::size_t kLength = 3;  // parenthesis, value, parenthesis
+  const TokenInfoObj* value = fCursor.ValueInParentheses(0);
+  if (value == nullptr) return fMessages.At(fCursor.Position()).MalformedValue(name);
+  const bool isHigh = value->IsString() && value->getUpperString() == "HIGH";
+  const bool isLow = value->IsString() && value->getUpperString() == "LOW";
   CategoryValue reference;
   if (!isHigh && !isLow) {
-    std::optional<CategoryValue> read = ReadValueToken(fContext, dependent, value);
+    std::optional<CategoryValue> read = ReadValueToken(fContext, dependent, *value);
     if (!read) return false;
     reference = std::move(*read);
   }
   fContext.specs.SetDependent(dependent, isHigh, std::move(reference));
-  for (std::size_t i = 1; i < kReferenceEnd; ++i)
-    fCursor.Step();
+  fCursor.Step(kLength);
   return true;
 }
 
+// Either list may come first, each once.
 bool VariableListReader::ReadPredictors() {
   CommandPredictors& predictors = fContext.predictors;
   while (!fCursor.AtEnd()) {
@@ -137,6 +133,7 @@ bool VariableListReader::ReadList(PredictorList list) {
 /// A name, or TO and the last name of a range whose first one stands before it.
 bool VariableListReader::ReadEntry(PredictorList& list, bool& isAfterRange) {
   const TokenInfoObj& first = fCursor.Token();
+  // A range needs a name on both sides that belongs to it alone: "a TO b TO c" could mean two things.
   const bool isRange = fCursor.IsAt(OperatorCode::kTo);
   if (isRange && !ReadTo(isAfterRange)) return false;
   isAfterRange = isRange;
@@ -159,6 +156,8 @@ bool VariableListReader::ReadTo(bool isAfterRange) {
   return !isAfterRange || fMessages.At(position).ImproperTo();
 }
 
+// A range runs through the dictionary, not through an alphabet. Its ends are in the list already or about to
+// be; a covariate in between that isn't numeric is as much of an error as one that is named.
 bool VariableListReader::AddRange(PredictorList& list, int last, const TokenInfoObj& to,
                                   const SourcePosition& position) {
   const int first = list.variables.back();
@@ -175,6 +174,7 @@ bool VariableListReader::AddRange(PredictorList& list, int last, const TokenInfo
 
 bool VariableListReader::Enter(PredictorList& list, const std::string& name, const SourcePosition& position,
                                int& index) {
+  // One role a variable: the dependent one stands in the set as well.
   const std::string upper = host::GetUpperVarName(name);
   if (!fContext.commandVariables.insert(upper).second) return fMessages.At(position).VariableRepeated(name);
   index = fContext.FindVariable(name, position);

@@ -30,6 +30,7 @@ std::vector<int> OddsRatioCheck::Codes(const std::vector<FactorSpec>& items, std
   fNotFound.clear();
   std::vector<int> codes;
   for (const FactorSpec& item : items) {
+    // Sorting again changes nothing, and a covariate has no categories, which the adapter knows.
     fAdapter.SortCategories(item.variable, true);
     codes.push_back(CodeOf(item));
   }
@@ -60,17 +61,19 @@ void OddsRatioCheck::Warn(const char* key, std::size_t request) const {
 
 }  // namespace
 
-void CheckOddsRatios(TavoValidSpecs& specs, OrvRegInputAdapter& adapter,
-                     const host::VORN_DataSource& source) {
+std::vector<OrvOddsRatioSpec> CheckOddsRatios(const TavoValidSpecs& specs, OrvRegInputAdapter& adapter,
+                                              const host::VORN_DataSource& source) {
   OddsRatioCheck check(adapter, source);
+  std::vector<OrvOddsRatioSpec> requests;
   for (std::size_t i = 0; i < specs.OddsRatioItemLists().size(); ++i) {
     const OddsRatioItems& items = specs.OddsRatioItemLists()[i];
     const std::vector<int> factors =
         check.Codes(items.factors, i, "For OddsRatio ^1 reference category out of range [%1:, ^1:]2");
     const std::vector<int> controls =
         check.Codes(items.controls, i, "For OddsRatio ^1 factor value out of range on Control [%1:, ^1:]2");
-    specs.AddRecordOddsRatio(factors, controls);
+    requests.push_back(specs.RecordOddsRatio(i, factors, controls));
   }
+  return requests;
 }
 
 }  // namespace tavo

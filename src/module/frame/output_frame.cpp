@@ -1,5 +1,7 @@
 #include "module/frame/output_frame.h"
 
+#include <cassert>
+
 #include "module/reporting/covariance_tables.h"
 #include "module/reporting/design_tables.h"
 #include "module/reporting/estimation_tables.h"
@@ -9,9 +11,15 @@
 
 namespace tavo {
 
-void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, host::ProcedureDataSource& source,
-               host::BpHeading& heading) {
-  const TavoOutputFrame frame(heading, driver, specs, source);
+void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, const FirstPassFindings& found,
+               host::ProcedureDataSource& source, host::BpHeading& heading) {
+  assert(driver.Component() != nullptr);
+  const TavoOutputStats* stats = nullptr;
+  driver.Component()->OutputStatistics(stats);
+  const TavoOutputFrame frame(
+      heading, {specs, found, source, driver.Adapter(), driver.Iterations(), stats, driver.StopProcessor()});
+  // From what went in over the fit to what is asked about it; files last, as they may fail without harm to
+  // the tables.
   if (specs.Has(PrintOption::SAMPLEINFO)) OutputSampleDesign(frame);
   if (specs.Has(PrintOption::VARIABLEINFO)) {
     OutputCategoricalVariables(frame);
@@ -27,10 +35,10 @@ void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, host::P
   OutputEffectTests(frame);
   OutputCustomTests(frame);
   OutputOddsRatios(frame);
-  SaveResults(frame, driver, source);
+  SaveResults(frame, *driver.Component(), driver.Adapter(), source);
 }
 
-void NoteInputFiles(TavoValidSpecs& specs) {
+void NoteInputFiles(const TavoValidSpecs& specs) {
   constexpr int kInputFiles = 1;
   host::AddNotes(kInputFiles, "Plan File", host::Plain(specs.PlanFileName()));
   if (specs.JointProbFile().IsInit()) {

@@ -7,10 +7,11 @@
 
 namespace tavo {
 
-/// Builds all tables of a finished run. A table that lacks its data is left out silently.
-void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, host::ProcedureDataSource& source,
-               host::BpHeading& heading);
+/// Builds all tables of a run whose model is built, and saves what the command asks for. A table that lacks
+/// its data is left out silently.
+void OutputAll(TavoProcedureDriver& driver, const TavoValidSpecs& specs, const FirstPassFindings& found,
+               host::ProcedureDataSource& source, host::BpHeading& heading);
 /// The notes on the files that a command reads; sent before the first pass.
-void NoteInputFiles(TavoValidSpecs& specs);
+void NoteInputFiles(const TavoValidSpecs& specs);
 
 }  // namespace tavo

@@ -14,6 +14,7 @@ namespace {
 
 constexpr int kLowestCategory = -1;  // reference codes with a meaning of their own
 constexpr int kHighestCategory = 0;
+// Asking the host at each case would slow the pass; a few thousand cases are over before a user notices.
 constexpr long kRecordsPerStopCheck = 4096;
 
 void SendError(const char* key) {
@@ -39,8 +40,11 @@ class ShownIterations final : public ProgressListener {
 
 }  // namespace
 
-TavoProcedureDriver::TavoProcedureDriver(TavoValidSpecs& specs, host::ProcedureDataSource& source)
-    : fSpecs(specs), fSource(source), fpIterations(std::make_unique<OrvIterationData>()) {
+TavoProcedureDriver::TavoProcedureDriver(const TavoValidSpecs& specs, host::ProcedureDataSource& source)
+    : fSpecs(specs),
+      fSource(source),
+      fpStopProcessor(host::CurrentSession().MakeStopProcessor()),
+      fpIterations(std::make_unique<OrvIterationData>()) {
   std::unique_ptr<host::ProcDSIterator> cases = AsProcDSIterator(source.NewInputIterator(0));
   fpReporter = std::make_unique<OrvVariableReporter>(source);
   if (cases == nullptr) {
@@ -57,14 +61,12 @@ TavoProcedureDriver::TavoProcedureDriver(TavoValidSpecs& specs, host::ProcedureD
     fStatus = OrvStatus::Error(StatusCode::kUserError);
   }
   fpProgress = std::make_unique<ShownIterations>(*fpIterations);
-  if (specs.Settings() != nullptr) specs.Settings()->SetProgressListener(fpProgress.get());
 }
 
 TavoProcedureDriver::~TavoProcedureDriver() = default;
 
 // The records themselves are of no interest here: the pass fills the adapter's code tables and counters.
 bool TavoProcedureDriver::WalkFirstPass() {
-  host::MCStopProcessor* stop = fSpecs.Settings() == nullptr ? nullptr : fSpecs.Settings()->StopProcessor();
   host::CurrentSession().Progress().Show("Reading the cases", "");
   for (long record = 1; fpIterator->HasNext(); ++record) {
     fpIterator->Next();
@@ -72,7 +74,8 @@ bool TavoProcedureDriver::WalkFirstPass() {
       fStatus = OrvStatus::Error(StatusCode::kUserError);
       return false;
     }
-    if (record % kRecordsPerStopCheck == 0 && stop != nullptr && stop->IsStopRequested()) {
+    if (record % kRecordsPerStopCheck == 0 && fpStopProcessor != nullptr &&
+        fpStopProcessor->IsStopRequested()) {
       fStatus = OrvStatus::Error(StatusCode::kCancelled);
       return false;
     }
@@ -80,32 +83,33 @@ bool TavoProcedureDriver::WalkFirstPass() {
   return true;
 }
 
-bool TavoProcedureDriver::ProcessDataPass() {
-  if (fpIterator == nullptr) return false;
-  bool result = true;
-  if (!fStatus.IsError() && !fpIterator->HasNext()) {
+// A run that ends here still goes through what can be checked, so that the user hears of all faults at once.
+std::optional<FirstPassFindings> TavoProcedureDriver::ProcessDataPass() {
+  if (fStatus.IsError()) return std::nullopt;
+  if (!fpIterator->HasNext()) {
     fStatus = OrvStatus::Error(StatusCode::kNoRecords);
-    result = false;
+    return std::nullopt;
   }
-  if (!fStatus.IsError()) result = WalkFirstPass();
-  if (!fStatus.IsError()) {
-    result = SettleDependent() && result;
-    SettleFactors();
-    result = SettleDomain() && result;
-    CheckOddsRatios(fSpecs, *fpAdapter, fSource);
-  }
-  if (!fStatus.IsError()) fpIterator->Reset();
-  return result && !fStatus.IsError();
+  if (!WalkFirstPass()) return std::nullopt;
+  FirstPassFindings found;
+  bool isSettled = SettleDependent(found);
+  SettleFactors(found);
+  isSettled = SettleDomain(found) && isSettled;
+  found.oddsRatios = CheckOddsRatios(fSpecs, *fpAdapter, fSource);
+  if (!isSettled) return std::nullopt;
+  fpIterator->Reset();
+  return found;
 }
 
-bool TavoProcedureDriver::SettleDependent() {
+bool TavoProcedureDriver::SettleDependent(FirstPassFindings& found) {
   const int dependent = fSpecs.DependentVariable();
   if (dependent < 0) return true;
-  const int categories = fpAdapter->CategoryCount(dependent);
-  const bool enough = categories >= 2;
+  found.dependentCategories = fpAdapter->CategoryCount(dependent);
+  const bool enough = found.dependentCategories >= 2;
   if (!enough) fStatus = OrvStatus::Error(StatusCode::kOneDependentValue);
+  // Before the reference is looked up: its code must be that of the sorted table.
   fpAdapter->SortCategories(dependent, true);
-  fSpecs.SetDependentCounts(categories, ReferenceCode());
+  found.referenceCode = ReferenceCode();
   return enough;
 }
 
@@ -116,47 +120,46 @@ int TavoProcedureDriver::ReferenceCode() {
   const int code = fpAdapter->CodeForValue(fSpecs.DependentVariable(), fSpecs.ReferenceValue().cells.data(),
                                            notFound, false);
   if (!notFound) return code;
+  // No error: the model is the same, and its parameters can be turned to any other reference.
   SendWarning("Highest factor level is used");
   return kHighestCategory;
 }
 
-void TavoProcedureDriver::SettleFactors() {
-  std::vector<int> levels;
+void TavoProcedureDriver::SettleFactors(FirstPassFindings& found) {
   for (const int factor : fSpecs.Factors()) {
-    levels.push_back(fpAdapter->CategoryCount(factor));
+    found.factorLevels.push_back(fpAdapter->CategoryCount(factor));
     fpAdapter->SortCategories(factor, true);
   }
-  if (!levels.empty()) fSpecs.SetFactorLevels(std::move(levels));
 }
 
-bool TavoProcedureDriver::SettleDomain() {
+bool TavoProcedureDriver::SettleDomain(FirstPassFindings& found) {
   if (fSpecs.DomainVariable() < 0) return true;
   bool notFound = false;
-  const int code =
+  found.domainCode =
       fpAdapter->CodeForValue(fSpecs.DomainVariable(), fSpecs.DomainValue().cells.data(), notFound, false);
-  if (notFound) {
-    fStatus = OrvStatus::Error(StatusCode::kUserError);
-    SendError("Invalid domain variable value");
-    return false;
-  }
-  fSpecs.SetDomainCode(code);
-  return true;
+  if (!notFound) return true;
+  fStatus = OrvStatus::Error(StatusCode::kUserError);
+  SendError("Invalid domain variable value");
+  return false;
 }
 
-bool TavoProcedureDriver::RunModel() {
-  if (!fStatus.IsOK() || fpAdapter == nullptr || fpIterator == nullptr) return false;
-  if (fSpecs.Stages().empty() || fSpecs.Settings() == nullptr) return false;
-  fpComponent = std::make_unique<TavoComponent>(*fSpecs.Settings());
+bool TavoProcedureDriver::RunModel(const FirstPassFindings& found) {
+  if (!fStatus.IsOK() || fSpecs.Stages().empty()) return false;
+  TavoCompSettings settings = fSpecs.BuildSettings(found);
+  settings.SetStopProcessor(fpStopProcessor.get());
+  settings.SetProgressListener(fpProgress.get());
+  fpComponent = std::make_unique<TavoComponent>(settings);
   fStatus = fpComponent->Status();
   if (fStatus.IsError()) return false;
   std::unique_ptr<MCOrv::JointInclProbs> joint;
-  if (fSpecs.Settings()->IsFirstStageUnequalProbability()) {
+  if (settings.IsFirstStageUnequalProbability()) {
     joint = ReadJointInclProbs(*fpAdapter, fSpecs, fSource);
     if (joint == nullptr) fStatus = OrvStatus::Error(StatusCode::kJointFileUnreadable);
   }
   if (!fStatus.IsError()) fStatus = fpComponent->BuildModel(*fpIterator, joint.get());
   const bool built = !fStatus.IsError();
   if (built) fStatus = fpComponent->Status();
+  // The host's pass is over before the predictions need one of their own.
   fpIterator->Close();
   return built;
 }

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "component/estimation/fit_progress.h"
 #include "component/frame/orv_status.h"
 #include "component/run/component.h"
 #include "host/data.h"
+#include "host/stop.h"
 #include "module/command/valid_specs.h"
 #include "module/input/proc_ds_multi_iter.h"
 #include "module/input/reg_input_adapter.h"
@@ -16,14 +18,18 @@ namespace tavo {
 
 class TavoProcedureDriver {
  public:
-  /// Specification (with its settings built) and data source are lent. Fetches the first accepted case.
-  TavoProcedureDriver(TavoValidSpecs& specs, host::ProcedureDataSource& source);
+  /// The parsed specification and the data source are not owned. Fetches the first accepted case; when there
+  /// is none, the status is kNoRecords.
+  TavoProcedureDriver(const TavoValidSpecs& specs, host::ProcedureDataSource& source);
   ~TavoProcedureDriver();
 
-  /// The first pass: categories are collected and sorted, reference and domain codes settled.
-  bool ProcessDataPass();
-  /// Builds the component and runs it.
-  bool RunModel();
+  /// The first pass: categories are collected and sorted, reference and domain codes settled. Nothing when
+  /// the run ends here; the status says why: kNoRecords, kOneDependentValue, kCancelled, or kUserError when
+  /// the user has been told.
+  std::optional<FirstPassFindings> ProcessDataPass();
+  /// Builds the component from the specification and what was found, and runs it. False when there is no
+  /// model: the status, of this or an earlier step, says why.
+  bool RunModel(const FirstPassFindings& found);
   /// Hands the component's statuses to the host.
   void ReportWarnings();
   void ReportStatus(const OrvStatus& status);
@@ -34,17 +40,19 @@ class TavoProcedureDriver {
   OrvRegInputAdapter& Adapter() { return *fpAdapter; }
   const OrvIterationData& Iterations() const { return *fpIterations; }
   OrvStatus Status() const { return fStatus; }
-  const TavoValidSpecs& Specs() const { return fSpecs; }
+  /// Asks the host whether the user wants the run to end. Null when the host has none.
+  host::MCStopProcessor* StopProcessor() const { return fpStopProcessor.get(); }
 
  private:
   bool WalkFirstPass();
-  bool SettleDependent();
+  bool SettleDependent(FirstPassFindings& found);
   int ReferenceCode();
-  void SettleFactors();
-  bool SettleDomain();
+  void SettleFactors(FirstPassFindings& found);
+  bool SettleDomain(FirstPassFindings& found);
 
-  TavoValidSpecs& fSpecs;
+  const TavoValidSpecs& fSpecs;
   host::ProcedureDataSource& fSource;
+  std::unique_ptr<host::MCStopProcessor> fpStopProcessor;
   std::unique_ptr<OrvVariableReporter> fpReporter;
   std::unique_ptr<OrvRegInputAdapter> fpAdapter;
   std::unique_ptr<OrvProcDSMultiIter> fpIterator;

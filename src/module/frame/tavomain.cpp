@@ -1,6 +1,7 @@
 // The module's entry: one command from its tokens to its tables.
 
 #include <memory>
+#include <optional>
 
 #include "host/session.h"
 #include "module/command/command_parser.h"
@@ -54,14 +55,13 @@ void ReportSilentEnd(const tavo::OrvStatus& status) {
   BpError(message, BpErrorLevel::kError);
 }
 
-void RunDriver(tavo::TavoValidSpecs& specs, host::ProcedureDataSource& source, host::BpProcedure& procedure) {
+void RunDriver(const tavo::TavoValidSpecs& specs, host::ProcedureDataSource& source,
+               host::BpProcedure& procedure) {
   tavo::TavoProcedureDriver driver(specs, source);
-  const bool passed = driver.ProcessDataPass();
-  if (!HostHasError() && passed) specs.CompleteSettings();
-  bool built = false;
-  if (!HostHasError()) built = driver.RunModel();
+  const std::optional<tavo::FirstPassFindings> found = driver.ProcessDataPass();
+  const bool built = !HostHasError() && found && driver.RunModel(*found);
   if (HostHasError()) return;
-  if (built) tavo::OutputAll(driver, specs, source, procedure.Heading());
+  if (built) tavo::OutputAll(driver, specs, *found, source, procedure.Heading());
   driver.ReportWarnings();
   ReportSilentEnd(driver.Status());
 }
@@ -80,7 +80,7 @@ void RunCommand(host::HostSession& session) {
   const std::unique_ptr<host::ProcedureDataSource> source = session.MakeDataSource();
   tavo::TavoValidSpecs specs;
   tavo::TavoCommandParser parser(*tokens, specs, *source);
-  if (parser.Parse() == 0 || HostHasError() || !specs.BuildSettings() || HostHasError()) return;
+  if (parser.Parse() == 0 || HostHasError()) return;
   tavo::NoteInputFiles(specs);
   if (source->ColumnCount() == 0) {
     BpError(Key("There are no valid cases for selection ..."), BpErrorLevel::kError);

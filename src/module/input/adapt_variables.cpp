@@ -14,6 +14,8 @@ host::ObsVecMap::KeySpec KeySpecOf(const host::VORN_DataSource& source, int vari
   return host::ObsVecMap::MakeKeySpec(source, {variable});
 }
 
+// Sizes that were computed or came through a text may miss their whole number by rounding; they are put
+// right.
 bool IsPopulationSize(double& value) {
   if (!(value > 0) || !host::FUZZYINTEGER(&value)) return false;
   value = host::FUZZYROUND(&value);
@@ -36,6 +38,7 @@ double OrvAdaptCatVar::CodeOf(const host::OBS* cells, bool insert) {
   if (!insert) return 0;
   host::OBS* cell = fMap.Insert(cells);
   cell->number = static_cast<double>(fMap.Size());
+  // The map keeps the cells of a key in front of the value cell, and both stay where they are while it grows.
   fKeys.push_back(cell - fNKeyCells);
   return cell->number;
 }
@@ -97,6 +100,7 @@ double OrvAdaptMatrixVar::GetValue(bool& notFound) {
   notFound = false;
   auto target = fKey.begin();
   for (std::size_t i = 0; i < fKeyValues.size(); ++i) {
+    // The case lacks a value, which is another thing than a matrix that lacks a row.
     if (!fKeyValues[i].IsValid()) return MCMV::gMissingValue;
     target = std::copy_n(fKeyValues[i].Cells(), fKeyCells[i], target);
   }

@@ -119,6 +119,8 @@ OrvJProbAdapter::Error OrvJProbAdapter::ReadFile(OrvInputAdapter& adapter, host:
       if (!values.design[i].IsValid()) return kValueMissing;
       bool isNew = false;
       const auto [variable, position] = fColumns[i];
+      // A value that only this file has gets a code too, so that its rows don't pass for those of another
+      // stratum.
       const int code = adapter.CodeForValue(variable, values.design[i].Cells(), isNew, true);
       if (i < fNStrata) {
         key[position] = code;
@@ -163,6 +165,7 @@ OrvJProbAdapter::Fault OrvJProbAdapter::FindStratum(const std::vector<std::int32
     const auto& [key, row] = *it;
     if (key.size() != first.size() || !std::equal(strataKey.begin(), strataKey.end(), key.begin())) break;
     rows.push_back(&row);
+    // The rows come in the order of the unit numbers, which must be 1, 2, 3 … without a gap.
     if (static_cast<std::size_t>(key.back()) != rows.size()) return Fault::kUnitNumber;
     if (rows.size() > fNProbabilities) return Fault::kUnitNumberTooBig;
   }
@@ -194,6 +197,7 @@ OrvJProbAdapter::Fault OrvJProbAdapter::CopyMatrix(const std::vector<const Row*>
   for (std::size_t a = 0; a < n; ++a) {
     for (std::size_t b = 0; b < n; ++b) {
       const double lower = std::min(matrix[a * n + a], matrix[b * n + b]);
+      // Two units can't be drawn together more often than each is drawn.
       if (matrix[a * n + b] > lower) return Fault::kOutOfRange;
     }
   }

@@ -37,7 +37,7 @@ class OrvJProbAdapter {
 
   /// Checks and reads `file`, which is needed no longer afterwards. Codes are those of the adapter's
   /// categorical variables; values that the active data don't have get new ones. `includeUserMissing` as in
-  /// the adapter. Errors 1 to 4 send their warning.
+  /// the adapter. All errors but kNotReadable send their warning.
   OrvJProbAdapter(OrvInputAdapter& adapter, const OrvPlanValidSpecs& specs,
                   const host::VORN_DataSource& active, host::VORN_DataSource& file, bool includeUserMissing);
 

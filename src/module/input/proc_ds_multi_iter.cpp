@@ -4,6 +4,7 @@
 
 namespace tavo {
 
+// The host hands out the general kind; only a procedure's own pass knows split groups and takes new values.
 std::unique_ptr<host::ProcDSIterator> AsProcDSIterator(
     std::unique_ptr<host::VORN_InputCaseIterator> iterator) {
   auto* cases = dynamic_cast<host::ProcDSIterator*>(iterator.get());
@@ -69,6 +70,7 @@ void OrvProcDSMultiIter::FetchRecord() {
     if (fSource.FatalError()) break;
     ++counts.invalid;
   }
+  // A host that failed ends its pass as one that has no more cases does.
   fState = fSource.FatalError() ? MCCommon::kFailed : MCCommon::kExhausted;
 }
 

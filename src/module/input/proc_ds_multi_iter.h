@@ -13,7 +13,7 @@ namespace tavo {
 /// HasNext answers truthfully; hence two record buffers, used in turn. Nothing is allocated per case.
 class OrvProcDSMultiIter final : public MCCommon::MultiPassRecordIter {
  public:
-  /// Source and adapter are lent; `cases` is the first pass. Fetches the first accepted case.
+  /// Source and adapter are not owned; `cases` is the first pass. Fetches the first accepted case.
   OrvProcDSMultiIter(host::ProcedureDataSource& source, std::unique_ptr<host::ProcDSIterator> cases,
                      OrvInputAdapter& adapter);
 

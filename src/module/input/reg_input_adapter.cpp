@@ -69,6 +69,8 @@ bool OrvInputAdapter::FillContinuous(double* record) {
       return false;
     }
     if (value != MCMV::gMissingValue) continue;
+    // A missing size or probability is for the design pass to judge, which knows the stratum; a case without
+    // a weight can have no part in anything.
     if (fbListwise && !missingAllowed) return false;
     if (variable.Variable() == fSpecs.WeightVariable()) return false;
   }
@@ -82,6 +84,7 @@ bool OrvInputAdapter::FillMatrix(double* record) {
     record[column] = variable.GetValue(notFound);
     if (record[column] == MCMV::gMissingValue) complete = false;
     if (notFound) {
+      // One message a case: the stages below would only repeat that the key is unknown.
       ReportNotInMatrix(variable);
       break;
     }
@@ -208,6 +211,7 @@ bool OrvRegInputAdapter::FillContinuous(double* record) {
 }
 
 bool OrvRegInputAdapter::FillMatrix(double* record) {
+  // Scoring uses no design value: one that can't be had costs no case and no message.
   if (!fbPredictionMode) return OrvInputAdapter::FillMatrix(record);
   for (auto& [variable, column] : fMatrices) {
     bool notFound = false;

@@ -16,8 +16,8 @@ namespace tavo {
 /// cases are dropped, and counts.
 class OrvInputAdapter {
  public:
-  /// Everything is lent; `iterator` until the next BeginPass. `includeUserMissing`: declared missing values
-  /// of categorical variables are categories like any other.
+  /// Nothing is owned; `iterator` must live until the next BeginPass. `includeUserMissing`: declared missing
+  /// values of categorical variables are categories like any other.
   OrvInputAdapter(const OrvPlanValidSpecs& specs, const host::VORN_DataSource& source,
                   const host::VORN_InputCaseIterator& iterator, const OrvVariableReporter& reporter,
                   bool listwise, bool includeUserMissing);
@@ -33,7 +33,7 @@ class OrvInputAdapter {
 
   /// Starts the next pass: zeroes the counters and binds the variables to the new iterator.
   void BeginPass(const host::VORN_InputCaseIterator& iterator);
-  /// Cells of a categorical variable's code, null for a code out of range; lent until the next
+  /// Cells of a categorical variable's code, null for a code out of range; good until the next
   /// SortCategories.
   const host::OBS* ValueForCode(int variable, int code) const;
   const host::OBS* ValueForColumnCode(int column, int code, int& variable) const;

@@ -107,6 +107,7 @@ void OutputCoefficients(const TavoOutputFrame& frame, host::BpHeading& heading, 
   parameters.Position(BpPlace::kRow, 1, false, false);
   host::BpDimension& contrasts = table->Dimension(Key("Contrast"));
   contrasts.Position(BpPlace::kColumn, 1, true, false);
+  // A test that failed shows its table without cells, under the note that says why.
   if (result.status.IsError()) return;
 
   LogitDimensions logits(frame, *table, result.IsPerLogit(frame));

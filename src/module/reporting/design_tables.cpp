@@ -74,6 +74,7 @@ void AddFactorCounts(CountColumns& columns, const TavoOutputFrame& frame, std::s
   host::BpGroup& group = columns.Rows().Group(frame.Variable(variable));
   const std::vector<double>& counts = frame.Stats()->FactorCounts().FactorCounts(static_cast<int>(factor));
   for (std::size_t k = 0; k < counts.size(); ++k) {
+    // Met in the data, but not with a weight or not in the subpopulation: no part of the model.
     if (counts[k] <= 0) continue;
     group.Category(frame.Value(variable, static_cast<int>(k) + 1));
     columns.Fill(counts[k]);
@@ -90,7 +91,7 @@ void OutputSampleDesign(const TavoOutputFrame& frame) {
   number.Position(BpPlace::kColumn, 1, true, false);
   number.Category(Key("N"));
 
-  AddUnweightedCases(content, frame.Driver().Adapter().Counts());
+  AddUnweightedCases(content, frame.Adapter().Counts());
   const TavoOutputStats* stats = frame.Stats();
   if (stats == nullptr) return;
   content.Category(Key("Population Size"))

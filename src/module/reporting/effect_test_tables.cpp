@@ -14,7 +14,7 @@ using host::BpPlace;
 using host::BpProcedure;
 using host::Key;
 
-/// The hypothesis of an effect, kept until its coefficients are printed.
+/// The hypothesis of an effect, which waits until its coefficients are printed.
 struct EffectHypothesis {
   host::BpCellText title;
   MCCommonMath::MCRectMatrix L;
@@ -57,6 +57,7 @@ std::vector<EffectHypothesis> TestAllEffects(const TavoOutputFrame& frame, host:
   const bool hasIntercept = frame.Specs().UsesIntercept();
   rows.Run(TavoInference::kWholeModel, Key(hasIntercept ? "(Corrected Model)" : "(Model)"), true);
   if (hasIntercept) {
+    // A hidden intercept is tested all the same: its coefficients are shown.
     hypotheses.push_back(
         rows.Run(TavoInference::kIntercept, Key("(Intercept)"), frame.Specs().ShowsIntercept()));
   }
@@ -97,6 +98,8 @@ void OutputContrasts(const TavoOutputFrame& frame, host::BpHeading& heading,
 void OutputEffectTests(const TavoOutputFrame& frame) {
   if (frame.Stats() == nullptr) return;
   std::vector<EffectHypothesis> hypotheses;
+  // This table is released before the coefficients open a heading of their own: tables appear in the order in
+  // which they end.
   {
     const auto table = frame.Heading().PivotTable(Key("Tests of Model Effects"), "TestsOfModelEffects");
     frame.ModelCaption(*table);

@@ -67,16 +67,18 @@ void NoteConvergence(const TavoOutputFrame& frame, host::BpCategory& lastIterati
   }
 }
 
-/// The estimates of one iteration: kept parameters, logit by logit.
+/// The estimates of one iteration: those of the non-redundant parameters, logit by logit.
 void FillEstimates(const TavoOutputFrame& frame, host::BpDimension& statistics,
                    const std::vector<double>& estimates) {
   host::BpGroup& dependent = statistics.Group(frame.Dependent());
   const std::size_t perEquation = frame.ParameterNames().size();
-  std::size_t kept = 0;
+  std::size_t next = 0;
   for (std::size_t i = 0; i < frame.Stats()->Parameters().size(); ++i) {
+    // The history holds estimates of non-redundant parameters alone, and hidden ones among them: both are
+    // passed over here, in step.
     if (frame.Stats()->RedundancyBits()[i]) continue;
-    if (kept >= estimates.size()) return;
-    const double estimate = estimates[kept++];
+    if (next >= estimates.size()) return;
+    const double estimate = estimates[next++];
     if (frame.IsHidden(i)) continue;
     dependent.Group(frame.DependentValue(static_cast<int>(i / perEquation)))
         .Category(TavoOutputFrame::LongTextCell(frame.ParameterNames()[i % perEquation]))
@@ -89,7 +91,7 @@ void FillEstimates(const TavoOutputFrame& frame, host::BpDimension& statistics,
 void OutputIterationHistory(const TavoOutputFrame& frame) {
   if (frame.Stats() == nullptr) return;
   WarnAboutTermination(frame.Stats()->TerminationCode());
-  const std::vector<OrvIterationData::Row>& rows = frame.Driver().Iterations().Rows();
+  const std::vector<OrvIterationData::Row>& rows = frame.Iterations().Rows();
   if (frame.Specs().HistoryStep() < 1 || rows.empty()) return;
 
   const auto table = frame.Heading().PivotTable(Key("Iteration History"), "IterationHistory");

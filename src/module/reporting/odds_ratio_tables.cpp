@@ -31,6 +31,7 @@ bool IsFactorColumn(const TavoOutputFrame& frame, int column) {
 }
 
 host::BpCellText RatioLabel(const TavoOutputFrame& frame, const TavoOddsRatioStats& ratio) {
+  // A ratio without a category is that of a covariate, told by the amount of its change.
   if (ratio.category < 0) return BpNumber{ratio.change, BpProcedure::GeneralStat()};
   const int variable = VariableOf(frame, ratio.variable);
   return host::BpComposite("^1 vs. ^2")
@@ -124,7 +125,7 @@ void OutputOneRequest(const TavoOutputFrame& frame, const OrvOddsRatioSpec& requ
 
 void OutputOddsRatios(const TavoOutputFrame& frame) {
   if (frame.Stats() == nullptr) return;
-  const std::vector<OrvOddsRatioSpec>& requests = frame.Specs().RecordOddsRatios();
+  const std::vector<OrvOddsRatioSpec>& requests = frame.Found().oddsRatios;
   for (std::size_t i = 0; i < requests.size(); ++i) {
     OutputOneRequest(frame, requests[i], static_cast<int>(i) + 1, requests.size());
   }

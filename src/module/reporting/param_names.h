@@ -15,8 +15,8 @@ namespace tavo {
 /// their short names, values by the variable's print format.
 class TavoParamNames {
  public:
-  /// Everything is lent during construction. `parameters` are those of one equation, in order; the effect
-  /// names exclude the intercept.
+  /// Nothing is owned; all of it is used in the constructor only. `parameters` are those of one equation, in
+  /// order; the effect names exclude the intercept.
   TavoParamNames(const TavoValidSpecs& specs, const host::VORN_DataSource& source,
                  const OrvRegInputAdapter& adapter, const std::vector<OrvRegrParameter>& parameters);
 

@@ -90,6 +90,7 @@ class EstimateColumns {
     const bool overflows = !isMissing && exponent > MCPower::gMachineMaxExp;
     const double value = isMissing || overflows ? MCMV::gMissingValue : std::exp(exponent);
     host::BpCategory& column = Put(group, label, value, BpProcedure::Coefficient());
+    // The estimate itself is shown beside it: an odds ratio beyond all doubles is no reason to lose the row.
     if (overflows) column.CellNote(Key("Set to system missing due to overflow"));
   }
 

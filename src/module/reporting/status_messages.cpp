@@ -49,6 +49,7 @@ std::string PlainStatusKey(const OrvStatus& status, const TavoComponent* compone
     case StatusCode::kReferenceNotInUse:
       return "Highest factor level is used";
     case StatusCode::kSRSVarianceZero:
+      // Only what compares with simple random sampling misses it; to anybody else it would be noise.
       return component != nullptr && component->Settings().NeedsSRS()
                  ? "Parameter variance for SRS design is zero"
                  : "";

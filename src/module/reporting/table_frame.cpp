@@ -1,18 +1,13 @@
 #include "module/reporting/table_frame.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace tavo {
 
 namespace {
 
 constexpr std::size_t kLongestString = 255;
-
-const TavoOutputStats* StatsOf(TavoProcedureDriver& driver) {
-  const TavoOutputStats* stats = nullptr;
-  if (driver.Component() != nullptr) driver.Component()->OutputStatistics(stats);
-  return stats;
-}
 
 /// The parameters of one equation; all equations have the same.
 std::vector<OrvRegrParameter> FirstEquation(const TavoOutputStats* stats) {
@@ -31,59 +26,58 @@ std::size_t CharacterEnd(const std::string& text, std::size_t end) {
 
 }  // namespace
 
-TavoOutputFrame::TavoOutputFrame(host::BpHeading& heading, TavoProcedureDriver& driver,
-                                 const TavoValidSpecs& specs, const host::ProcedureDataSource& source)
-    : fHeading(heading), fDriver(driver), fSpecs(specs), fSource(source), fpStats(StatsOf(driver)) {
-  fpNames = std::make_unique<TavoParamNames>(specs, source, driver.Adapter(), FirstEquation(fpStats));
-}
+TavoOutputFrame::TavoOutputFrame(host::BpHeading& heading, const FinishedRun& run)
+    : fHeading(heading), fRun(run), fNames(run.specs, run.source, run.adapter, FirstEquation(run.stats)) {}
 
 int TavoOutputFrame::EquationCount() const {
-  return fpStats == nullptr ? 0 : static_cast<int>(fpStats->DependentCategories().size()) - 1;
+  return Stats() == nullptr ? 0 : static_cast<int>(Stats()->DependentCategories().size()) - 1;
 }
 
 host::BpVariable TavoOutputFrame::Variable(int variable) const {
-  return {fSource.GetVariable(static_cast<unsigned>(variable)), host::BpShow::kDefault};
+  return {Source().GetVariable(static_cast<unsigned>(variable)), host::BpShow::kDefault};
 }
 
 host::BpDataValue TavoOutputFrame::Value(int variable, int code) const {
-  return {fSource.GetVariable(static_cast<unsigned>(variable)),
-          fDriver.Adapter().ValueForCode(variable, code)};
+  return {Source().GetVariable(static_cast<unsigned>(variable)), Adapter().ValueForCode(variable, code)};
 }
 
 host::BpDataValue TavoOutputFrame::DependentValue(int localIndex) const {
-  return Value(fSpecs.DependentVariable(),
-               fpStats->DependentCategories()[static_cast<std::size_t>(localIndex)]);
+  assert(Stats() != nullptr);
+  return Value(Specs().DependentVariable(),
+               Stats()->DependentCategories()[static_cast<std::size_t>(localIndex)]);
 }
 
 host::BpComposite TavoOutputFrame::SubpopComposite() const {
+  assert(HasSubpopulation());
   host::BpComposite text("Subpopulation ^1 = ^2");
-  text.Add(Variable(fSpecs.DomainVariable()));
-  text.Add(host::BpDataValue(fSource.GetVariable(static_cast<unsigned>(fSpecs.DomainVariable())),
-                             fSpecs.DomainValue().cells.data()));
+  text.Add(Variable(Specs().DomainVariable()));
+  text.Add(host::BpDataValue(Source().GetVariable(static_cast<unsigned>(Specs().DomainVariable())),
+                             Specs().DomainValue().cells.data()));
   return text;
 }
 
 void TavoOutputFrame::AddCaptionArguments(host::BpComposite& caption, bool lineFirst) const {
+  // Line breaks are arguments of the captions, as each language puts them in its own places.
   const host::BpString line = host::Plain("\r");
   if (lineFirst) caption.Add(line);
   if (HasSubpopulation()) {
-    caption.Add(Variable(fSpecs.DomainVariable()));
-    caption.Add(host::BpDataValue(fSource.GetVariable(static_cast<unsigned>(fSpecs.DomainVariable())),
-                                  fSpecs.DomainValue().cells.data()));
+    caption.Add(Variable(Specs().DomainVariable()));
+    caption.Add(host::BpDataValue(Source().GetVariable(static_cast<unsigned>(Specs().DomainVariable())),
+                                  Specs().DomainValue().cells.data()));
     caption.Add(line);
   }
   caption.Add(Dependent());
   caption.Add(DependentValue(EquationCount()));
   caption.Add(line);
   caption.Sublist();
-  if (fSpecs.UsesIntercept()) caption.Add(host::Key("(Intercept)"));
+  if (Specs().UsesIntercept()) caption.Add(host::Key("(Intercept)"));
   for (const std::string& effect : EffectNames())
     caption.Add(host::Plain(effect));
   caption.EndSublist();
 }
 
 void TavoOutputFrame::ModelCaption(host::BpPivotTable& table) const {
-  if (fpStats == nullptr) return;
+  if (Stats() == nullptr) return;
   host::BpComposite caption(HasSubpopulation() ? "Subpop ^1 = ^2 ^3Dependent ^4 = ^5 ^6Model [%1:, ^1:]7"
                                                : "Dependent ^1 = ^2 ^3 Model [%1:, ^1:]4");
   AddCaptionArguments(caption, false);
@@ -91,7 +85,7 @@ void TavoOutputFrame::ModelCaption(host::BpPivotTable& table) const {
 }
 
 void TavoOutputFrame::IterationCaption(host::BpPivotTable& table) const {
-  if (fpStats == nullptr) return;
+  if (Stats() == nullptr) return;
   host::BpComposite caption(HasSubpopulation()
                                 ? "Redundant params ^1Subpop^2^3^4Dependent^5^6^7Model [%1:, ^1:]8"
                                 : "Redundant params ^1 Dependent^2^3^4 Model [%1:, ^1:]5");
@@ -100,7 +94,8 @@ void TavoOutputFrame::IterationCaption(host::BpPivotTable& table) const {
 }
 
 bool TavoOutputFrame::IsHidden(std::size_t parameter) const {
-  return fpStats->Parameters()[parameter].IsIntercept() && !fSpecs.ShowsIntercept();
+  assert(Stats() != nullptr);
+  return Stats()->Parameters()[parameter].IsIntercept() && !Specs().ShowsIntercept();
 }
 
 host::BpCellText TavoOutputFrame::LongTextCell(const std::string& text) {

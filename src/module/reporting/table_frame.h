@@ -1,37 +1,39 @@
 // What every table needs, and the texts that tables share.
 #pragma once
 
-#include <memory>
 #include <string>
+#include <vector>
 
-#include "component/run/output_stats.h"
 #include "host/output.h"
-#include "module/command/valid_specs.h"
-#include "module/frame/procedure_driver.h"
+#include "module/reporting/finished_run.h"
 #include "module/reporting/param_names.h"
 
 namespace tavo {
 
-/// Lends everything of a finished run to the tables. Lives while they are built.
+/// A finished run as the tables write it: its variables, values, names and captions. Lives while they are
+/// built.
 class TavoOutputFrame {
  public:
-  TavoOutputFrame(host::BpHeading& heading, TavoProcedureDriver& driver, const TavoValidSpecs& specs,
-                  const host::ProcedureDataSource& source);
+  /// The heading, which takes the tables, is not owned.
+  TavoOutputFrame(host::BpHeading& heading, const FinishedRun& run);
 
   host::BpHeading& Heading() const { return fHeading; }
-  const TavoProcedureDriver& Driver() const { return fDriver; }
-  const TavoValidSpecs& Specs() const { return fSpecs; }
-  const host::ProcedureDataSource& Source() const { return fSource; }
+  const TavoValidSpecs& Specs() const { return fRun.specs; }
+  const FirstPassFindings& Found() const { return fRun.found; }
+  const host::ProcedureDataSource& Source() const { return fRun.source; }
+  const OrvRegInputAdapter& Adapter() const { return fRun.adapter; }
+  const OrvIterationData& Iterations() const { return fRun.iterations; }
+  host::MCStopProcessor* StopProcessor() const { return fRun.stop; }
   /// Null when the run stopped before there were results.
-  const TavoOutputStats* Stats() const { return fpStats; }
-  const std::vector<std::string>& ParameterNames() const { return fpNames->Parameters(); }
-  const std::vector<std::string>& EffectNames() const { return fpNames->Effects(); }
+  const TavoOutputStats* Stats() const { return fRun.stats; }
+  const std::vector<std::string>& ParameterNames() const { return fNames.Parameters(); }
+  const std::vector<std::string>& EffectNames() const { return fNames.Effects(); }
   /// Logits: response categories but the reference.
   int EquationCount() const;
 
-  bool HasSubpopulation() const { return fSpecs.DomainVariable() >= 0; }
+  bool HasSubpopulation() const { return Specs().DomainVariable() >= 0; }
   host::BpVariable Variable(int variable) const;
-  host::BpVariable Dependent() const { return Variable(fSpecs.DependentVariable()); }
+  host::BpVariable Dependent() const { return Variable(Specs().DependentVariable()); }
   /// The value of a dictionary variable's code.
   host::BpDataValue Value(int variable, int code) const;
   /// The value of a response category by its place in the model's order, the reference last.
@@ -52,11 +54,8 @@ class TavoOutputFrame {
   void AddCaptionArguments(host::BpComposite& caption, bool lineFirst) const;
 
   host::BpHeading& fHeading;
-  TavoProcedureDriver& fDriver;
-  const TavoValidSpecs& fSpecs;
-  const host::ProcedureDataSource& fSource;
-  const TavoOutputStats* fpStats = nullptr;
-  std::unique_ptr<TavoParamNames> fpNames;
+  FinishedRun fRun;
+  TavoParamNames fNames;
 };
 
 }  // namespace tavo

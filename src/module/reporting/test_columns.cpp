@@ -40,6 +40,8 @@ const char* AdjustedLabel(PAdjustMethod method) {
   return nullptr;
 }
 
+// An F statistic has degrees of freedom of the design below those of the hypothesis, a chi-square only the
+// latter.
 bool HasTwoDegreesOfFreedom(TestType type) {
   return type == TestType::WaldF || type == TestType::AdjustedWaldF;
 }

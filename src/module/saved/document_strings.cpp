@@ -1,11 +1,13 @@
 #include "module/saved/document_strings.h"
 
-#include "module/input/value_text.h"
+#include <cassert>
 
 namespace tavo {
 
 namespace {
 
+// A line of a document holds 80 bytes in the host's case files. The first opens with the word, the others
+// with as many blanks, so 71 bytes of each are left for text.
 constexpr const char* kPrefix = "document ";
 constexpr std::size_t kLineWidth = 80;
 
@@ -16,6 +18,8 @@ std::string NamesOf(const host::VORN_DataSource& source, const std::vector<int>&
   return names;
 }
 
+// These texts, as all of the document, are part of the file and not of the catalogue of messages: they keep
+// their words and their spelling in every language.
 const char* EstimatorText(StageEstimator estimator) {
   switch (estimator) {
     case StageEstimator::kEqualWor:
@@ -31,6 +35,7 @@ std::string NumberText(double value) {
   host::OBS cell{};
   cell.number = value;
   std::string text;
+  // More decimals than any plan needs, without the zeros at the end: a size reads as 1200 and a rate as 0.25.
   constexpr host::VORN_Format kFormat = {5, 40, 10};
   host::ToString(&cell, kFormat, text);
   if (text.find('.') == std::string::npos) return text;
@@ -98,6 +103,7 @@ std::size_t OrvRegDocumentStrings::AddString(std::string text) {
 }
 
 std::size_t OrvRegDocumentStrings::ChunkCount(std::size_t index, std::size_t width) const {
+  assert(width > 0);
   if (index >= fStrings.size() || fStrings[index].empty()) return 0;
   return (fStrings[index].size() - 1) / width + 1;
 }
@@ -107,9 +113,9 @@ std::string OrvRegDocumentStrings::ChunkLine(std::size_t index, std::size_t numb
   return fStrings[index].substr(number * width, width);
 }
 
-OrvRegDocumentStrings DocumentLines(const TavoProcedureDriver& driver, const host::VORN_DataSource& source,
-                                    const std::vector<std::string>& effectNames, int referenceCode) {
-  const TavoValidSpecs& specs = driver.Specs();
+OrvRegDocumentStrings DocumentLines(const TavoValidSpecs& specs, const host::VORN_DataSource& source,
+                                    const std::string& reference,
+                                    const std::vector<std::string>& effectNames) {
   const auto variable = [&](int index) -> const host::VORN_Variable& {
     return *source.GetVariable(static_cast<unsigned>(index));
   };
@@ -120,9 +126,7 @@ OrvRegDocumentStrings DocumentLines(const TavoProcedureDriver& driver, const hos
   for (std::size_t k = 0; k < specs.Stages().size(); ++k)
     AddStage(lines, specs.Stages()[k], k + 1, source);
   const host::VORN_Variable& dependent = variable(specs.DependentVariable());
-  lines.AddString(
-      "Dependent Variable: " + dependent.GetName() + " (reference category = " +
-      PrintedValue(dependent, driver.Adapter().ValueForCode(specs.DependentVariable(), referenceCode)) + ")");
+  lines.AddString("Dependent Variable: " + dependent.GetName() + " (reference category = " + reference + ")");
   if (!effectNames.empty()) lines.AddString(ModelLine(specs, dependent, effectNames));
   if (specs.DomainVariable() >= 0) {
     lines.AddString("Subpopulation: " + variable(specs.DomainVariable()).GetName() + " = " +
@@ -138,6 +142,7 @@ host::DSDocument BuildDocument(const OrvRegDocumentStrings& lines) {
   host::DSDocument document;
   for (std::size_t i = 0; i < lines.Count(); ++i) {
     for (std::size_t piece = 0; piece < lines.ChunkCount(i, width); ++piece) {
+      // Of the whole document, not of the string: an empty first string has no piece to carry the word.
       const bool isFirst = document.Lines().empty();
       document.AddLine((isFirst ? prefix : blanks) + lines.ChunkLine(i, piece, width));
     }

@@ -6,7 +6,6 @@
 
 #include "host/files.h"
 #include "module/command/valid_specs.h"
-#include "module/frame/procedure_driver.h"
 
 namespace tavo {
 
@@ -27,8 +26,10 @@ class OrvRegDocumentStrings {
 };
 
 /// What the lines say: plan, weight, stages, dependent variable with its reference, model, subpopulation.
-OrvRegDocumentStrings DocumentLines(const TavoProcedureDriver& driver, const host::VORN_DataSource& source,
-                                    const std::vector<std::string>& effectNames, int referenceCode);
+/// `reference` is the reference category as text. Without effect names there is no line of the model.
+OrvRegDocumentStrings DocumentLines(const TavoValidSpecs& specs, const host::VORN_DataSource& source,
+                                    const std::string& reference,
+                                    const std::vector<std::string>& effectNames);
 
 /// The lines as a document of 80 columns, with the date of today at its end.
 host::DSDocument BuildDocument(const OrvRegDocumentStrings& lines);

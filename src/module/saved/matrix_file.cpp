@@ -1,6 +1,7 @@
 #include "module/saved/matrix_file.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 
 #include "host/output.h"
@@ -13,10 +14,14 @@ namespace {
 
 using MCCommonMath::MCMV;
 
+// A matrix file is read back by other procedures, which know its rows by rowtype_ and varname_. Columns and
+// rows are called P1, P2, …, as a parameter's name is seldom a legal name and often too long; the name itself
+// is the label. Columns that name the logits of a row are there only when there are several.
 constexpr int kLogitWidth = 64;
 constexpr int kNameWidth = 8;
 constexpr host::VORN_Format kCellFormat = {5, 8, 6};
 
+// Blanks fill the cells to their end: the host compares strings as if they went on with blanks.
 std::vector<host::OBS> StringCells(const std::string& text, int width) {
   std::vector<host::OBS> cells(static_cast<std::size_t>(host::CellCount(width)));
   std::fill_n(reinterpret_cast<char*>(cells.data()), cells.size() * sizeof(host::OBS), ' ');
@@ -25,15 +30,23 @@ std::vector<host::OBS> StringCells(const std::string& text, int width) {
   return cells;
 }
 
+/// A category of the dependent variable by its code.
+std::string CategoryText(const TavoOutputFrame& frame, int code) {
+  const int dependent = frame.Specs().DependentVariable();
+  return PrintedValue(*frame.Source().GetVariable(static_cast<unsigned>(dependent)),
+                      frame.Adapter().ValueForCode(dependent, code));
+}
+
 /// Makes the variables and writes the cases of one matrix file.
 class MatrixWriter {
  public:
-  MatrixWriter(host::IndependentDataStore& store, const TavoProcedureDriver& driver,
-               const TavoOutputStats& stats, const std::vector<std::string>& parameterNames)
-      : fStore(store), fDriver(driver), fStats(stats), fNames(parameterNames), fbLogits(LogitCount() > 1) {}
+  MatrixWriter(host::IndependentDataStore& store, const TavoOutputFrame& frame)
+      : fStore(store), fStats(*frame.Stats()), fNames(frame.ParameterNames()), fbLogits(LogitCount() > 1) {
+    for (std::size_t a = 0; a < LogitCount(); ++a)
+      fLogitNames.push_back(CategoryText(frame, fStats.DependentCategories()[a]));
+  }
 
   bool MakeVariables();
-  void NameLogits(const host::VORN_Variable& dependent);
   bool WriteRows(MatrixKind kind, std::string& error);
 
  private:
@@ -55,7 +68,6 @@ class MatrixWriter {
               std::string& error);
 
   host::IndependentDataStore& fStore;
-  const TavoProcedureDriver& fDriver;
   const TavoOutputStats& fStats;
   const std::vector<std::string>& fNames;
   bool fbLogits;  // the file has columns that name the logits
@@ -112,14 +124,6 @@ bool MatrixWriter::MakeVariables() {
   return true;
 }
 
-void MatrixWriter::NameLogits(const host::VORN_Variable& dependent) {
-  for (std::size_t a = 0; a < LogitCount(); ++a) {
-    const host::OBS* cells =
-        fDriver.Adapter().ValueForCode(fDriver.Specs().DependentVariable(), fStats.DependentCategories()[a]);
-    fLogitNames.push_back(PrintedValue(dependent, cells));
-  }
-}
-
 template <class CellOf>
 bool MatrixWriter::AddRow(const char* rowType, const std::string& variable, std::size_t a, std::size_t b,
                           CellOf cellOf, std::string& error) {
@@ -139,12 +143,17 @@ bool MatrixWriter::AddRow(const char* rowType, const std::string& variable, std:
 double MatrixWriter::MatrixCell(MatrixKind kind, std::size_t a, std::size_t b, std::size_t i,
                                 std::size_t j) const {
   const bool isCovariance = kind == MatrixKind::kCovariances;
+  // A redundant parameter is held at zero: it varies with nothing, so its covariances are 0, and a
+  // correlation with it has no meaning.
   if (StatsOf(a, i).redundant || StatsOf(b, j).redundant) return isCovariance ? 0.0 : MCMV::gMissingValue;
   if (isCovariance) return Element(a, b, i, j);
   const double rowVariance = Element(a, a, i, i);
   const double columnVariance = Element(b, b, j, j);
   if (!(rowVariance > 0) || !(columnVariance > 0)) return MCMV::gMissingValue;
+  // Exactly 1, not what rounding makes of it.
   if (a == b && i == j) return 1.0;
+  // By the roots one after the other: the product of two variances may leave the range of doubles where the
+  // correlation does not.
   return Element(a, b, i, j) / (std::sqrt(rowVariance) * std::sqrt(columnVariance));
 }
 
@@ -168,6 +177,8 @@ bool MatrixWriter::WriteStatisticRows(const char* rowType, double OrvParamStats:
   return true;
 }
 
+// Blocks of logits row by row, whole matrices with both triangles: a reader takes the rows of a type as they
+// come and needs no rule of symmetry. The statistics follow, whose rows belong to one logit each.
 bool MatrixWriter::WriteRows(MatrixKind kind, std::string& error) {
   fpCase = std::make_unique<host::VORN_Case>(fStore);
   for (std::size_t a = 0; a < LogitCount(); ++a) {
@@ -190,18 +201,18 @@ bool Fail(const std::string& error) {
 
 }  // namespace
 
-bool WriteMatrixFile(const host::UserCaseFileSpec& file, MatrixKind kind, const TavoProcedureDriver& driver,
-                     const TavoOutputStats& stats, const host::VORN_DataSource& source,
-                     const std::vector<std::string>& parameterNames,
-                     const std::vector<std::string>& effectNames) {
+bool WriteMatrixFile(const host::UserCaseFileSpec& file, MatrixKind kind, const TavoOutputFrame& frame) {
+  assert(frame.Stats() != nullptr && frame.Stats()->Covariance() != nullptr);
   std::string error;
   const std::unique_ptr<host::UserOutputCaseFile> output = host::UserOutputCaseFile::Create(file, error);
   if (output == nullptr) return Fail(error);
   host::IndependentDataStore& store = output->DataSource();
-  MatrixWriter writer(store, driver, stats, parameterNames);
-  writer.NameLogits(*source.GetVariable(static_cast<unsigned>(driver.Specs().DependentVariable())));
+  MatrixWriter writer(store, frame);
   if (!writer.MakeVariables()) return Fail(file.DocumentationString() + ": its variables can't be made");
-  store.SaveDocuments(BuildDocument(DocumentLines(driver, source, effectNames, stats.ReferenceCategory())));
+  // What was made of the file so far is dropped with `output` unless it is committed at the end.
+  store.SaveDocuments(BuildDocument(DocumentLines(frame.Specs(), frame.Source(),
+                                                  CategoryText(frame, frame.Stats()->ReferenceCategory()),
+                                                  frame.EffectNames())));
   const bool written = store.WriteDictionary(error) && writer.WriteRows(kind, error) && output->Commit(error);
   return written || Fail(error);
 }

@@ -41,7 +41,7 @@ class MetadataBuilder {
   void AddCategorical(int index) {
     const host::VORN_Variable& variable = Variable(index);
     OrvPMMLVariable description = DescribeVariable(variable, index, false);
-    const OrvRegInputAdapter& adapter = fFrame.Driver().Adapter();
+    const OrvRegInputAdapter& adapter = fFrame.Adapter();
     for (int code = 1; code <= adapter.CategoryCount(index); ++code)
       AddCategoryTo(description, variable, adapter.ValueForCode(index, code));
     Finish(std::move(description), variable);
@@ -118,7 +118,7 @@ class ModelDocument {
         fMetadata(MakeMetadata(frame)),
         fParameters(TargetParameters(frame)),
         fNonRedundant(NonRedundant(frame.Stats()->RedundancyBits())),
-        fCancel(frame.Specs().Settings()->StopProcessor()) {
+        fCancel(frame.StopProcessor()) {
     const TavoValidSpecs& specs = frame.Specs();
     const TavoOutputStats& stats = *frame.Stats();
     fModel.factors = &specs.Factors();

@@ -16,6 +16,7 @@ std::string ShortestText(double number) {
 std::string NumberText(const host::OBS* cell, const host::VORN_Format& format) {
   std::string text;
   host::OBS back{};
+  // What the format rounds away would make two categories one for a scoring program.
   const bool reads = host::ToString(cell, format, text) == 0 && host::FromString(text, format, &back) == 0;
   const bool isSame = reads && back.number == cell->number && cell->number != host::kSystemMissing;
   return isSame ? text : ShortestText(cell->number);
@@ -45,6 +46,7 @@ std::string ScoringText(const host::OBS* cells, const host::VORN_Variable& varia
 OrvPMMLVariable DescribeVariable(const host::VORN_Variable& variable, int index, bool isContinuous) {
   using Level = OrvPMMLVariable::Level;
   const host::MeasurementLevel measured = variable.GetMeasurementLevel();
+  // Values of a scale have an order too, once they are taken as categories.
   const bool isOrdered =
       measured == host::MeasurementLevel::kOrdinal || measured == host::MeasurementLevel::kScale;
   OrvPMMLVariable description;

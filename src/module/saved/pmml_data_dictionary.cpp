@@ -37,6 +37,7 @@ void AddMissingValues(XMLElement& field, const OrvPMMLVariable& variable) {
     const std::string label = i < variable.missingLabels.size() ? variable.missingLabels[i] : std::string();
     AddValue(field, variable.missingValues[i], label, "missing");
   }
+  // The document type knows missing values one by one only; the bounds of a range go into extensions.
   if (!variable.hasMissingInterval) return;
   AddExtension(field, "invalidRangeLower", variable.missingLow);
   AddExtension(field, "invalidRangeUpper", variable.missingHigh);
@@ -55,6 +56,7 @@ void AddDependentField(XMLElement& dictionary, const PMMLSource& source) {
   const OrvPMMLVariable& variable = source.Variable(source.model.dependent);
   XMLElement& field = StartField(dictionary, variable);
   if (variable.IsCategorical()) {
+    // In the order of the model, the reference last, as the parameters of the targets come.
     for (const int target : source.targets)
       AddCategory(field, variable, static_cast<std::size_t>(target - 1));
   }
@@ -65,6 +67,8 @@ void AddFactorField(XMLElement& dictionary, const OrvPMMLVariable& variable,
                     const std::vector<double>& counts) {
   XMLElement& field = StartField(dictionary, variable);
   for (std::size_t i = 0; i < variable.categoryValues.size() && i < counts.size(); ++i) {
+    // A category without weight had no part in the fit and has no parameter: to the model it is not a valid
+    // value.
     if (counts[i] > 0) AddCategory(field, variable, i);
   }
   AddMissingValues(field, variable);
@@ -76,6 +80,7 @@ void AddPlainField(XMLElement& dictionary, const OrvPMMLVariable& variable) {
 
 void AddSubpopulationField(XMLElement& dictionary, const OrvPMMLVariable& variable) {
   XMLElement& field = StartField(dictionary, variable);
+  // The model says nothing about other values of this variable.
   AddCategory(field, variable, 0);
   AddMissingValues(field, variable);
 }
@@ -96,6 +101,7 @@ void AddMiningField(XMLElement& schema, const PMMLSource& source, int variable, 
   XMLElement& field = schema.AddChild("MiningField");
   field.AddAttribute("name", source.Variable(variable).name);
   field.AddAttribute("usageType", usage);
+  // Nothing is imputed: a case that lacks a predictor gets no prediction, as in the run itself.
   field.AddAttribute("missingValueTreatment", "asIs");
 }
 

@@ -232,6 +232,8 @@ bool OrvPMMLExporter::Fits(const MCSymMatrix& covariance) const {
 
 const OrvStatus& OrvPMMLExporter::CheckConsistency() {
   if (fStatus.IsError()) return fStatus;
+  // In this order: a check may rely on what those before it found sound, such as the categories that levels
+  // number.
   const bool isFine = CheckFactors() && CheckCovariates() && CheckDependent() && CheckSubpopulation() &&
                       CheckCox() && CheckParameters() && CheckEstimates();
   if (!isFine) return fStatus;
@@ -260,6 +262,7 @@ const OrvStatus& OrvPMMLExporter::Write(std::ostream& out,
     return fStatus;
   }
   if (!fbConsistencyChecked && CheckConsistency().IsError()) return fStatus;
+  // The whole tree before the first byte: a run that is stopped on the way leaves nothing half-written.
   const std::unique_ptr<XMLElement> root = BuildTree(categoryCounts, covariance);
   if (fCancel.IsCancelled()) {
     Fail(StatusCode::kCancelled);

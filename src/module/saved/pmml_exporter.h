@@ -28,14 +28,14 @@ inline constexpr std::uint32_t kBadDependent = 95015;  // not categorical, or a 
 /// CheckConsistency, Write.
 class OrvPMMLExporter {
  public:
-  /// Everything is lent. The status is 95001 without a dependent and 91000 when the lists of the model don't
-  /// agree.
+  /// Nothing is owned. The status is kNoDependent without a dependent and kUserError when the lists of the
+  /// model don't agree.
   OrvPMMLExporter(const OrvPMMLMetadata& metadata, const OrvPMMLModel& model, const OrvCancelInfo& cancel);
 
   /// One-based positions in the dependent's category list, the reference last. A reference below 0: that last
   /// one.
   void SetTargets(std::vector<int> categories, int reference);
-  /// Checks the model against the metadata and the targets: 95011 to 95015, 1 on a cancel.
+  /// Checks the model against the metadata and the targets: one of PMMLStatusCode, or kCancelled.
   const OrvStatus& CheckConsistency();
   bool IsConsistencyChecked() const { return fbConsistencyChecked; }
   /// `categoryCounts`: per factor of the model, in order, the weight of each category; one without weight is

@@ -34,6 +34,10 @@ class OrdinalEstimates {
   const PMMLSource& fSource;
 };
 
+// The lower triangle of the covariance, block by block. A block of two different targets is not symmetric
+// itself and is written whole; a block on the diagonal is, and its lower triangle says everything. The last
+// target is the reference and has no parameters, so no block either. The number of cells grows with the
+// square of the parameters: they are counted before, and a wish to stop is asked for once a row.
 void AddMultinomialCells(XMLElement& matrix, const PMMLSource& source, const MCSymMatrix& covariance) {
   const std::size_t equations = source.EquationCount();
   const std::size_t parameters = source.names.size();
@@ -59,6 +63,8 @@ void AddMultinomialCells(XMLElement& matrix, const PMMLSource& source, const MCS
   }
 }
 
+// A cell says which target it belongs to only for thresholds: the other parameters are the same for all
+// targets, and the scoring program tells the two by that.
 void AddOrdinalCells(XMLElement& matrix, const PMMLSource& source, const MCSymMatrix& covariance) {
   const OrdinalEstimates estimates(source);
   for (std::size_t row = 0; row < source.model.estimates->size(); ++row) {
@@ -86,6 +92,9 @@ void AddPlainCells(XMLElement& matrix, const PMMLSource& source, const MCSymMatr
   }
 }
 
+/// Redundant parameters stay in the matrix, with 0 as their estimate, so that it has a cell for each
+/// parameter of the list. The document type has no word for redundancy; "df" tells the two apart, 1 for an
+/// estimated parameter, 0 for one that is held at zero.
 /// `target`: null for an estimate that belongs to none.
 void AddPCell(XMLElement& matrix, const PMMLSource& source, const std::string* target,
               const std::string& name, double beta, std::size_t estimate) {

@@ -44,7 +44,7 @@ class OrvPMMLMetadata {
   /// False, with nothing added, for a variable without name or with a negative index, and for one whose name
   /// or index is there already.
   bool AddVariable(OrvPMMLVariable variable);
-  /// The variable of a dictionary index, or null; lent until the next AddVariable.
+  /// The variable of a dictionary index, or null; good until the next AddVariable.
   const OrvPMMLVariable* Find(int index) const;
   const std::vector<OrvPMMLVariable>& Variables() const { return fVariables; }
 

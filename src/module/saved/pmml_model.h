@@ -28,7 +28,7 @@ struct OrvPMMLCox {
   std::vector<std::vector<double>> baselineHazards;  // cumulative, at those times
 };
 
-/// Everything is lent but the few plain values. All variables, also those of parameters and effects, are
+/// Nothing that is pointed to is owned. All variables, also those of parameters and effects, are
 /// dictionary indices. The estimates are, by kind:
 /// - multinomial: the parameters of the first target, of the second, and so on, without the reference;
 /// - ordinal: the thresholds, one per target but the last, then the parameters of `targetParameters` but its

@@ -8,6 +8,9 @@ namespace {
 
 using MCCommonXML::XMLElement;
 
+// Labels follow the parameter names of the tables, but with variables and values as a scoring program knows
+// them, and an intercept in plain English: a document is read by programs, whatever the language of the
+// output.
 std::vector<FactorTerm> FactorTerms(const PMMLSource& source, const OrvRegrParameter& parameter) {
   std::vector<FactorTerm> terms;
   for (std::size_t i = 0; i < parameter.factors.size(); ++i) {
@@ -94,6 +97,7 @@ void AddPredictorLists(XMLElement& parent, const PMMLSource& source) {
     XMLElement& list = parent.AddChild("FactorList");
     for (const int factor : source.usedFactors)
       AddPredictor(list, source, factor);
+    // No parameter refers to it, but a scoring program must ask whom the model speaks of.
     if (source.model.subpopulation >= 0) AddPredictor(list, source, source.model.subpopulation);
   }
   if (source.usedCovariates.empty()) return;
@@ -102,6 +106,8 @@ void AddPredictorLists(XMLElement& parent, const PMMLSource& source) {
     AddPredictor(list, source, covariate);
 }
 
+// A cell ties a parameter to one of its predictors: to a factor by the category, to a covariate by its power.
+// A parameter with several cells stands for their product; one without any is the intercept.
 void AddPPMatrix(XMLElement& parent, const PMMLSource& source) {
   XMLElement& matrix = parent.AddChild("PPMatrix");
   for (std::size_t p = 0; p < source.names.size(); ++p) {

@@ -12,7 +12,8 @@
 
 namespace tavo {
 
-/// What all sections see of a model that has passed the checks. Built once per document; lends the rest.
+/// What all sections see of a model that has passed the checks. Built once per document; what it refers to is
+/// not owned.
 struct PMMLSource {
   const OrvPMMLMetadata& metadata;
   const OrvPMMLModel& model;

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "component/run/output_stats.h"
+#include "module/input/proc_ds_multi_iter.h"
 #include "module/saved/predicted_variables.h"
 
 namespace tavo {
@@ -13,11 +14,11 @@ namespace {
 /// Writes the predictions of one case after the other.
 class PredictionWriter {
  public:
-  PredictionWriter(const TavoProcedureDriver& driver, const host::VORN_DataSource& source,
+  PredictionWriter(const OrvRegInputAdapter& adapter, int dependent, const host::VORN_DataSource& source,
                    const PredictedVariables& variables)
-      : fAdapter(driver.Adapter()),
+      : fAdapter(adapter),
         fVariables(variables),
-        fDependent(driver.Specs().DependentVariable()),
+        fDependent(dependent),
         fType(source.GetVariable(static_cast<unsigned>(fDependent))->GetType()) {}
 
   void Write(host::VORN_InputCaseIterator& cases, int category, const std::vector<double>& probabilities) {
@@ -56,28 +57,24 @@ std::vector<int> RequiredCategorical(const TavoValidSpecs& specs) {
 
 // The record iterator reads one case ahead of what it hands out, so the record is looked at while the case
 // still stands.
-bool SavePredictions(TavoProcedureDriver& driver, host::ProcedureDataSource& source) {
+bool SavePredictions(const TavoValidSpecs& specs, TavoComponent& component, OrvRegInputAdapter& adapter,
+                     host::ProcedureDataSource& source) {
   const TavoOutputStats* stats = nullptr;
-  TavoComponent* component = driver.Component();
-  if (component == nullptr || component->OutputStatistics(stats).IsError()) return false;
+  if (component.OutputStatistics(stats).IsError()) return false;
   PredictedVariables variables;
-  if (!MakePredictedVariables(driver.Specs(), source, driver.Adapter(), stats->DependentCategories(),
-                              variables)) {
-    return false;
-  }
+  if (!MakePredictedVariables(specs, source, adapter, stats->DependentCategories(), variables)) return false;
   std::unique_ptr<host::ProcDSIterator> cases = AsProcDSIterator(source.NewInputIterator(0));
   if (cases == nullptr) return false;
   host::ProcDSIterator& current = *cases;
-  driver.Adapter().BeginPredictionPass(current, RequiredCategorical(driver.Specs()),
-                                       driver.Specs().UsedCovariates());
+  adapter.BeginPredictionPass(current, RequiredCategorical(specs), specs.UsedCovariates());
   source.SetLastPass();
-  OrvProcDSMultiIter records(source, std::move(cases), driver.Adapter());
-  PredictionWriter writer(driver, source, variables);
+  OrvProcDSMultiIter records(source, std::move(cases), adapter);
+  PredictionWriter writer(adapter, specs.DependentVariable(), source, variables);
   std::vector<int> categories;
   std::vector<double> probabilities;
   while (const MCCommon::Record* record = records.Peek()) {
     int category = 0;
-    if (!component->Predict(*record, categories, probabilities, category).IsError()) {
+    if (!component.Predict(*record, categories, probabilities, category).IsError()) {
       writer.Write(current, category, probabilities);
     }
     records.Next();

@@ -1,14 +1,18 @@
 // The last pass over the cases: predictions are written into the data.
 #pragma once
 
+#include "component/run/component.h"
 #include "host/data.h"
-#include "module/frame/procedure_driver.h"
+#include "module/command/valid_specs.h"
+#include "module/input/reg_input_adapter.h"
 
 namespace tavo {
 
 /// Makes the variables that SAVE asks for and fills them. Cases outside the subpopulation, and cases that
 /// lack a variable of the model, keep missing values; a case that lacks only the dependent, the weight or a
-/// design variable is scored. False when the host failed.
-bool SavePredictions(TavoProcedureDriver& driver, host::ProcedureDataSource& source);
+/// design variable is scored. The component has its model. The adapter stays in its prediction mode for good.
+/// False when the host failed.
+bool SavePredictions(const TavoValidSpecs& specs, TavoComponent& component, OrvRegInputAdapter& adapter,
+                     host::ProcedureDataSource& source);
 
 }  // namespace tavo

@@ -48,6 +48,7 @@ std::string PredictedValueLabel(const TavoValidSpecs& specs, const host::VORN_Da
 bool MakePredictedValue(const TavoValidSpecs& specs, host::ProcedureDataSource& source,
                         PredictedVariables& made) {
   host::AddNotes(kSavedVariables, "Predicted Values", host::Plain(specs.PredictedValueName()));
+  // A copy: a new variable may move those that there are.
   const host::VORN_Variable dependent = *source.GetVariable(static_cast<unsigned>(specs.DependentVariable()));
   host::VORN_Variable* variable = source.MakeVariable(dependent.GetType(), made.valueColumn);
   if (variable == nullptr) return false;
@@ -62,6 +63,7 @@ bool MakePredictedValue(const TavoValidSpecs& specs, host::ProcedureDataSource& 
 std::vector<int> SavedCodes(const std::vector<int>& categories, std::size_t count) {
   std::vector<int> codes = categories;
   std::sort(codes.begin(), codes.end());
+  // What a limit leaves out are the highest categories, whatever place the reference has.
   codes.resize(std::min(codes.size(), count));
   return codes;
 }
@@ -106,6 +108,7 @@ int LimitedCount(const TavoValidSpecs& specs, std::size_t categories) {
 std::vector<std::string> MakeProbabilityNames(const std::string& root, int count,
                                               const host::VORN_DataSource& source) {
   std::vector<std::string> names = TryNames(root, count, "", source);
+  // All get the same ending: names of one family that differ in kind would be hard to address.
   for (int attempt = 1; names.empty() && count > 0; ++attempt) {
     names = TryNames(root, count, "_" + std::to_string(attempt), source);
   }

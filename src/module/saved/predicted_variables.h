@@ -6,7 +6,7 @@
 
 #include "host/data.h"
 #include "module/command/valid_specs.h"
-#include "module/frame/procedure_driver.h"
+#include "module/input/reg_input_adapter.h"
 
 namespace tavo {
 

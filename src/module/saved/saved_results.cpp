@@ -18,21 +18,20 @@ void SaveMatrix(const TavoOutputFrame& frame) {
   if (!isCovariance && !specs.CorrelationFile().IsInit()) return;
   const host::UserCaseFileSpec& file = isCovariance ? specs.CovarianceFile() : specs.CorrelationFile();
   const char* label = isCovariance ? "Parameter Covariance Matrix File" : "Parameter Correlation Matrix File";
-  if (WriteMatrixFile(file, isCovariance ? MatrixKind::kCovariances : MatrixKind::kCorrelations,
-                      frame.Driver(), *frame.Stats(), frame.Source(), frame.ParameterNames(),
-                      frame.EffectNames())) {
+  if (WriteMatrixFile(file, isCovariance ? MatrixKind::kCovariances : MatrixKind::kCorrelations, frame)) {
     host::AddNotes(kSavedFiles, label, host::Plain(file.DocumentationString()));
   }
 }
 
 }  // namespace
 
-void SaveResults(const TavoOutputFrame& frame, TavoProcedureDriver& driver,
+void SaveResults(const TavoOutputFrame& frame, TavoComponent& component, OrvRegInputAdapter& adapter,
                  host::ProcedureDataSource& source) {
   if (frame.Stats() == nullptr) return;
   const TavoValidSpecs& specs = frame.Specs();
+  // First, and the matrix and model files afterwards: a failure of one takes nothing from the others.
   if (!specs.PredictedValueName().empty() || !specs.PredictedProbabilityRoot().empty()) {
-    if (!SavePredictions(driver, source)) {
+    if (!SavePredictions(specs, component, adapter, source)) {
       host::BpError(host::Key("Predictions could not be written into the data..."),
                     host::BpErrorLevel::kError);
     }

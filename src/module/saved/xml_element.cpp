@@ -11,6 +11,7 @@ namespace MCCommonXML {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
+// Documents have millions of short pieces, and a stream is slow at each.
 constexpr std::size_t kBufferSize = 1U << 16U;
 
 bool IsContinuation(char byte) {
@@ -44,6 +45,7 @@ char32_t NextCharacter(std::string_view text, std::size_t& position) {
     isWhole = IsContinuation(text[position + i]);
     c = (c << 6U) | (static_cast<unsigned char>(text[position + i]) & 0x3FU);
   }
+  // A longer sequence than a character needs is no UTF-8 either: it could smuggle in what is escaped below.
   if (!isWhole || c < kSmallest[length]) {
     ++position;
     return kReplacement;

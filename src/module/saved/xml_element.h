@@ -11,9 +11,9 @@
 
 namespace MCCommonXML {
 
-/// An element with attributes and children, no text between them. Names of elements and attributes are lent
-/// and must outlive the tree: they are the constants of a document type, while values may come from anywhere.
-/// A number stays a number until it is written, which keeps large matrices small.
+/// An element with attributes and children, no text between them. Names of elements and attributes are
+/// not owned and must outlive the tree: they are the constants of a document type, while values may come from
+/// anywhere. A number stays a number until it is written, which keeps large matrices small.
 class XMLElement {
  public:
   static std::unique_ptr<XMLElement> Create(std::string_view name) {
@@ -33,7 +33,7 @@ class XMLElement {
   /// Room for a number of attributes, for elements that come in millions.
   void ReserveAttributes(std::size_t count) { fAttributes.reserve(count); }
 
-  /// Takes the child and lends it.
+  /// Takes the child; the reference is good for as long as this element lives.
   XMLElement& AddChild(std::unique_ptr<XMLElement> child);
   XMLElement& AddChild(std::string_view name) { return AddChild(Create(name)); }
   void ReserveChildren(std::size_t count) { fChildren.reserve(count); }

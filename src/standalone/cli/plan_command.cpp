@@ -5,7 +5,6 @@
 #include "standalone/cli/plan_check_command.h"
 #include "standalone/cli/plan_create.h"
 #include "standalone/cli/plan_show.h"
-#include "standalone/cli/program_files.h"
 #include "standalone/session/embedded_session.h"
 
 namespace standalone {
@@ -22,7 +21,6 @@ struct Runner {
 
 int RunPlanCommand(const PlanArguments& arguments) {
   SessionOptions options;
-  options.moduleFolder = FindModuleFolder();
   options.version = TAVOREG_VERSION;
   options.messages = &std::cerr;
   Session session(options);

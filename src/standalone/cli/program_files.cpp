@@ -15,7 +15,6 @@ namespace fs = std::filesystem;
 
 // More than a file of commands may hold: reading stops here, and the tokeniser refuses what is too large.
 constexpr std::size_t kMaxBytes = std::size_t{16} << 20;
-constexpr const char* kDefinitionFile = "vorn-tessel-1.0.dtd";
 
 }  // namespace
 
@@ -35,13 +34,6 @@ std::string ReadWholeFile(const std::string& path, std::string& text) {
   std::ifstream in(path, std::ios::binary);
   if (!in) return errno != 0 ? std::strerror(errno) : "it can't be opened";
   return ReadWholeStream(in, text);
-}
-
-std::string FindModuleFolder() {
-  std::error_code failure;
-  const fs::path folder = fs::read_symlink("/proc/self/exe", failure).parent_path();
-  const fs::path shared = folder.parent_path() / "share" / "tavoreg";
-  return fs::exists(shared / kDefinitionFile, failure) ? shared.string() : folder.string();
 }
 
 }  // namespace standalone

@@ -11,8 +11,4 @@ namespace standalone {
 std::string ReadWholeFile(const std::string& path, std::string& text);
 std::string ReadWholeStream(std::istream& in, std::string& text);
 
-/// The folder of the definition files: share/tavoreg beside the program's folder when they are installed
-/// there, otherwise the program's own folder, where the build puts them.
-std::string FindModuleFolder();
-
 }  // namespace standalone

@@ -37,7 +37,6 @@ SessionOptions OptionsFor(const RunArguments& arguments) {
   options.threads = ThreadCount(arguments);
   if (arguments.commands != kStandardInput)
     options.baseFolder = fs::path(arguments.commands).parent_path().string();
-  options.moduleFolder = FindModuleFolder();
   options.version = TAVOREG_VERSION;
   options.messages = &std::cerr;
   if (arguments.showProgress && ::isatty(STDERR_FILENO) == 1) options.progress = &std::cerr;

@@ -136,8 +136,4 @@ std::string BEPesGetInputPath(std::string_view name) {
   return standalone::SessionScope::Current().InputPath(name);
 }
 
-std::string ModuleFolder() {
-  return standalone::SessionScope::Current().Options().moduleFolder;
-}
-
 }  // namespace host

@@ -29,7 +29,6 @@ namespace standalone {
 struct SessionOptions {
   int threads = 1;                   // what GETTHREADS answers
   std::string baseFolder;            // relative names in commands start here; empty: the working directory
-  std::string moduleFolder;          // the folder of the definition files
   std::string version;               // of the program, for the document
   std::ostream* messages = nullptr;  // where messages are written as they come; null: only into the document
   std::ostream* progress = nullptr;  // a terminal for the progress line; null: none

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "module/command/valid_specs.h"
+
 namespace command_parser_test {
 
 namespace {

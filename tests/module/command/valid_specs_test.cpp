@@ -9,22 +9,26 @@ namespace command_parser_test {
 
 namespace {
 
+using tavo::FirstPassFindings;
 using tavo::InclProbType;
 using tavo::TavoCompSettings;
 using tavo::TavoValidSpecs;
 using tavo::VariableRole;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
-const TavoCompSettings& Build(CommandRun& run, const std::string& command) {
+/// The settings of a command, as if the first pass had found a dependent variable and factors of two
+/// categories.
+TavoCompSettings Build(CommandRun& run, const std::string& command) {
   EXPECT_TRUE(run.Parse(command)) << testing::PrintToString(run.Keys());
-  EXPECT_TRUE(run.Specs().BuildSettings());
-  return *run.Specs().Settings();
+  FirstPassFindings found;
+  found.dependentCategories = 2;
+  found.factorLevels.assign(run.Specs().Factors().size(), 2);
+  return run.Specs().BuildSettings(found);
 }
 
 TEST(ValidSpecs, WithoutCriteriaTheSettingsGetTheDefaults) {
   CommandRun run;
-  const TavoCompSettings& settings = Build(run, "TAVOREG y");
+  const TavoCompSettings settings = Build(run, "TAVOREG y");
   EXPECT_EQ(settings.StartingIteration(), 20);
   EXPECT_EQ(settings.Confidence(), 0.95);
   EXPECT_EQ(settings.LogLikCriterion(), 0.0);
@@ -40,7 +44,7 @@ TEST(ValidSpecs, WithoutCriteriaTheSettingsGetTheDefaults) {
 
 TEST(ValidSpecs, CriteriaReachTheSettings) {
   CommandRun run;
-  const TavoCompSettings& settings =
+  const TavoCompSettings settings =
       Build(run,
             "TAVOREG y /CRITERIA CHKSEP=0 CILEVEL=90 DF=12.5 LCONVERGE=[1e-4 ABSOLUTE] MXITER=0 MXSTEP=9 "
             "PCONVERGE=[0 ABSOLUTE] SINGULAR=1e-9 /TEST TYPE=ADJCHISQUARE PADJUST=SIDAK /PRINT HISTORY(4)");
@@ -85,15 +89,15 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(ValidSpecs, ColumnsAreNumberedPlanFirstThenDependentFactorsCovariatesDomain) {
   CommandRun run;
-  Build(run, "TAVOREG y BY a WITH x /DOMAIN VARIABLE=d(1)");
+  const TavoCompSettings settings = Build(run, "TAVOREG y BY a WITH x /DOMAIN VARIABLE=d(1)");
   EXPECT_THAT(run.Specs().RecordVariables(),
               ElementsAre(run.IndexOf("st"), run.IndexOf("psu"), run.IndexOf("w"), run.IndexOf("y"),
                           run.IndexOf("a"), run.IndexOf("x"), run.IndexOf("d")));
   EXPECT_EQ(run.Specs().DependentColumn(), 3);
   EXPECT_THAT(run.Specs().FactorColumns(), ElementsAre(4));
   EXPECT_THAT(run.Specs().CovariateColumns(), ElementsAre(5));
-  EXPECT_EQ(run.Specs().Settings()->WeightVar(), 2);
-  EXPECT_THAT(run.Specs().Settings()->CatDesignVars(), ElementsAre(0, 1));
+  EXPECT_EQ(settings.WeightVar(), 2);
+  EXPECT_THAT(settings.CatDesignVars(), ElementsAre(0, 1));
 }
 
 TEST(ValidSpecs, UnusedPredictorsStillEnterTheRecord) {
@@ -128,7 +132,7 @@ TEST(ValidSpecs, AVariableThatIsStratumAndFactorTakesOneColumn) {
   specs.SetWeightVariable(2);
   specs.SetDependent(0, true, {});
   specs.SetFactors({4});
-  ASSERT_TRUE(specs.BuildSettings());
+  specs.NumberColumns();
   EXPECT_EQ(specs.RecordLength(), 3);
   EXPECT_EQ(specs.CategoricalRecordMap().at(4), 0);
   EXPECT_THAT(specs.FactorColumns(), ElementsAre(0));
@@ -136,13 +140,14 @@ TEST(ValidSpecs, AVariableThatIsStratumAndFactorTakesOneColumn) {
 
 TEST(ValidSpecs, AVariableThatIsStratumAndSubpopulationTakesOneColumn) {
   CommandRun run;
-  Build(run, "TAVOREG y /DOMAIN VARIABLE=st(1)");
+  ASSERT_TRUE(run.Parse("TAVOREG y /DOMAIN VARIABLE=st(1)"));
   EXPECT_EQ(run.Specs().RecordLength(), 4);
-  run.Specs().SetDependentCounts(2, 0);
-  run.Specs().SetDomainCode(3);
-  run.Specs().CompleteSettings();
-  EXPECT_EQ(run.Specs().Settings()->SubpopVar(), run.Specs().CategoricalRecordMap().at(run.IndexOf("st")));
-  EXPECT_EQ(run.Specs().Settings()->SubpopValue(), 3);
+  FirstPassFindings found;
+  found.dependentCategories = 2;
+  found.domainCode = 3;
+  const TavoCompSettings settings = run.Specs().BuildSettings(found);
+  EXPECT_EQ(settings.SubpopVar(), run.Specs().CategoricalRecordMap().at(run.IndexOf("st")));
+  EXPECT_EQ(settings.SubpopValue(), 3);
 }
 
 TEST(ValidSpecs, SizesProbabilitiesAndMatricesGetColumnsOfTheirKind) {
@@ -153,7 +158,7 @@ TEST(ValidSpecs, SizesProbabilitiesAndMatricesGetColumnsOfTheirKind) {
             "<MatrixValue sizeValue='9'><Category value='1'/></MatrixValue></Matrix></PopulationSize>") +
       Stage(2, "equal_wor", {}, {"psu2"}, "<IncProb><Variable name='p'/></IncProb>") +
       Stage(3, "equal_wor", {}, {}, "<PopulationSize><SingleValue value='30'/></PopulationSize>")));
-  const TavoCompSettings& settings = Build(run, "TAVOREG y");
+  const TavoCompSettings settings = Build(run, "TAVOREG y");
   const TavoValidSpecs& specs = run.Specs();
   EXPECT_THAT(specs.RecordVariables(),
               ElementsAre(run.IndexOf("st"), run.IndexOf("psu"), -1, run.IndexOf("psu2"), run.IndexOf("p"),
@@ -165,35 +170,33 @@ TEST(ValidSpecs, SizesProbabilitiesAndMatricesGetColumnsOfTheirKind) {
   EXPECT_THAT(
       settings.VariableTypes(),
       ElementsAre(VariableRole::kDesignCategory, VariableRole::kDesignCategory, VariableRole::kPopulationSize,
-                  VariableRole::kDesignCategory, VariableRole::kInclusionProbability, VariableRole::kWeight));
+                  VariableRole::kDesignCategory, VariableRole::kInclusionProbability, VariableRole::kWeight,
+                  VariableRole::kDependent));
   ASSERT_EQ(settings.StageCount(), 3);
   EXPECT_EQ(settings.InclusionTypeOfStage(3), InclProbType::kPopSizeValue);
   EXPECT_EQ(settings.Stages()[2].PopulationSize(), 30);
   EXPECT_EQ(settings.Stages()[1].estimator, tavo::StageEstimator::kEqualWor);
 }
 
-TEST(ValidSpecs, ThreadsStopProcessorAndSRSEstimatorReachTheSettings) {
+TEST(ValidSpecs, ThreadsAndSRSEstimatorReachTheSettings) {
   CommandRun run;
   run.Options().threads = 3;
   run.WritePlan(Plan(Stage(1, "wr", {}, {"psu"}), "w", "wr"));
-  const TavoCompSettings& settings = Build(run, "TAVOREG y");
+  const TavoCompSettings settings = Build(run, "TAVOREG y");
   EXPECT_EQ(settings.Threads(), 3);
   EXPECT_EQ(settings.ThreadService(), &run.Host().Threads());
   EXPECT_EQ(settings.GetSRSEstimator(), tavo::SRSEstimator::kWithReplacement);
-  ASSERT_NE(settings.StopProcessor(), nullptr);
-  EXPECT_FALSE(settings.StopProcessor()->IsStopRequested());
-  run.Host().RequestStop();
-  EXPECT_TRUE(settings.StopProcessor()->IsStopRequested());
 }
 
-TEST(ValidSpecs, CompletedSettingsHoldCountsAndPassTheirCheck) {
+TEST(ValidSpecs, SettingsHoldWhatTheFirstPassFoundAndPassTheirCheck) {
   CommandRun run;
-  Build(run, "TAVOREG y BY a b WITH x /MODEL a x");
-  TavoValidSpecs& specs = run.Specs();
-  specs.SetDependentCounts(3, -1);
-  specs.SetFactorLevels({4, 2});
-  specs.CompleteSettings();
-  const TavoCompSettings& settings = *specs.Settings();
+  ASSERT_TRUE(run.Parse("TAVOREG y BY a b WITH x /MODEL a x"));
+  const TavoValidSpecs& specs = run.Specs();
+  FirstPassFindings found;
+  found.dependentCategories = 3;
+  found.referenceCode = -1;
+  found.factorLevels = {4, 2};
+  const TavoCompSettings settings = specs.BuildSettings(found);
   EXPECT_EQ(settings.Dependent(), specs.DependentColumn());
   EXPECT_EQ(settings.DependentCategories(), 3);
   EXPECT_EQ(settings.DependentReference(), -1);
@@ -202,15 +205,6 @@ TEST(ValidSpecs, CompletedSettingsHoldCountsAndPassTheirCheck) {
   EXPECT_EQ(settings.Covariates(), specs.CovariateColumns());
   EXPECT_EQ(settings.Effects().size(), 2U);
   EXPECT_TRUE(settings.Validate().IsOK()) << settings.Validate().Code();
-}
-
-TEST(ValidSpecs, FactorLevelsAreIgnoredUnlessThereIsOneCountPerFactor) {
-  TavoValidSpecs specs;
-  specs.SetFactors({1, 2});
-  specs.SetFactorLevels({3});
-  EXPECT_THAT(specs.FactorLevels(), IsEmpty());
-  specs.SetFactorLevels({3, 4});
-  EXPECT_THAT(specs.FactorLevels(), ElementsAre(3, 4));
 }
 
 TEST(ValidSpecs, ConfidenceLevelsOutOfRangeAreIgnored) {

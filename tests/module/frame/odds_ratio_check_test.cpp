@@ -6,6 +6,8 @@
 
 #include <cstring>
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include "component/numerics/missing_value.h"
 #include "module/command/command_parser.h"
@@ -67,18 +69,18 @@ class OddsRatioCheck : public ::testing::Test {
     const auto source = fpSession->MakeDataSource();
     TavoCommandParser parser(*tokens, fSpecs, *source);
     EXPECT_NE(parser.Parse(), 0);
-    EXPECT_TRUE(fSpecs.BuildSettings());
     TavoProcedureDriver driver(fSpecs, *source);
-    EXPECT_TRUE(driver.ProcessDataPass());
+    std::optional<FirstPassFindings> found = driver.ProcessDataPass();
+    EXPECT_TRUE(found);
+    if (found) fFound = std::move(*found);
     fMessages = fpSession->CurrentOutput()->messages;
     fColumnA = fSpecs.FactorColumns().at(0);
     fColumnG = fSpecs.FactorColumns().at(1);
     fColumnX = fSpecs.CovariateColumns().at(0);
     fColumnZ = fSpecs.CovariateColumns().at(1);
-    fLevels = fSpecs.FactorLevels();
     fCodeOf10 = CodeOf(driver, *source, "a", 10);
     fpSession->EndCommand();
-    return fSpecs.RecordOddsRatios();
+    return fFound.oddsRatios;
   }
 
   static int CodeOf(const TavoProcedureDriver& driver, const host::VORN_DataSource& source, const char* name,
@@ -97,7 +99,7 @@ class OddsRatioCheck : public ::testing::Test {
   TavoValidSpecs fSpecs;
   std::vector<standalone::Message> fMessages;
   int fColumnA = -1, fColumnG = -1, fColumnX = -1, fColumnZ = -1, fCodeOf10 = 0;
-  std::vector<int> fLevels;
+  FirstPassFindings fFound;
 };
 
 /// (variable, reference) of each factor, and (variable, value) of each control.
@@ -167,8 +169,8 @@ TEST_F(OddsRatioCheck, ControlsOfFactorsBecomeCodesAndThoseOfCovariatesStay) {
 TEST_F(OddsRatioCheck, SortingAgainKeepsCodesAndLevels) {
   Check("/ODDSRATIOS FACTOR=[a(10)] CONTROL=[a(10)] /ODDSRATIOS FACTOR=[a(10)]");
   EXPECT_EQ(fCodeOf10, 1);
-  EXPECT_THAT(fLevels, ElementsAre(3, 2));
-  for (const OrvOddsRatioSpec& record : fSpecs.RecordOddsRatios())
+  EXPECT_THAT(fFound.factorLevels, ElementsAre(3, 2));
+  for (const OrvOddsRatioSpec& record : fFound.oddsRatios)
     EXPECT_THAT(FactorsOf(record), ElementsAre(std::pair(fColumnA, 1)));
 }
 

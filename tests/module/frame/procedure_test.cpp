@@ -92,12 +92,12 @@ TEST(Driver, WithoutAnAcceptedCaseItsStatusIs91001AndThereIsNoComponent) {
   TavoValidSpecs specs;
   specs.SetDependent(0, true, {});
   specs.SetWeightVariable(1);
-  ASSERT_TRUE(specs.BuildSettings());
+  specs.NumberColumns();
   TavoProcedureDriver driver(specs, *source);
   EXPECT_TRUE(driver.Status().IsError());
   EXPECT_EQ(driver.Status().Code(), StatusCode::kNoRecords);
   EXPECT_FALSE(driver.ProcessDataPass());
-  EXPECT_FALSE(driver.RunModel());
+  EXPECT_FALSE(driver.RunModel({}));
   EXPECT_EQ(driver.Component(), nullptr);
   driver.ReportWarnings();
   EXPECT_EQ(session.CurrentOutput()->messages.size(), 1U) << "told once, by the constructor";
@@ -134,12 +134,12 @@ TEST(Driver, WithOneDependentValueItsStatusIs95028AndTheModelIsNotRun) {
   TavoValidSpecs specs;
   specs.SetDependent(0, true, {});
   specs.SetWeightVariable(1);
-  ASSERT_TRUE(specs.BuildSettings());
+  specs.NumberColumns();
   TavoProcedureDriver driver(specs, *source);
   EXPECT_TRUE(driver.Status().IsOK());
   EXPECT_FALSE(driver.ProcessDataPass());
   EXPECT_EQ(driver.Status().Code(), StatusCode::kOneDependentValue);
-  EXPECT_FALSE(driver.RunModel());
+  EXPECT_FALSE(driver.RunModel({}));
   EXPECT_EQ(driver.Component(), nullptr);
 }
 
@@ -289,12 +289,12 @@ TEST(Cancelling, LeavesTheStatusInTheDriverAndNothingElse) {
   stage.stage.estimator = StageEstimator::kWithReplacement;
   stage.stage.clusters = {source->FindVarIndex("psu")};
   specs.AddStage(std::move(stage));
-  ASSERT_TRUE(specs.BuildSettings());
+  specs.NumberColumns();
   TavoProcedureDriver driver(specs, *source);
-  ASSERT_TRUE(driver.ProcessDataPass());
-  specs.CompleteSettings();
+  const std::optional<FirstPassFindings> found = driver.ProcessDataPass();
+  ASSERT_TRUE(found);
   session.RequestStop();
-  EXPECT_FALSE(driver.RunModel());
+  EXPECT_FALSE(driver.RunModel(*found));
   EXPECT_EQ(driver.Status().Code(), StatusCode::kCancelled);
   driver.ReportWarnings();
   EXPECT_THAT(session.CurrentOutput()->messages, IsEmpty());

@@ -21,15 +21,8 @@ namespace tavo {
 /// A specification whose record holds the plan's columns and whatever a test adds.
 class RecordSpecs final : public OrvPlanValidSpecs {
  public:
-  bool BuildSettings() override {
-    FillPlanSettings(fSettings);
-    return true;
-  }
   int AddCategorical(int variable) { return CategoricalColumn(variable); }
   int AddContinuous(int variable) { return ContinuousColumn(variable); }
-
- private:
-  TavoCompSettings fSettings;
 };
 
 class AdapterTest : public ::testing::Test {

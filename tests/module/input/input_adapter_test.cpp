@@ -78,7 +78,7 @@ TEST_F(InputAdapter, AValueFirstSeenInALaterPassDropsTheCase) {
 TEST_F(InputAdapter, AWeightOfZeroOrLessPassesAndAMissingOneDropsTheCase) {
   const int w = Add("w");
   fSpecs.SetWeightVariable(w);
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   for (const double value : {0.0, 2.0, -1.0})
     fSource.AddCase({value});
   fSource.AddCase({kMissing});
@@ -91,7 +91,7 @@ TEST_F(InputAdapter, AWeightOfZeroOrLessPassesAndAMissingOneDropsTheCase) {
 TEST_F(InputAdapter, AnInclusionProbabilityOf1IsValidAnd1_0000001IsReported) {
   const int p = Add("p");
   AddStage(false, p);
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   for (const double value : {1.0, 1e-300, 1.0000001, 0.0, -0.5})
     fSource.AddCase({value});
   Start();
@@ -110,7 +110,7 @@ TEST_F(InputAdapter, AnInclusionProbabilityOf1IsValidAnd1_0000001IsReported) {
 TEST_F(InputAdapter, APopulationSizeThatIsWholeToWithinTheFuzzIsRounded) {
   const int n = Add("n");
   AddStage(true, n);
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   for (const double value : {100.0000000001, 99.9999999999, 1.0, 4e9})
     fSource.AddCase({value});
   Start();
@@ -121,7 +121,7 @@ TEST_F(InputAdapter, APopulationSizeThatIsWholeToWithinTheFuzzIsRounded) {
 TEST_F(InputAdapter, APopulationSizeThatIsNoPositiveWholeNumberIsReported) {
   const int n = Add("n");
   AddStage(true, n);
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   for (const double value : {100.5, 0.0, -3.0, 1e-12})
     fSource.AddCase({value});
   Start();
@@ -137,7 +137,7 @@ TEST_F(InputAdapter, AMissingDesignValueDoesNotFailTheCase) {
   DeclareMissing(n, Number(99));
   AddStage(true, n);
   AddStage(false, p);
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   fSource.AddCase({kMissing, kMissing});
   fSource.AddCase({99, 0.5});
   Start(true);
@@ -202,7 +202,7 @@ TEST_F(InputAdapter, WithoutListwiseDeletionOnlyAMissingWeightDropsTheCase) {
   const int w = Add("w");
   fSpecs.AddContinuous(x);
   fSpecs.SetWeightVariable(w);
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   fSource.AddCase({kMissing, 1});
   fSource.AddCase({1, kMissing});
   const OrvVariableReporter reporter(fSource);
@@ -282,7 +282,7 @@ TEST_F(InputAdapter, AMatrixGivesTheValueOfTheKey) {
     return cells;
   };
   AddMatrixStage(true, {h, g}, {{key(1, "north east"), 40}, {key(1, "north"), 50}, {key(2, "north"), 60}});
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   fSource.AddCase({1, "north"});
   fSource.AddCase({2, "north"});
   fSource.AddCase({1, "north east"});
@@ -295,7 +295,7 @@ TEST_F(InputAdapter, AKeyThatAMatrixLacksIsReportedWithStageVariablesAndValues) 
   const int h = Add("h");
   const int k = Add("k");
   AddMatrixStage(true, {h, k}, {});
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   fSource.AddCase({17, 23});
   Start();
   EXPECT_THAT(ReadAll(), IsEmpty());
@@ -310,7 +310,7 @@ TEST_F(InputAdapter, AKeyThatAProbabilityMatrixLacksHasItsOwnMessage) {
   const int h = Add("h");
   AddStage(true, Add("n"));
   AddMatrixStage(false, {h}, {{Number(1), 0.5}});
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   fSource.AddCase({1, 10});
   fSource.AddCase({2, 10});
   Start();
@@ -324,7 +324,7 @@ TEST_F(InputAdapter, AMissingKeyDropsTheCaseWithoutAMessage) {
   const int h = Add("h");
   DeclareMissing(h, Number(9));
   AddMatrixStage(false, {h}, {{Number(9), 0.5}, {Number(1), 0.25}});
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   fSource.AddCase({kMissing});
   fSource.AddCase({9});
   fSource.AddCase({1});
@@ -339,7 +339,7 @@ TEST_F(InputAdapter, TheFirstUnknownMatrixKeyEndsTheCase) {
   const int h = Add("h");
   AddMatrixStage(true, {h}, {});
   AddMatrixStage(false, {h}, {});
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   fSource.AddCase({1});
   Start();
   EXPECT_EQ(Messages().size(), 1U);
@@ -349,7 +349,7 @@ TEST_F(InputAdapter, RecordLengthIsTheNumberOfColumns) {
   const int h = Add("h");
   const int x = Add("x");
   AddMatrixStage(true, {h}, {{Number(1), 4}});
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   fSpecs.AddCategorical(h);
   fSpecs.AddContinuous(x);
   fSpecs.AddContinuous(x);

@@ -28,7 +28,7 @@ class JointFile : public AdapterTest {
     if (hasStrata) spec.stage.strata = {h};
     spec.stage.clusters = {psu};
     fSpecs.AddStage(std::move(spec));
-    fSpecs.BuildSettings();
+    fSpecs.NumberColumns();
     for (const auto& [stratum, unit] : {std::pair(1, 10), {1, 20}, {2, 10}, {2, 30}})
       fSource.AddCase({stratum, unit});
     Start();
@@ -159,7 +159,7 @@ TEST_F(JointFile, MayHaveTheVariablesOfAGroupInAnotherOrderThanThePlan) {
   spec.stage.strata = {region, district};
   spec.stage.clusters = {psu};
   fSpecs.AddStage(std::move(spec));
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   fSource.AddCase({7, "west", 3});
   fSource.AddCase({8, "north", 3});
   Start();

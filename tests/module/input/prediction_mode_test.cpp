@@ -20,7 +20,7 @@ class PredictionMode : public AdapterTest {
     fColumnH = fSpecs.AddCategorical(fH);
     fColumnX = fSpecs.AddContinuous(fX);
     fSpecs.SetWeightVariable(fW);
-    fSpecs.BuildSettings();
+    fSpecs.NumberColumns();
     fColumnZ = fSpecs.AddContinuous(fZ);
   }
   /// The codes: 1 and 2 of a, 1 of h.
@@ -135,7 +135,7 @@ TEST_F(AdapterTest, InPredictionModeBadDesignValuesSendNoMessageAndKeepTheCase) 
   AddStage(true, n);
   AddStage(false, p);
   AddMatrixStage(true, {key}, {{Number(1), 40}});
-  fSpecs.BuildSettings();
+  fSpecs.NumberColumns();
   const int column = fSpecs.AddContinuous(x);
   fSource.AddCase({0.5, 100, 0.5, 1});
   Start();

@@ -51,26 +51,21 @@ TEST(DocumentStrings, WithoutLinesThereIsNoDocument) {
   EXPECT_THAT(BuildDocument(OrvRegDocumentStrings()).Lines(), IsEmpty());
 }
 
-/// A driver over two cases of y, w, h, n and p, and specifications to fill by hand.
+/// A dictionary of y, w, h, psu, n and p, and specifications to fill by hand.
 class DocumentLinesTest : public ::testing::Test {
  protected:
-  static constexpr int kReferenceCode = 1;  // the value of the first case
   enum Index : int { kY, kW, kH, kPsu, kN, kP };
 
   DocumentLinesTest() : fScope(fSession) {
     fSession.BeginCommand(fCommand, fText);
     for (const char* name : {"y", "w", "h", "psu", "n", "p"})
       fSource.AddVariable(name);
-    fSource.AddCase({1, 1, 1, 1, 10, 0.5});
-    fSource.AddCase({2, 1, 1, 2, 10, 0.5});
     fSpecs.SetDependent(kY, true, {});
   }
   ~DocumentLinesTest() override { fSession.EndCommand(); }
 
   Lines Of(const std::vector<std::string>& effects) {
-    EXPECT_TRUE(fSpecs.BuildSettings());
-    TavoProcedureDriver driver(fSpecs, fSource);
-    const OrvRegDocumentStrings strings = DocumentLines(driver, fSource, effects, kReferenceCode);
+    const OrvRegDocumentStrings strings = DocumentLines(fSpecs, fSource, "1.00", effects);
     Lines lines;
     for (std::size_t i = 0; i < strings.Count(); ++i)
       lines.push_back(strings.At(i));

@@ -154,14 +154,12 @@ TEST(Session, MessagesOfAParserCarryTheStageOfThePlanInFront) {
 TEST(Session, RelativeNamesStartAtTheFolderOfTheCommandFile) {
   SessionOptions options;
   options.baseFolder = "/data/study";
-  options.moduleFolder = "/opt/share";
   Session session(options);
   const SessionScope scope(session);
   EXPECT_EQ(host::BEPesGetInputPath("plan.xml"), "/data/study/plan.xml");
   EXPECT_EQ(host::BEPesGetInputPath("../plan.xml"), "/data/study/../plan.xml");
   EXPECT_EQ(host::BEPesGetInputPath("/abs/plan.xml"), "/abs/plan.xml");
   EXPECT_EQ(host::BEPesGetInputPath(""), "");
-  EXPECT_EQ(host::ModuleFolder(), "/opt/share");
   Session here;
   const SessionScope inner(here);
   EXPECT_EQ(host::BEPesGetInputPath("plan.xml"), "plan.xml");

@@ -17,6 +17,8 @@ void PlanAnalysisReader::ReadStage(const PlanElement& element, OrvPlanStage& sta
   ReadStageHead(element, stage);
   ReadMethod(element, stage);
   ReadVariableLists(element, stage);
+  // Other estimators have no finite population correction from sizes, so a size that stands there is not even
+  // checked.
   if (fbChecks && stage.method != PlanMethod::EQUAL_WOR) return;
   if (const PlanElement size = element.Child("PopulationSize")) {
     ReadValueElement(size, PlanValueKind::POPSIZE, stage);

@@ -9,7 +9,7 @@ class PlanAnalysisReader final : public PlanSectionReader {
  public:
   static constexpr const char* kSection = "AnalysisDesign";
 
-  /// The plan is lent and filled. Only equal probabilities without replacement use sizes; a reader that
+  /// The plan is filled; not owned. Only equal probabilities without replacement use sizes; a reader that
   /// doesn't check reads them for any method, to show what the file holds.
   PlanAnalysisReader(OrvPlanData& plan, bool checks)
       : PlanSectionReader(plan, kSection, "AnalysisStage"), fbChecks(checks) {}

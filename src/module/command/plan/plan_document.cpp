@@ -20,8 +20,8 @@
 #include <xercesc/util/XMLResourceIdentifier.hpp>
 #include <xercesc/util/XMLString.hpp>
 
-#include "host/files.h"
 #include "host/text.h"
+#include "module/command/plan/plan_definitions.h"
 
 namespace tavo {
 
@@ -29,7 +29,7 @@ namespace xml = XERCES_CPP_NAMESPACE;
 
 namespace {
 
-constexpr const char* kDefinitionFile = "vorn-tessel-1.0.dtd";
+constexpr const char* kDefinitionFile = "vorn-tessel-1.0.dtd";  // as messages and the XML library call them
 constexpr const char* kSchemaFile = "vorntessel.xsd";
 constexpr const char* kTooLarge = "the file is too large for a plan";
 constexpr XMLSize_t kEntityExpansionLimit = 1000;
@@ -151,36 +151,23 @@ const xml::DOMElement* AsElement(const xml::DOMNode* node) {
 
 namespace Orv_XML {
 
-/// Ends the parse at the first warning or error, and answers every external entity with the plan's own DTD.
+/// Ends the parse at the first warning or error, and answers every external entity with the plan's own DTD:
+/// what a document names is an address that nobody checks, while the definition that readers were written
+/// against is the one that this program holds.
 class XmlErrorHandler : public xml::HandlerBase {
  public:
   void warning(const xml::SAXParseException& exception) override { throw exception; }
   void error(const xml::SAXParseException& exception) override { throw exception; }
   void fatalError(const xml::SAXParseException& exception) override { throw exception; }
   xml::InputSource* resolveEntity(const XMLCh* const, const XMLCh* const) override {
-    return ModuleSource(kDefinitionFile, fDefinition);
+    return Source(kPlanDefinition, kDefinitionFile);
   }
 
-  /// Bytes, lent, as a source; the caller takes ownership of the source.
-  static xml::InputSource* Source(const std::string& bytes, const std::string& name) {
+  /// Bytes, not owned, as a source; the caller takes ownership of the source.
+  static xml::InputSource* Source(std::string_view bytes, const std::string& name) {
     return new xml::MemBufInputSource(reinterpret_cast<const XMLByte*>(bytes.data()), bytes.size(),
                                       XmlText(name).Get());
   }
-
- protected:
-  /// A file of the module's folder as a source; `bytes` keeps it and must outlive the source.
-  static xml::InputSource* ModuleSource(const char* file, std::string& bytes) {
-    const std::string path = (std::filesystem::path(host::ModuleFolder()) / file).string();
-    std::string error;
-    if (!ReadFile(path, bytes, error)) {
-      const std::string message = "the definition of plan files, " + path + ", can't be used: " + error;
-      throw xml::SAXException(XmlText(message).Get());
-    }
-    return Source(bytes, path);
-  }
-
- private:
-  std::string fDefinition;
 };
 
 /// Answers the parser that validates against the schema. What a schema could draw in from elsewhere is
@@ -194,16 +181,13 @@ class SchemaResolver final : public XmlErrorHandler, public xml::XMLEntityResolv
       case xml::XMLResourceIdentifier::ExternalEntity:
         return resolveEntity(nullptr, nullptr);
       case xml::XMLResourceIdentifier::SchemaGrammar:
-        if (space == nullptr || *space == 0) return ModuleSource(kSchemaFile, fSchema);
+        if (space == nullptr || *space == 0) return Source(kPlanSchema, kSchemaFile);
         break;
       default:
         break;
     }
     throw xml::SAXException(XmlText("a plan can name no schema but its own").Get());
   }
-
- private:
-  std::string fSchema;
 };
 
 }  // namespace Orv_XML

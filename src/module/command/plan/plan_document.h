@@ -8,7 +8,7 @@
 
 namespace tavo {
 
-/// An element of a parsed plan, lent by its document. Copying is cheap; a null element answers as an empty
+/// An element of a parsed plan, owned by its document. Copying is cheap; a null element answers as an empty
 /// one.
 class PlanElement {
  public:
@@ -31,9 +31,9 @@ class PlanElement {
   const void* fpNode = nullptr;  // a DOM element; the parser's types stay out of headers
 };
 
-/// Parses an XML file. A document may name the plan's own DTD, which is read from the module's folder
-/// whatever the document says, and is validated against it then; it may name the schema likewise. Nothing
-/// else is ever read or fetched. Declarations inside the document are refused, and the memory of the tree is
+/// Parses an XML file. A document may name the plan's own DTD, and is validated then against the one that the
+/// program carries, whatever the document says; it may name the schema likewise. Nothing else is ever read or
+/// fetched. Declarations inside the document are refused, and the memory of the tree is
 /// limited. Warnings of the XML parser refuse the file like errors.
 class PlanDocument {
  public:

@@ -14,7 +14,7 @@ class OrvPlanReader {
  public:
   static constexpr std::size_t kMaximumStages = PlanSectionReader::kMaximumStages;
 
-  /// `plan` is lent and filled; it should be a fresh one for each reading.
+  /// `plan` is filled, not owned; it should be a fresh one for each reading.
   explicit OrvPlanReader(OrvPlanData& plan) : fPlan(plan) {}
 
   /// Reads and checks. The first status that isn't OK wins; later elements are still read. A plan that names

@@ -67,6 +67,8 @@ void PlanSampleReader::ReadStage(const PlanElement& element, OrvPlanStage& stage
 void PlanSampleReader::ReadMethod(const PlanElement& element, OrvPlanStage& stage) {
   const std::string word = element.Attribute("selectionMethod");
   stage.method = SelectionMethodOf(word);
+  // A plan holds one measure of size, that of the first stage; and a unit that was drawn with replacement has
+  // no stages below it.
   const bool isLate = IsProportionalToSize(stage.method) && StagePosition() > 1;
   if (stage.method == PlanMethod::NO_VALUE || isLate) {
     Note(PlanStatus::kIllegalSelection, "selectionMethod=" + Quoted(word));
@@ -131,6 +133,7 @@ void PlanSampleReader::ReadMOSSource(const PlanElement& mos) {
   }
 }
 
+// A bound that isn't there is none; one that is there must have its value.
 bool PlanSampleReader::ReadBound(const PlanElement& element, double& bound) {
   if (!element) return true;
   const PlanElement single = element.Child("SingleValue");

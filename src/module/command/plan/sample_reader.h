@@ -9,7 +9,7 @@ class PlanSampleReader final : public PlanSectionReader {
  public:
   static constexpr const char* kSection = "SampleDesign";
 
-  /// The plan is lent and filled.
+  /// The plan is filled; not owned.
   explicit PlanSampleReader(OrvPlanData& plan) : PlanSectionReader(plan, kSection, "SampleStage") {}
 
   void Read(const PlanElement& design);

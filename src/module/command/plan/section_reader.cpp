@@ -20,6 +20,7 @@ double NumberOfText(const std::string& text) {
   const std::size_t first = text.find_first_not_of(" \t\r\n");
   if (first == std::string::npos) return 0;
   const std::size_t last = text.find_last_not_of(" \t\r\n");
+  // from_chars reads the same in every locale, but knows no plus sign.
   const char* begin = text.data() + first + (text[first] == '+' ? 1 : 0);
   const char* end = text.data() + last + 1;
   double value = 0;
@@ -27,6 +28,7 @@ double NumberOfText(const std::string& text) {
   return failure == std::errc() && stopped == end && std::isfinite(value) ? value : 0;
 }
 
+// Stages that are too many are none of this format: nothing that they say could be trusted.
 bool PlanSectionReader::MakeStages(std::size_t count) {
   fStagePosition = 0;
   if (count > kMaximumStages) {

@@ -22,7 +22,7 @@ class PlanSectionReader {
   const std::string& Detail() const { return fDetail; }
 
  protected:
-  /// The plan is lent. The names are those of the section and of its stages.
+  /// The plan is not owned. The names are those of the section and of its stages.
   PlanSectionReader(OrvPlanData& plan, const char* section, const char* stage)
       : fPlan(plan), fSection(section), fStage(stage) {}
   ~PlanSectionReader() = default;

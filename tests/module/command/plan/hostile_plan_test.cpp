@@ -244,16 +244,6 @@ TEST_F(ValidatedPlan, DeclarationsBesideTheDefinitionAreRefused) {
   EXPECT_THAT(fDetail, HasSubstr("declarations"));
 }
 
-TEST_F(ValidatedPlan, AMissingDefinitionIsNamed) {
-  standalone::SessionOptions options;
-  options.moduleFolder = fFolder.Path("nowhere");
-  standalone::Session session(options);
-  const standalone::SessionScope scope(session);
-  EXPECT_EQ(ReadValidated(SmallAnalysis(), kElsewhere), PlanStatus::kInvalidFile);
-  EXPECT_THAT(fDetail, HasSubstr(fFolder.Path("nowhere") + "/vorn-tessel-1.0.dtd"));
-  EXPECT_EQ(ReadText(Plan(SmallAnalysis())), PlanStatus::kOK) << "a plan that names none needs none";
-}
-
 TEST_F(ValidatedPlan, EveryElementAndAttributeOfTheFormatIsDefined) {
   const std::string slot = "<Variable name=\"v\"/>";
   const auto element = [](const std::string& name, const std::string& content) {

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "module/command/plan/plan_reader.h"
-#include "source_folder.h"
 #include "standalone/session/embedded_session.h"
 #include "test_folder.h"
 
@@ -42,13 +41,8 @@ inline std::string SmallAnalysis() {
 
 class PlanReading : public ::testing::Test {
  protected:
-  PlanReading() : fSession(Options()), fScope(fSession) {}
+  PlanReading() : fScope(fSession) {}
 
-  static standalone::SessionOptions Options() {
-    standalone::SessionOptions options;
-    options.moduleFolder = TAVO_SOURCE_DIR "/src/module/command/plan";
-    return options;
-  }
   PlanStatus ReadFile(const std::string& path) {
     fPlan = OrvPlanData();
     OrvPlanReader reader(fPlan);
