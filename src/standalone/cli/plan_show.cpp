@@ -10,7 +10,7 @@
 #include "standalone/output/json_writer.h"
 #include "standalone/output/number_text.h"
 #include "standalone/session/embedded_session.h"
-#include "standalone/text/plain_text.h"
+#include "standalone/text/terminal_text.h"
 
 namespace standalone {
 

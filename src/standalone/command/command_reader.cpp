@@ -5,7 +5,7 @@
 
 #include "host/data.h"
 #include "standalone/command/parser_keys.h"
-#include "standalone/text/number_from_text.h"
+#include "standalone/text/numbers.h"
 
 namespace standalone {
 

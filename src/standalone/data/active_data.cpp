@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 
 namespace standalone {
 

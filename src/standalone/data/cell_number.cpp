@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 
 namespace standalone {
 

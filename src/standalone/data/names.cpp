@@ -6,7 +6,7 @@
 #include <unordered_set>
 
 #include "host/data.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 
 namespace standalone {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 #include "standalone/data/parallel.h"
 
 namespace standalone {

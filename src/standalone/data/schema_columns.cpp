@@ -6,8 +6,8 @@
 #include <unordered_map>
 
 #include "standalone/data/cell_number.h"
-#include "standalone/data/cell_text.h"
-#include "standalone/data/format_text.h"
+#include "standalone/data/cells.h"
+#include "standalone/data/format_names.h"
 #include "standalone/text/utf8.h"
 
 namespace standalone {

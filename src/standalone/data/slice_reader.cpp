@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "standalone/data/cell_number.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 #include "standalone/text/utf8.h"
 
 namespace standalone {

@@ -9,7 +9,7 @@
 #include <unordered_set>
 
 #include "standalone/data/file_text.h"
-#include "standalone/data/format_text.h"
+#include "standalone/data/format_names.h"
 #include "standalone/data/json_check.h"
 #include "standalone/text/utf8.h"
 

@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 #include "standalone/data/table_schema.h"
 #include "standalone/files/dictionary_check.h"
 #include "standalone/files/pending_file.h"

@@ -9,7 +9,7 @@
 #include <system_error>
 
 #include "standalone/data/cell_scanner.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 #include "standalone/data/file_ending.h"
 #include "standalone/data/file_text.h"
 #include "standalone/data/names.h"

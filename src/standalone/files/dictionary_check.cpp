@@ -6,8 +6,8 @@
 #include <string_view>
 #include <unordered_set>
 
-#include "standalone/data/cell_text.h"
-#include "standalone/data/format_text.h"
+#include "standalone/data/cells.h"
+#include "standalone/data/format_names.h"
 #include "standalone/data/slice_reader.h"
 #include "standalone/text/utf8.h"
 

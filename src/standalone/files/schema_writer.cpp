@@ -4,8 +4,8 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 
-#include "standalone/data/cell_text.h"
-#include "standalone/data/format_text.h"
+#include "standalone/data/cells.h"
+#include "standalone/data/format_names.h"
 
 namespace standalone {
 

@@ -5,7 +5,7 @@
 #include <ctime>
 
 #include "host/files.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 
 namespace host {
 

@@ -10,8 +10,8 @@
 #include <fstream>
 #include <system_error>
 
-#include "standalone/data/cell_text.h"
-#include "standalone/data/format_text.h"
+#include "standalone/data/cells.h"
+#include "standalone/data/format_names.h"
 #include "standalone/data/slice_reader.h"
 #include "standalone/files/database.h"
 #include "standalone/files/dictionary_check.h"

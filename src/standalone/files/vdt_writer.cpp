@@ -4,8 +4,8 @@
 
 #include <cmath>
 
-#include "standalone/data/cell_text.h"
-#include "standalone/data/format_text.h"
+#include "standalone/data/cells.h"
+#include "standalone/data/format_names.h"
 #include "standalone/files/database.h"
 #include "standalone/files/dictionary_check.h"
 #include "standalone/files/pending_file.h"

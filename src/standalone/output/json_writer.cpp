@@ -4,7 +4,7 @@
 #include <string>
 
 #include "standalone/output/number_text.h"
-#include "standalone/text/plain_text.h"
+#include "standalone/text/terminal_text.h"
 
 namespace standalone {
 

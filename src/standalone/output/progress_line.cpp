@@ -5,7 +5,7 @@
 #include <string>
 
 #include "standalone/output/catalogue.h"
-#include "standalone/text/plain_text.h"
+#include "standalone/text/terminal_text.h"
 
 namespace standalone {
 

@@ -6,7 +6,7 @@
 #include "standalone/output/renderers.h"
 #include "standalone/output/table_layout.h"
 #include "standalone/output/text_table.h"
-#include "standalone/text/plain_text.h"
+#include "standalone/text/terminal_text.h"
 
 namespace standalone {
 

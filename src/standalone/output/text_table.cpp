@@ -4,7 +4,7 @@
 #include <ostream>
 
 #include "standalone/output/message_text.h"
-#include "standalone/text/plain_text.h"
+#include "standalone/text/terminal_text.h"
 
 namespace standalone {
 

@@ -4,7 +4,7 @@
 
 #include <ostream>
 
-#include "standalone/data/format_text.h"
+#include "standalone/data/format_names.h"
 #include "standalone/output/content_text.h"
 #include "standalone/output/json_writer.h"
 #include "standalone/output/number_text.h"

@@ -8,8 +8,8 @@
 #include "standalone/output/message_text.h"
 #include "standalone/output/template.h"
 #include "standalone/session/embedded_session.h"
-#include "standalone/text/plain_text.h"
 #include "standalone/text/suggestion.h"
+#include "standalone/text/terminal_text.h"
 
 namespace standalone {
 

@@ -9,7 +9,7 @@
 
 #include "host/data.h"
 #include "standalone/data/active_data.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 
 namespace {
 

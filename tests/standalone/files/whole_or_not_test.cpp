@@ -12,7 +12,7 @@
 #include <map>
 
 #include "sample_tables.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 #include "standalone/files/csv_writer.h"
 #include "standalone/files/data_reader.h"
 #include "standalone/files/data_writer.h"

@@ -1,4 +1,4 @@
-#include "standalone/text/number_from_text.h"
+#include "standalone/text/numbers.h"
 
 #include <charconv>
 #include <system_error>

@@ -6,7 +6,7 @@
 
 #include "host/data.h"
 #include "standalone/data/cell_number.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 
 namespace host {
 

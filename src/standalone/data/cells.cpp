@@ -1,4 +1,4 @@
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 
 #include <algorithm>
 #include <cstring>

@@ -9,7 +9,7 @@
 #include "host/data.h"
 #include "host/text.h"
 #include "standalone/data/cell_number.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 
 namespace {
 

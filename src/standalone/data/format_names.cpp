@@ -1,4 +1,4 @@
-#include "standalone/data/format_text.h"
+#include "standalone/data/format_names.h"
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "standalone/text/plain_text.h"
+#include "standalone/text/terminal_text.h"
 
 #include <algorithm>
 #include <array>
