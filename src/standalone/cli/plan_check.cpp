@@ -7,7 +7,7 @@
 #include "standalone/cli/unit_tally.h"
 #include "standalone/data/active_data.h"
 #include "standalone/output/content_text.h"
-#include "standalone/output/number_text.h"
+#include "standalone/text/numbers.h"
 #include "standalone/text/suggestion.h"
 
 namespace standalone {

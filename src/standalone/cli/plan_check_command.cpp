@@ -12,6 +12,7 @@
 #include "standalone/files/data_reader.h"
 #include "standalone/output/json_writer.h"
 #include "standalone/session/embedded_session.h"
+#include "standalone/text/ascii.h"
 #include "standalone/text/terminal_text.h"
 
 namespace standalone {

@@ -8,8 +8,9 @@
 #include "standalone/cli/arguments.h"
 #include "standalone/cli/plan_words.h"
 #include "standalone/output/json_writer.h"
-#include "standalone/output/number_text.h"
 #include "standalone/session/embedded_session.h"
+#include "standalone/text/ascii.h"
+#include "standalone/text/numbers.h"
 #include "standalone/text/terminal_text.h"
 
 namespace standalone {

@@ -5,6 +5,7 @@
 
 #include "host/data.h"
 #include "standalone/command/parser_keys.h"
+#include "standalone/text/ascii.h"
 #include "standalone/text/numbers.h"
 
 namespace standalone {
@@ -19,9 +20,6 @@ using host::TokenKind;
 constexpr std::size_t kMaxErrors = 10;
 constexpr std::size_t kShownLength = 40;
 
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 bool IsQuote(char c) {
   return c == '\'' || c == '"';
 }
@@ -63,10 +61,8 @@ OperatorCode CodeOfWord(std::string_view word) {
        {"WITH", OperatorCode::kWith},
        {"BY", OperatorCode::kBy},
        {"ALL", OperatorCode::kAll}}};
-  if (word.size() > 4) return OperatorCode::kNone;
-  const std::string upper = host::GetUpperString(word);
   for (const auto& [text, code] : kReserved) {
-    if (upper == text) return code;
+    if (IsSameWord(word, text)) return code;
   }
   return OperatorCode::kNone;
 }

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "host/command.h"
+#include "standalone/text/ascii.h"
 
 namespace host {
 
@@ -23,11 +24,7 @@ bool CopyText(const TokenInfoObj* token, bool isWanted, std::string& out) {
 }  // namespace
 
 std::string GetUpperString(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return upper;
+  return standalone::UpperOf(text);
 }
 
 std::string IntegerToString(long value) {

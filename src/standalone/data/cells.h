@@ -1,4 +1,4 @@
-// Texts and cells: blanks around a text, cutting without splitting a character, padding to a column's width.
+// Values as cells: a text padded to its column's width, a number.
 #pragma once
 
 #include <cstddef>
@@ -13,12 +13,6 @@ namespace standalone {
 /// of its variable, so that a file of few bytes could ask for very many.
 constexpr std::size_t kDictionaryRoom = std::size_t{256} << 20;
 
-/// The text without blanks and tabs at its ends.
-std::string_view TrimBlanks(std::string_view text);
-
-/// At most `bytes` bytes of a UTF-8 text, cut between characters.
-std::string_view CutText(std::string_view text, std::size_t bytes);
-
 /// Writes a string value of the given width: cut to the width, padded with blanks through all its cells.
 void PadText(std::string_view text, int width, host::OBS* cells);
 
@@ -30,8 +24,5 @@ std::string_view UnpaddedText(const host::OBS* cells, int width);
 
 /// A numeric value of its own.
 std::vector<host::OBS> NumberValue(double number);
-
-/// Offset of the first byte that is NUL or no part of valid UTF-8; the text's size when it is sound.
-std::size_t FindBadByte(std::string_view text);
 
 }  // namespace standalone

@@ -2,11 +2,12 @@
 
 #include <fmt/format.h>
 
-#include <cctype>
+#include <algorithm>
 #include <charconv>
 
 #include "standalone/data/cell_number.h"
 #include "standalone/data/slice_reader.h"
+#include "standalone/text/ascii.h"
 
 namespace standalone {
 
@@ -24,11 +25,8 @@ bool ToWhole(std::string_view text, int& number) {
 }  // namespace
 
 std::optional<host::VORN_Format> FormatFromText(std::string_view text) {
-  std::size_t letters = 0;
-  std::string name;
-  while (letters < text.size() && std::isalpha(static_cast<unsigned char>(text[letters])) != 0) {
-    name += static_cast<char>(std::toupper(static_cast<unsigned char>(text[letters++])));
-  }
+  const std::size_t letters = std::min(text.find_first_of("0123456789."), text.size());
+  const std::string name = UpperOf(text.substr(0, letters));
   const std::string_view digits = text.substr(letters);
   const std::size_t point = digits.find('.');
   host::VORN_Format format{5, 0, 0};

@@ -7,6 +7,7 @@
 #include "host/data.h"
 #include "standalone/data/cell_number.h"
 #include "standalone/data/cells.h"
+#include "standalone/text/ascii.h"
 
 namespace host {
 
@@ -36,8 +37,7 @@ long StringFromText(std::string_view text, int width, OBS* value) {
 /// `width` counts digits, two to a byte; blanks behind them stand for bytes that are blank.
 long StringFromHex(std::string_view text, int width, OBS* value) {
   if (text.size() > static_cast<std::size_t>(width)) return kTooLong;
-  while (text.ends_with(' '))
-    text.remove_suffix(1);
+  text = standalone::WithoutTrailingBlanks(text);
   if (text.size() % 2 != 0) return kBadText;
   std::string bytes;
   for (std::size_t i = 0; i < text.size(); i += 2) {
@@ -52,7 +52,7 @@ long StringFromHex(std::string_view text, int width, OBS* value) {
 }
 
 long NumberFromText(std::string_view text, OBS* value) {
-  const std::string_view trimmed = standalone::TrimBlanks(text);
+  const std::string_view trimmed = standalone::Trimmed(text);
   if (trimmed.empty() || trimmed == ".") {
     value->number = kSystemMissing;
     return kConverted;

@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "standalone/data/cell_number.h"
-#include "standalone/data/cells.h"
+#include "standalone/text/ascii.h"
 #include "standalone/text/utf8.h"
 
 namespace standalone {
@@ -112,7 +112,7 @@ const char* SliceReader::ReadCell(const char* place, std::size_t column) {
 bool SliceReader::ReadAsNumber(const Cell& cell, std::size_t column) {
   if (cell.hasDoubledQuotes) return false;
   ColumnPart& part = fParts[column];
-  const std::string_view text = TrimBlanks(cell.Raw());
+  const std::string_view text = Trimmed(cell.Raw());
   CellNumber number;
   if (IsEmptyNumber(text) || IsMissingText(text)) {
     part.cells[fNRows].number = host::kSystemMissing;
@@ -146,7 +146,7 @@ bool SliceReader::StoreText(const Cell& cell, std::size_t column, std::size_t ro
   }
   TextPlace place{static_cast<std::size_t>(cell.begin - fText.Begin()), cell.Raw().size(),
                   cell.hasDoubledQuotes};
-  if (!fbPlainNumbers && !cell.hasDoubledQuotes && IsMissingText(TrimBlanks(cell.Raw()))) {
+  if (!fbPlainNumbers && !cell.hasDoubledQuotes && IsMissingText(Trimmed(cell.Raw()))) {
     place.bytes = 0;
     width = 0;
   }

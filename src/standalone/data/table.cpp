@@ -2,13 +2,13 @@
 
 #include <cstring>
 
-#include "standalone/data/names.h"
+#include "standalone/text/ascii.h"
 
 namespace standalone {
 
 int Table::Find(std::string_view name) const {
   for (std::size_t i = 0; i < fColumns.size(); ++i) {
-    if (IsSameName(fColumns[i]->variable.GetName(), name)) return static_cast<int>(i);
+    if (IsSameWord(fColumns[i]->variable.GetName(), name)) return static_cast<int>(i);
   }
   return -1;
 }

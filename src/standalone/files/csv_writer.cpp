@@ -2,8 +2,6 @@
 
 #include <unistd.h>
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <filesystem>
 #include <system_error>
@@ -13,6 +11,8 @@
 #include "standalone/files/dictionary_check.h"
 #include "standalone/files/pending_file.h"
 #include "standalone/files/schema_writer.h"
+#include "standalone/text/numbers.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 
@@ -87,9 +87,7 @@ void DelimitedWriter::AppendNumber(const Column& column, std::size_t row) {
     return;
   }
   if (!std::isfinite(number)) fError = BadNumberClause(column, row);
-  std::array<char, 32> text;
-  const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
-  fLine.append(text.data(), end);
+  AppendShortest(fLine, number);
 }
 
 bool DelimitedWriter::NeedsQuotes(std::string_view text) const {

@@ -18,6 +18,7 @@
 #include "standalone/data/schema_columns.h"
 #include "standalone/data/table_schema.h"
 #include "standalone/files/vdt_reader.h"
+#include "standalone/text/ascii.h"
 #include "standalone/text/utf8.h"
 
 namespace standalone {
@@ -96,7 +97,7 @@ bool DelimitedReader::ReadHeader() {
   for (;; ++place) {
     Cell cell;
     if (const char* fault = scanner.Scan(place, cell)) return FailAt(cell.after, fault);
-    fHeaders.emplace_back(TrimBlanks(cell.Text()));
+    fHeaders.emplace_back(Trimmed(cell.Text()));
     if (fHeaders.size() > kMostColumns) {
       return FailAt(place, fmt::format("more than {} columns; split the file", kMostColumns));
     }

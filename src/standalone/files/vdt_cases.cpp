@@ -7,6 +7,7 @@
 
 #include "standalone/data/cells.h"
 #include "standalone/files/dictionary_check.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

@@ -10,6 +10,7 @@
 #include "standalone/files/dictionary_check.h"
 #include "standalone/files/pending_file.h"
 #include "standalone/files/vdt_layout.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

@@ -10,6 +10,7 @@
 #include "standalone/output/catalogue.h"
 #include "standalone/output/number_text.h"
 #include "standalone/output/template.h"
+#include "standalone/text/ascii.h"
 
 namespace host {
 
@@ -60,12 +61,6 @@ template <class... Fs>
 Overloaded(Fs...) -> Overloaded<Fs...>;
 
 using CompositePointer = std::shared_ptr<const host::BpComposite>;
-
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
 
 std::string WithLineFeeds(std::string text) {
   std::size_t to = 0;
@@ -149,7 +144,7 @@ std::string VariableText(const host::VORN_Variable& variable, host::BpShow show)
 std::string ValueText(const host::VORN_Variable& variable, const host::OBS* cells) {
   std::string text;
   if (host::ToString(cells, variable.GetFormat(), text) != 0) return {};
-  return std::string(Trimmed(text));
+  return std::string(Trimmed(text, " "));
 }
 
 std::string TextOf(const host::BpCellText& content) {

@@ -3,8 +3,8 @@
 #include <ostream>
 #include <string>
 
-#include "standalone/output/number_text.h"
-#include "standalone/text/terminal_text.h"
+#include "standalone/text/numbers.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

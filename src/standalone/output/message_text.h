@@ -14,7 +14,4 @@ namespace standalone {
 /// harmless.
 void WriteMessage(std::ostream& stream, const Message& message);
 
-/// The lines of a text, without their line feeds; none for an empty text.
-std::vector<std::string> LinesOf(std::string_view text);
-
 }  // namespace standalone

@@ -5,7 +5,7 @@
 
 #include "standalone/output/renderers.h"
 #include "standalone/output/table_layout.h"
-#include "standalone/text/terminal_text.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
-#include "standalone/output/message_text.h"
+#include "standalone/text/ascii.h"
 #include "standalone/text/terminal_text.h"
 
 namespace standalone {

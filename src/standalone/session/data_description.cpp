@@ -7,8 +7,8 @@
 #include "standalone/data/format_names.h"
 #include "standalone/output/content_text.h"
 #include "standalone/output/json_writer.h"
-#include "standalone/output/number_text.h"
 #include "standalone/output/pivot_builder.h"
+#include "standalone/text/numbers.h"
 
 namespace standalone {
 

@@ -47,16 +47,6 @@ void WriteMessage(std::ostream& stream, const Message& message) {
   stream.flush();
 }
 
-std::vector<std::string> LinesOf(std::string_view text) {
-  std::vector<std::string> lines;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    lines.emplace_back(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
-  return lines;
-}
-
 }  // namespace standalone
 
 namespace host {

@@ -128,6 +128,16 @@ std::vector<std::string> Wrap(std::string_view text, std::size_t width) {
   return wrapper.Take();
 }
 
+std::vector<std::string> LinesOf(std::string_view text) {
+  std::vector<std::string> lines;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    lines.emplace_back(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return lines;
+}
+
 std::string WithoutControls(std::string_view text) {
   std::string out;
   for (std::size_t at = 0; at < text.size();) {
@@ -141,22 +151,6 @@ std::string WithoutControls(std::string_view text) {
     at += next.length;
   }
   return out;
-}
-
-std::string ValidUtf8(std::string_view text) {
-  std::string out;
-  for (std::size_t at = 0; at < text.size();) {
-    const Utf8Character next = DecodeUtf8(text, at);
-    out += next.valid ? text.substr(at, next.length) : std::string_view("\xEF\xBF\xBD");
-    at += next.length;
-  }
-  return out;
-}
-
-std::string WithoutTrailingBlanks(std::string text) {
-  while (!text.empty() && text.back() == ' ')
-    text.pop_back();
-  return text;
 }
 
 }  // namespace standalone

@@ -1,4 +1,4 @@
-// Text on a grid of characters: widths, padding, wrapping.
+// Text on a grid of characters, as a terminal shows it: widths, padding, lines.
 #pragma once
 
 #include <cstddef>
@@ -24,13 +24,10 @@ std::string PadCentre(std::string_view text, std::size_t width);
 /// own and is cut into pieces when it is longer than a line. At least one line, maybe empty.
 std::vector<std::string> Wrap(std::string_view text, std::size_t width);
 
+/// The lines of a text as they stand, without their line feeds; none for an empty text.
+std::vector<std::string> LinesOf(std::string_view text);
+
 /// Control characters other than line feeds become "?", so that a text from a file can't steer a terminal.
 std::string WithoutControls(std::string_view text);
-
-/// Valid UTF-8: each invalid byte becomes U+FFFD.
-std::string ValidUtf8(std::string_view text);
-
-/// Without the blanks at the end.
-std::string WithoutTrailingBlanks(std::string text);
 
 }  // namespace standalone

@@ -1,5 +1,9 @@
 #include "standalone/text/utf8.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
 namespace standalone {
 
 namespace {
@@ -19,6 +23,15 @@ bool IsLegalCode(char32_t code, std::size_t length) {
   if (length == 3) return code >= 0x800 && (code < 0xD800 || code > 0xDFFF);
   if (length == 4) return code >= 0x10000 && code <= 0x10FFFF;
   return true;
+}
+
+/// True for 8 bytes that are all ASCII and none of them NUL.
+bool IsPlainWord(const char* bytes) {
+  constexpr std::uint64_t kLow = 0x0101010101010101u;
+  constexpr std::uint64_t kHigh = 0x8080808080808080u;
+  std::uint64_t word;
+  std::memcpy(&word, bytes, sizeof word);
+  return ((word | (word - kLow)) & kHigh) == 0;  // a byte of 0 borrows and shows its high bit
 }
 
 }  // namespace
@@ -53,6 +66,39 @@ std::u32string DecodeAll(std::string_view text) {
     offset += character.length;
   }
   return codes;
+}
+
+std::size_t FindBadByte(std::string_view text) {
+  std::size_t offset = 0;
+  while (offset < text.size()) {
+    while (text.size() - offset >= 8 && IsPlainWord(text.data() + offset))
+      offset += 8;
+    const std::size_t stop = std::min(offset + 8, text.size());
+    while (offset < stop) {
+      const Utf8Character character = DecodeUtf8(text, offset);
+      if (!character.valid || character.code == 0) return offset;
+      offset += character.length;
+    }
+  }
+  return text.size();
+}
+
+std::string ValidUtf8(std::string_view text) {
+  std::string out;
+  for (std::size_t at = 0; at < text.size();) {
+    const Utf8Character next = DecodeUtf8(text, at);
+    out += next.valid ? text.substr(at, next.length) : std::string_view("\xEF\xBF\xBD");
+    at += next.length;
+  }
+  return out;
+}
+
+std::string_view CutText(std::string_view text, std::size_t bytes) {
+  if (text.size() <= bytes) return text;
+  std::size_t end = bytes;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+    --end;
+  return text.substr(0, end);
 }
 
 std::string Shortened(std::string_view text, std::size_t limit) {

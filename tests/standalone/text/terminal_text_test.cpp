@@ -7,7 +7,7 @@ namespace {
 using namespace standalone;
 using Lines = std::vector<std::string>;
 
-TEST(PlainText, WidthCountsColumnsOfATerminal) {
+TEST(TerminalText, WidthCountsColumnsOfATerminal) {
   EXPECT_EQ(DisplayWidth("abc"), 3u);
   EXPECT_EQ(DisplayWidth("Größe"), 5u);
   EXPECT_EQ(DisplayWidth("e\xCC\x81"), 1u);  // e and a combining accent
@@ -15,21 +15,21 @@ TEST(PlainText, WidthCountsColumnsOfATerminal) {
   EXPECT_EQ(DisplayWidth("\xff"), 1u);
 }
 
-TEST(PlainText, PaddingReachesTheWidthAndNeverCuts) {
+TEST(TerminalText, PaddingReachesTheWidthAndNeverCuts) {
   EXPECT_EQ(PadLeft("ü", 3), "  ü");
   EXPECT_EQ(PadRight("ü", 3), "ü  ");
   EXPECT_EQ(PadCentre("ab", 5), " ab  ");
   EXPECT_EQ(PadLeft("abcd", 3), "abcd");
 }
 
-TEST(PlainText, CuttingLeavesASignInThePlaceOfTheRest) {
+TEST(TerminalText, CuttingLeavesASignInThePlaceOfTheRest) {
   EXPECT_EQ(CutToWidth("abcdef", 4), "abc…");
   EXPECT_EQ(CutToWidth("abcd", 4), "abcd");
   EXPECT_EQ(CutToWidth("äöü", 1), "…");
   EXPECT_EQ(CutToWidth("a", 0), "");
 }
 
-TEST(PlainText, WrappingBreaksAtBlanksAndLineFeeds) {
+TEST(TerminalText, WrappingBreaksAtBlanksAndLineFeeds) {
   EXPECT_EQ(Wrap("one two three", 7), (Lines{"one two", "three"}));
   EXPECT_EQ(Wrap("a\nb", 7), (Lines{"a", "b"}));
   EXPECT_EQ(Wrap("", 7), (Lines{""}));
@@ -38,7 +38,7 @@ TEST(PlainText, WrappingBreaksAtBlanksAndLineFeeds) {
   EXPECT_EQ(Wrap("日本語", 2), (Lines{"日", "本", "語"}));
 }
 
-TEST(PlainText, NoLineIsWiderThanTheWidthAndNoWordIsLost) {
+TEST(TerminalText, NoLineIsWiderThanTheWidthAndNoWordIsLost) {
   const std::string text = "Difference (Estimate - Hypothesized) of a verylongwordthatmustbecut somewhere";
   for (std::size_t width = 1; width < 40; ++width) {
     std::string joined;
@@ -53,9 +53,14 @@ TEST(PlainText, NoLineIsWiderThanTheWidthAndNoWordIsLost) {
   }
 }
 
-TEST(PlainText, ControlCharactersCannotReachATerminal) {
+TEST(TerminalText, ControlCharactersCannotReachATerminal) {
   EXPECT_EQ(WithoutControls("a\x1b[2Jb\tc\nd\xff\xc2\x9b"), "a?[2Jb?c\nd??");
-  EXPECT_EQ(ValidUtf8("a\xff\xc3\xa4"), "a\xEF\xBF\xBD\xc3\xa4");
+}
+
+TEST(TerminalText, LinesStandAsTheyAreBrokenAndAnEmptyTextHasNone) {
+  EXPECT_EQ(LinesOf("a\n\nb"), (Lines{"a", "", "b"}));
+  EXPECT_EQ(LinesOf("a\n"), (Lines{"a"}));
+  EXPECT_EQ(LinesOf(""), Lines{});
 }
 
 }  // namespace
