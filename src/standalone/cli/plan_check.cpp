@@ -5,7 +5,7 @@
 
 #include "standalone/cli/stage_value.h"
 #include "standalone/cli/unit_tally.h"
-#include "standalone/data/active_data.h"
+#include "standalone/data/table.h"
 #include "standalone/output/content_text.h"
 #include "standalone/text/numbers.h"
 #include "standalone/text/suggestion.h"

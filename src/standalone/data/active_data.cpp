@@ -1,4 +1,4 @@
-#include "standalone/data/active_data.h"
+#include "standalone/data/table.h"
 
 #include <algorithm>
 #include <cstring>

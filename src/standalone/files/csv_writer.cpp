@@ -8,9 +8,8 @@
 
 #include "standalone/data/cells.h"
 #include "standalone/data/table_schema.h"
+#include "standalone/files/atomic_file.h"
 #include "standalone/files/dictionary_check.h"
-#include "standalone/files/pending_file.h"
-#include "standalone/files/schema_writer.h"
 #include "standalone/text/numbers.h"
 #include "standalone/text/utf8.h"
 

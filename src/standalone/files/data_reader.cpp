@@ -10,14 +10,13 @@
 
 #include "standalone/data/cell_scanner.h"
 #include "standalone/data/cells.h"
-#include "standalone/data/file_ending.h"
 #include "standalone/data/file_text.h"
 #include "standalone/data/names.h"
 #include "standalone/data/read_columns.h"
 #include "standalone/data/row_slices.h"
 #include "standalone/data/schema_columns.h"
 #include "standalone/data/table_schema.h"
-#include "standalone/files/vdt_reader.h"
+#include "standalone/files/vdt_file.h"
 #include "standalone/text/ascii.h"
 #include "standalone/text/utf8.h"
 
@@ -189,6 +188,14 @@ ReadResult Failure(std::string error) {
 }
 
 }  // namespace
+
+DataFileForm DataFileFormOf(const std::string& path) {
+  const std::string ending = UpperOf(fs::path(path).extension().string());
+  if (ending == ".CSV") return DataFileForm::kCommas;
+  if (ending == ".TSV") return DataFileForm::kTabs;
+  if (ending == ".VDT") return DataFileForm::kCaseFile;
+  return DataFileForm::kUnknown;
+}
 
 ReadResult ReadDataFile(const ReadOptions& options) {
   const DataFileForm form = DataFileFormOf(options.path);

@@ -1,4 +1,4 @@
-// Reading a data file into a table.
+// Reading a data file into a table; the forms of data files.
 #pragma once
 
 #include <string>
@@ -7,6 +7,12 @@
 #include "standalone/data/table.h"
 
 namespace standalone {
+
+/// What a data file's ending says of its form.
+enum class DataFileForm { kUnknown, kCommas, kTabs, kCaseFile };
+
+/// The form by the ending, in any case: .csv, .tsv, .vdt.
+DataFileForm DataFileFormOf(const std::string& path);
 
 struct ReadOptions {
   std::string path;

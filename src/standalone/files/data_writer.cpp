@@ -6,10 +6,10 @@
 #include <new>
 #include <system_error>
 
-#include "standalone/data/file_ending.h"
 #include "standalone/files/csv_writer.h"
+#include "standalone/files/data_reader.h"
 #include "standalone/files/dictionary_check.h"
-#include "standalone/files/vdt_writer.h"
+#include "standalone/files/vdt_file.h"
 
 namespace standalone {
 

@@ -1,4 +1,4 @@
-#include "standalone/files/schema_writer.h"
+#include "standalone/files/csv_writer.h"
 
 #include <algorithm>
 #include <limits>

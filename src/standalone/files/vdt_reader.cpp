@@ -1,4 +1,4 @@
-#include "standalone/files/vdt_reader.h"
+#include "standalone/files/vdt_file.h"
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "standalone/files/vdt_writer.h"
+#include "standalone/files/vdt_file.h"
 
 #include <fmt/format.h>
 
@@ -6,9 +6,9 @@
 
 #include "standalone/data/cells.h"
 #include "standalone/data/format_names.h"
+#include "standalone/files/atomic_file.h"
 #include "standalone/files/database.h"
 #include "standalone/files/dictionary_check.h"
-#include "standalone/files/pending_file.h"
 #include "standalone/files/vdt_layout.h"
 #include "standalone/text/utf8.h"
 

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "host/files.h"
-#include "standalone/data/active_data.h"
+#include "standalone/data/table.h"
 #include "standalone/output/catalogue.h"
 #include "standalone/output/message_text.h"
 #include "standalone/output/pivot_builder.h"

@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "standalone/data/active_data.h"
 #include "standalone/data/cells.h"
 #include "standalone/data/table.h"
 

@@ -13,10 +13,10 @@
 
 #include "sample_tables.h"
 #include "standalone/data/cells.h"
+#include "standalone/files/atomic_file.h"
 #include "standalone/files/csv_writer.h"
 #include "standalone/files/data_reader.h"
 #include "standalone/files/data_writer.h"
-#include "standalone/files/pending_file.h"
 #include "test_folder.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// Reading case files (.vdt).
+// Case files (.vdt): reading and writing them whole.
 #pragma once
 
 #include <string>
@@ -11,5 +11,9 @@ namespace standalone {
 /// for much more memory than its size justifies is refused with a reason. Throws std::bad_alloc when memory
 /// runs out.
 ReadResult ReadVdt(const std::string& path);
+
+/// Writes a table as a case file, whole or not at all. The result says what went wrong, as a clause; empty on
+/// success. The dictionary must be sound (`DictionaryFault`).
+std::string WriteVdt(const std::string& path, const Table& table);
 
 }  // namespace standalone
