@@ -4,7 +4,7 @@
 
 #include "standalone/files/data_reader.h"
 #include "standalone/files/data_writer.h"
-#include "standalone/output/message_text.h"
+#include "standalone/output/message.h"
 
 namespace standalone {
 

@@ -3,8 +3,8 @@
 #include <iostream>
 
 #include "standalone/files/data_reader.h"
-#include "standalone/output/message_text.h"
-#include "standalone/session/data_description.h"
+#include "standalone/output/message.h"
+#include "standalone/output/data_description.h"
 
 namespace standalone {
 

@@ -72,4 +72,8 @@ bool CommandOutput::HasMessage(const std::string& key) const {
   return std::any_of(messages.begin(), messages.end(), [&](const Message& m) { return m.key == key; });
 }
 
+std::string CommandOutput::Title() const {
+  return name.empty() ? "Command without a name" : name;
+}
+
 }  // namespace standalone

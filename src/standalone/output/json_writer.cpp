@@ -62,6 +62,24 @@ void JsonWriter::Null() {
   fOut << "null";
 }
 
+void JsonWriter::TextMember(std::string_view key, std::string_view text) {
+  Key(key);
+  Text(text);
+}
+
+void JsonWriter::NumberMember(std::string_view key, double value) {
+  Key(key);
+  Number(value);
+}
+
+void JsonWriter::TextsMember(std::string_view key, const std::vector<std::string>& texts) {
+  Key(key);
+  BeginArray();
+  for (const std::string& text : texts)
+    Text(text);
+  EndArray();
+}
+
 void JsonWriter::Quote(std::string_view text) {
   static constexpr char kHex[] = "0123456789abcdef";
   std::string quoted = "\"";

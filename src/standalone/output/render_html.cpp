@@ -214,7 +214,7 @@ void WriteNotes(std::ostream& out, const std::vector<CommandNote>& notes) {
 }
 
 void WriteCommand(std::ostream& out, const CommandOutput& command, std::size_t& tableNumber) {
-  out << "<section>\n<header><h1>" << Escaped(command.name) << "</h1><p>"
+  out << "<section>\n<header><h1>" << Escaped(command.Title()) << "</h1><p>"
       << fmt::format("{:.2f} s", command.seconds) << (command.failed ? ", ended with an error" : "")
       << "</p></header>\n";
   WriteMessages(out, command.messages);

@@ -23,10 +23,10 @@ std::optional<OutputFormat> FormatOfFile(std::string_view path) {
   return std::nullopt;
 }
 
-void Render(std::ostream& out, const Document& document, OutputFormat format) {
+void Render(std::ostream& out, const Document& document, OutputFormat format, const TextOptions& options) {
   switch (format) {
     case OutputFormat::kText:
-      RenderText(out, document);
+      RenderText(out, document, options);
       break;
     case OutputFormat::kMarkdown:
       RenderMarkdown(out, document);

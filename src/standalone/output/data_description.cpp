@@ -1,4 +1,4 @@
-#include "standalone/session/data_description.h"
+#include "standalone/output/data_description.h"
 
 #include <fmt/format.h>
 
@@ -104,15 +104,10 @@ void DescribeDocuments(const Table& table, host::BpHeading& heading) {
     rows.Category(host::Plain(std::to_string(++number))).Cell(host::Plain(line));
 }
 
+/// A member that is left out when it holds nothing.
 void WriteText(JsonWriter& json, std::string_view key, const std::string& text) {
   if (text.empty()) return;
-  json.Key(key);
-  json.Text(text);
-}
-
-void WriteNumber(JsonWriter& json, std::string_view key, double number) {
-  json.Key(key);
-  json.Number(number);
+  json.TextMember(key, text);
 }
 
 void WriteValue(JsonWriter& json, const VORN_Variable& variable, const std::vector<host::OBS>& value) {
@@ -134,8 +129,8 @@ void WriteMissing(JsonWriter& json, const VORN_Variable& variable) {
     WriteValue(json, variable, value);
   json.EndArray();
   if (missing.hasRange) {
-    WriteNumber(json, "low", missing.rangeLow);
-    WriteNumber(json, "high", missing.rangeHigh);
+    json.NumberMember("low", missing.rangeLow);
+    json.NumberMember("high", missing.rangeHigh);
   }
   json.EndObject();
 }
@@ -145,7 +140,7 @@ void WriteVariable(JsonWriter& json, const VORN_Variable& variable) {
   WriteText(json, "name", variable.GetName());
   WriteText(json, "label", variable.GetLabel());
   WriteText(json, "type", variable.IsNumeric() ? "number" : "string");
-  if (!variable.IsNumeric()) WriteNumber(json, "width", variable.GetType());
+  if (!variable.IsNumeric()) json.NumberMember("width", variable.GetType());
   WriteText(json, "format", FormatText(variable.GetFormat()));
   WriteText(json, "measure", MeasureName(variable.GetMeasurementLevel()));
   if (const auto& pairs = variable.GetValueLabels().Pairs(); !pairs.empty()) {
@@ -180,7 +175,7 @@ void DescribeDataAsJson(std::ostream& out, const std::string& version, const std
   json.BeginObject(true);
   WriteText(json, "tavoreg", version);
   WriteText(json, "file", path);
-  WriteNumber(json, "cases", static_cast<double>(table.CaseCount()));
+  json.NumberMember("cases", static_cast<double>(table.CaseCount()));
   json.Key("variables");
   json.BeginArray(true);
   for (std::size_t i = 0; i < table.ColumnCount(); ++i)

@@ -1,4 +1,4 @@
-#include "standalone/session/data_description.h"
+#include "standalone/output/data_description.h"
 
 #include <gtest/gtest.h>
 
