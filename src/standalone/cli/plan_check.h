@@ -6,10 +6,25 @@
 #include <vector>
 
 #include "module/command/plan/plan_data.h"
-#include "standalone/cli/plan_finding.h"
 #include "standalone/data/table.h"
 
 namespace standalone {
+
+/// What speaks against running a plan on data.
+struct PlanFinding {
+  bool stopsRun = false;  // otherwise the run goes on with results that may be wrong
+  std::string text;
+  std::vector<std::string> examples;  // the first ones
+  std::size_t more = 0;               // examples that are left out
+
+  /// True when there is room for one more example; otherwise it is counted.
+  bool TakesExample() {
+    constexpr std::size_t kMostExamples = 20;
+    if (examples.size() < kMostExamples) return true;
+    ++more;
+    return false;
+  }
+};
 
 /// What the data have of a stage.
 struct StageCounts {

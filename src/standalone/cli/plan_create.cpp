@@ -1,5 +1,4 @@
-#include "standalone/cli/plan_create.h"
-
+// tavoreg plan create
 #include <chrono>
 #include <cmath>
 #include <ctime>
@@ -12,7 +11,7 @@
 #include "module/command/plan/plan_methods.h"
 #include "module/command/plan/plan_reader.h"
 #include "module/command/plan/plan_writer.h"
-#include "standalone/cli/arguments.h"
+#include "standalone/cli/commands.h"
 #include "standalone/cli/plan_matrix_file.h"
 #include "standalone/files/atomic_file.h"
 #include "standalone/session/embedded_session.h"

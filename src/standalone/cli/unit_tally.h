@@ -19,7 +19,7 @@ class UnitTally {
     bool hasUnequalValues = false;
   };
 
-  /// The cases come from `iterator`, which is lent. Without cluster variables each case is a unit.
+  /// The cases come from `iterator`, which is not owned. Without cluster variables each case is a unit.
   UnitTally(const host::VORN_DataSource& source, const host::VORN_InputCaseIterator& iterator,
             const std::vector<int>& strata, const std::vector<int>& clusters);
 
