@@ -108,7 +108,7 @@ inline BpString Plain(std::string text) {
   return {std::move(text), false};
 }
 
-/// One category of a dimension. All handles below are lent by their table and live as long as it.
+/// One category of a dimension. All handles below are owned by their table and live as long as it.
 class BpCategory {
  public:
   virtual ~BpCategory() = default;

@@ -164,6 +164,7 @@ class PlanBuilder {
 std::string Now() {
   const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
   std::tm parts{};
+  // Universal time, so that plans made in different places can be put in order.
   ::gmtime_r(&now, &parts);
   char text[32];
   return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts)};

@@ -36,6 +36,8 @@ struct PlanContent {
 
 using Entry = PlanStatus (OrvPlanReader::*)(const std::string&);
 
+/// Reads twice: the checked reader hands out nothing of a faulty plan, which is what this command is asked
+/// about.
 std::optional<Section> ReadSection(const std::string& path, Entry unchecked, Entry checked) {
   Section section;
   if ((OrvPlanReader(section.plan).*unchecked)(path) != PlanStatus::kOK) return std::nullopt;

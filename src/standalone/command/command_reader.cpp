@@ -101,6 +101,7 @@ void CommandReader::ReadNext() {
   const char c = fCursor.Byte();
   if (fCursor.AtLineEnd()) return EndLine();
   if (IsBlank(c)) return SkipBlank();
+  // A line with nothing but a comment is not blank, so comments may stand between the lines of a command.
   fbLineHasContent = true;
   if (fCursor.StartsWith("/*")) return SkipComment();
   if (IsQuote(c)) return ReadLiteral();
@@ -165,6 +166,7 @@ void CommandReader::ReadLiteral() {
   std::string text;
   fLastByte = '\0';
   fCursor.Advance();
+  // A literal ends on its line: a forgotten quote must not swallow the commands that follow.
   while (!fCursor.AtEnd() && !fCursor.AtLineEnd()) {
     if (fCursor.Byte() == quote) {
       fCursor.Advance();
@@ -199,6 +201,7 @@ void CommandReader::ReadPiece() {
   SourcePosition position = fCursor.Since(start);
   fLastByte = piece.back();
 
+  // Only at the end of a line: elsewhere a period belongs to the number or the file name that it stands in.
   const bool endsCommand = piece.back() == '.' && RestOfLineIsBlank();
   if (endsCommand) {
     piece.remove_suffix(1);
@@ -243,6 +246,7 @@ void CommandReader::AddPiece(std::string_view piece, const SourcePosition& posit
     AddToken(host::ValidateVORNName(piece) ? TokenKind::kName : TokenKind::kWord, piece, position);
     const OperatorCode reserved = CodeOfWord(piece);
     if (reserved == OperatorCode::kNone) return;
+    // Reserved words never name a variable, so that "y WITH x" can be read without a dictionary.
     fCommand.tokens.back().kind = TokenKind::kWord;
     fCommand.tokens.back().code = reserved;
     return;

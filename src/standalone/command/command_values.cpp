@@ -72,6 +72,7 @@ bool ParamObj::getStringOrLiteral(std::string& out) const {
   return getStringGeneric(out) || getLiteral(out);
 }
 
+// A file name needs quotes only when it holds what would cut it.
 bool ParamObj::getFilePath(std::string& out) const {
   return getStringOrLiteral(out);
 }

@@ -10,6 +10,7 @@ namespace standalone {
 
 void PadText(std::string_view text, int width, host::OBS* cells) {
   const std::string_view kept = CutText(text, static_cast<std::size_t>(width));
+  // Through all cells, beyond the width: values are compared and hashed cell by cell.
   const std::size_t bytes = static_cast<std::size_t>(host::CellCount(width)) * sizeof(host::OBS);
   char* out = reinterpret_cast<char*>(cells);
   std::memset(std::copy(kept.begin(), kept.end(), out), ' ', bytes - kept.size());

@@ -9,6 +9,8 @@
 
 namespace standalone {
 
+constexpr std::size_t kWidestText = 32767;  // bytes of a string variable
+
 /// Bytes that the values in one dictionary (value labels, missing values) may take. Each takes the full width
 /// of its variable, so that a file of few bytes could ask for very many.
 constexpr std::size_t kDictionaryRoom = std::size_t{256} << 20;

@@ -6,7 +6,7 @@
 #include <charconv>
 
 #include "standalone/data/cell_number.h"
-#include "standalone/data/slice_reader.h"
+#include "standalone/data/cells.h"
 #include "standalone/text/ascii.h"
 
 namespace standalone {
@@ -41,6 +41,7 @@ std::optional<host::VORN_Format> FormatFromText(std::string_view text) {
   if (point != std::string_view::npos) return std::nullopt;
   format.type = name == "A" ? 1 : 2;
   if (name != "A" && (name != "AHEX" || format.width % 2 != 0)) return std::nullopt;
+  // AHEX shows each byte as two digits.
   const int bytes = name == "A" ? format.width : format.width / 2;
   return bytes <= static_cast<int>(kWidestText) ? std::optional(format) : std::nullopt;
 }

@@ -66,6 +66,7 @@ long NumberFromText(std::string_view text, OBS* value) {
 std::string TextFromNumber(double number, int decimals) {
   std::string text = fmt::format("{:.{}f}", number, std::clamp(decimals, 0, standalone::kMostDecimals));
   if (text.size() > kLongFixed) return fmt::format("{}", number);
+  // A zero that keeps the sign of what was rounded away would look like a value below 0.
   const bool isZero = text.find_first_of("123456789") == std::string::npos;
   if (isZero && text.front() == '-') text.erase(0, 1);
   return text;

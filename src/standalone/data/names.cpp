@@ -34,6 +34,7 @@ bool IsReservedWord(std::string_view name) {
 /// A legal name from a header text; `place` counts from 1 and names a column without a text.
 std::string MakeLegal(std::string_view header, std::size_t place) {
   if (header.empty()) return "V" + std::to_string(place);
+  // A header may be as long as its file; what lies that far behind is cut off in any case.
   std::string name(CutText(header, 4 * kLongestName));
   std::replace_if(
       name.begin(), name.end(), [](char c) { return !IsNameCharacter(c); }, '_');

@@ -95,6 +95,7 @@ std::string ApplyMissing(const SchemaField& field, host::VORN_Variable& variable
   if (field.blankMissing && variable.IsNumeric())
     return "x-blank-missing is for strings, but the variable is numeric";
   host::VORN_MissingValues missing;
+  // What was guessed from the file holds unless the schema says otherwise.
   if (field.blankMissing.value_or(true)) missing = variable.GetMissingValues();  // a blank, for strings
   for (const SchemaValue& value : field.missingValues) {
     if (variable.IsNumeric() ? IsEmptyText(value) : Trimmed(value.text).empty() && !value.isNumber) continue;

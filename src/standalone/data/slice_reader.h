@@ -8,12 +8,11 @@
 
 #include "host/data.h"
 #include "standalone/data/cell_scanner.h"
+#include "standalone/data/cells.h"
 #include "standalone/data/file_text.h"
 #include "standalone/data/row_slices.h"
 
 namespace standalone {
-
-constexpr std::size_t kWidestText = 32767;  // bytes of a string variable
 
 /// What a column must or may hold. A guessed column is numeric until a cell is met that is no number.
 struct ColumnRule {
@@ -54,7 +53,7 @@ struct TextPlace {
 
 class SliceReader {
  public:
-  /// Lends everything. `parts` has one entry per column, with room for the slice's rows.
+  /// Owns none of these. `parts` has one entry per column, with room for the slice's rows.
   SliceReader(const FileText& text, const CellScanner& scanner, const ReadRules& rules, const RowSlice& slice,
               std::vector<ColumnPart> parts);
 

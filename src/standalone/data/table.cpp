@@ -7,6 +7,7 @@
 namespace standalone {
 
 int Table::Find(std::string_view name) const {
+  // Commands name few variables, and procedures add columns and name them later, so no index is kept.
   for (std::size_t i = 0; i < fColumns.size(); ++i) {
     if (IsSameWord(fColumns[i]->variable.GetName(), name)) return static_cast<int>(i);
   }

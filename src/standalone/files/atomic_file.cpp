@@ -33,6 +33,7 @@ fs::path Resolved(const fs::path& target) {
 mode_t PermissionsFor(const fs::path& target) {
   struct stat status {};
   if (::stat(target.c_str(), &status) == 0) return status.st_mode & 07777;
+  // The mask can only be asked for by setting it.
   const mode_t mask = ::umask(0);
   ::umask(mask);
   return 0666 & ~mask;
@@ -51,6 +52,8 @@ void SyncFolder(const fs::path& file) {
 }  // namespace
 
 PendingFile::PendingFile(const fs::path& target) : fTarget(Resolved(target)) {
+  // Beside the target, since a file can be renamed within one file system only; hidden, since for a while
+  // it is half a file.
   const std::string stem = fTarget.filename().string().substr(0, kLongestStem);
   std::string name = (fTarget.parent_path() / ("." + stem + ".XXXXXX")).string();
   fHandle = ::mkostemp(name.data(), O_CLOEXEC);
@@ -87,6 +90,8 @@ bool PendingFile::Flush() {
 
 bool PendingFile::Complete() {
   if (!fError.empty() || !Flush()) return false;
+  // First the bytes, then the name (in Publish): after a crash the other order can leave a file of the
+  // right name without content. EINVAL: a file system that knows no syncing.
   if (::fsync(fHandle) != 0 && errno != EINVAL) return Fail(errno);
   // Where permissions can't be set, the file stays private to its owner, which harms nobody.
   if (::fchmod(fHandle, PermissionsFor(fTarget)) != 0) errno = 0;
@@ -133,6 +138,7 @@ std::string WriteFileAtomically(const fs::path& target, const std::function<void
   std::error_code ignored;
   const fs::path resolved = fs::is_symlink(target, ignored) ? fs::weakly_canonical(target, ignored) : target;
   const fs::file_status status = fs::status(resolved, ignored);
+  // Renaming over a device or a pipe would replace it by a file.
   const bool isSpecial = fs::exists(status) && !fs::is_regular_file(status) && !fs::is_directory(status);
   const std::string error = fs::is_directory(status) ? "it is a folder"
                             : isSpecial              ? WriteStream(resolved, write)
@@ -154,6 +160,7 @@ bool WriteTextFile(std::string_view name, const std::function<bool(std::ostream&
   bool gaveUp = false;
   const auto writeAll = [&](std::ostream& out) {
     gaveUp = !write(out);
+    // A failed stream keeps the file from being put in place.
     if (gaveUp) out.setstate(std::ios::failbit);
   };
   error = standalone::WriteFileAtomically(BEPesGetInputPath(name), writeAll);

@@ -53,6 +53,7 @@ bool UserCaseFileSpec::Init(std::string name, bool isLiteral, bool forOutput) {
 
 bool UserCaseFileSpec::IsValid() const {
   if (!fIsInit || !CheckFileRef(fName)) return false;
+  // Writing goes through a new file in the same folder, so the folder's permissions count, not the file's.
   return !fForOutput || ::access(FolderOf(PathOf(fName)).c_str(), W_OK | X_OK) == 0;
 }
 

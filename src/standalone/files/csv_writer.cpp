@@ -168,6 +168,7 @@ std::string WriteDelimited(const std::string& path, char delimiter, const Table&
   if (std::string error = DelimitedWriter(data, delimiter, table).Write(); !error.empty()) return error;
   if (!data.Complete()) return data.Error();
 
+  // Both files are complete and on the disk now: nearly all that can fail has failed by then.
   KeptFile before(schemaPath);
   if (!schema.Publish()) return "its schema " + schemaPath + ": " + schema.Error();
   if (!data.Publish()) before.Restore();

@@ -26,6 +26,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// Beyond any survey: a file whose line feeds got lost must not become as many variables.
 constexpr std::size_t kMostColumns = 100000;
 constexpr std::size_t kListedRenames = 50;
 constexpr std::size_t kShownHeader = 80;  // characters of a header text in a message
@@ -79,6 +80,7 @@ bool DelimitedReader::ReadText() {
     return Fail(
         fmt::format("{}: the file is empty; its first line must hold the variables' names", fOptions.path));
   }
+  // Checked in one go before anything is read, so that all that follows may take valid UTF-8 for granted.
   const std::size_t bad = FindBadByteInParts(fText.View(), std::max(fOptions.threads, 1));
   if (bad == fText.Size()) return true;
   const char* place = fText.Begin() + bad;

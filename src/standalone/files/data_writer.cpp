@@ -31,6 +31,7 @@ std::string NameFault(const std::string& path) {
 }
 
 std::string Write(const std::string& path, const Table& table) {
+  // Asked again, although the program asks before a run: what is at the path may have changed since.
   if (std::string fault = NameFault(path); !fault.empty()) return fault;
   if (std::string fault = DictionaryFault(table); !fault.empty()) return fault;
   const DataFileForm form = DataFileFormOf(path);

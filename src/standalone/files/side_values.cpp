@@ -12,6 +12,7 @@ namespace host {
 CalendarDate BCLOCK() {
   const std::time_t now = std::time(nullptr);
   std::tm day{};
+  // std::localtime shares one buffer among all threads.
   if (::localtime_r(&now, &day) == nullptr) return {};
   return {day.tm_mday, day.tm_mon + 1, day.tm_year + 1900};
 }

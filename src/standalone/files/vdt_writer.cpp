@@ -25,6 +25,7 @@ class VdtWriter {
 
   void Write() {
     if (!CheckSize()) return;
+    // One transaction: SQLite then writes each page once, not once a row.
     fDatabase.Execute("BEGIN");
     fDatabase.Execute(
         fmt::format("PRAGMA application_id={}; PRAGMA user_version={}", vdt::kApplicationId, vdt::kVersion)
@@ -184,6 +185,8 @@ std::string WriteVdt(const std::string& path, const Table& table) {
   if (!file.Error().empty()) return file.Error();
   Database database(file.Path(), Database::Use::kWriting);
   VdtWriter(database, table).Write();
+  // Closed before the file is completed: SQLite may hold back pages until then, and a failure to write them
+  // shows only now.
   if (database.Failed() || !database.Close()) return database.Error();
   if (file.Complete()) file.Publish();
   return file.Error();

@@ -62,6 +62,8 @@ Overloaded(Fs...) -> Overloaded<Fs...>;
 
 using CompositePointer = std::shared_ptr<const host::BpComposite>;
 
+/// Labels from files made elsewhere end lines with CR or CRLF, and a CR on a terminal goes back to the
+/// line's start.
 std::string WithLineFeeds(std::string text) {
   std::size_t to = 0;
   for (std::size_t from = 0; from < text.size(); ++from) {
@@ -165,6 +167,8 @@ std::string LabelOf(const host::BpCellText& content) {
   return number == nullptr ? TextOf(content) : NumberLabel(number->value, number->format);
 }
 
+// The first letter keeps kinds apart: the text "1" is not the number 1. Numbers go by their bits, since two
+// that print alike are two labels; adding 0 makes -0 a 0.
 std::string IdentityOf(const host::BpCellText& content) {
   return std::visit(
       Overloaded{[&](const host::BpString&) { return "T" + TextOf(content); },

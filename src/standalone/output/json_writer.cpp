@@ -1,5 +1,8 @@
+// Written as it comes: a document can hold millions of cells, and a tree of them in memory would take many
+// times their room.
 #include "standalone/output/json_writer.h"
 
+#include <cassert>
 #include <ostream>
 #include <string>
 
@@ -34,6 +37,7 @@ void JsonWriter::Begin(char bracket, bool inLines) {
 }
 
 void JsonWriter::End(char bracket) {
+  assert(!fLevels.empty() && !fbAfterKey);
   const Level level = fLevels.back();
   fLevels.pop_back();
   if (level.inLines && !level.isEmpty) NewLine();
@@ -41,6 +45,7 @@ void JsonWriter::End(char bracket) {
 }
 
 void JsonWriter::Key(std::string_view key) {
+  assert(!fLevels.empty() && !fbAfterKey);
   Separate();
   Quote(key);
   fOut << ": ";
@@ -92,6 +97,7 @@ void JsonWriter::Quote(std::string_view text) {
       quoted += "\\n";
     } else if (c == '\t') {
       quoted += "\\t";
+      // JSON allows a DEL, but a terminal that shows the document acts on it.
     } else if (byte < 0x20 || byte == 0x7F) {
       quoted += "\\u00";
       quoted += kHex[byte >> 4];

@@ -12,7 +12,9 @@ namespace standalone {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+// Faster than one reads, and slow enough to cost nothing.
 constexpr auto kInterval = std::chrono::milliseconds(100);
+// A line that wraps can't be written over: the carriage return goes back to its last part only.
 constexpr std::size_t kMaxWidth = 76;
 
 }  // namespace

@@ -1,3 +1,5 @@
+// One page that shows the same offline, in a mail and in ten years: styles are inside, there are no
+// scripts, and tables are tables, with headers that a screen reader can follow.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -72,6 +74,7 @@ std::string Escaped(std::string_view text) {
         out += "&#39;";
         break;
       default:
+        // HTML has no way to write the other control characters.
         out += static_cast<unsigned char>(c) < 0x20 && c != '\n' ? ' ' : c;
     }
   }

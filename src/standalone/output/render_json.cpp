@@ -1,3 +1,4 @@
+// The document for programs. Members are only ever added; their order and names stay.
 #include <ostream>
 
 #include "standalone/output/json_writer.h"

@@ -1,3 +1,5 @@
+// Markdown's tables know no spans: groups of columns are named in each column's label, and groups of rows
+// stand once, with blank cells below them.
 #include <ostream>
 
 #include "standalone/output/renderers.h"

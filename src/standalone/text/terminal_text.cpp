@@ -13,6 +13,9 @@ struct CodeRange {
   char32_t first, last;
 };
 
+// The C library's wcwidth follows the locale, and a document must look the same everywhere. The ranges
+// follow Unicode's East Asian Width (UAX 11), drawn coarsely: a wrong width shifts a column by one, and
+// nothing else.
 // Marks that combine with the character before them, and characters that show nothing.
 constexpr std::array kZeroWidth = {
     CodeRange{0x0300, 0x036F}, CodeRange{0x0483, 0x0489}, CodeRange{0x0591, 0x05BD},
@@ -42,6 +45,7 @@ std::size_t BytesThatFit(std::string_view text, std::size_t width) {
   while (at < text.size()) {
     const Utf8Character next = DecodeUtf8(text, at);
     const std::size_t step = WidthOf(next.code);
+    // Never nothing: a caller that cuts a word piece by piece must come to its end.
     if (used + step > width && at > 0) break;
     used += step;
     at += next.length;

@@ -1,4 +1,5 @@
-// UTF-8 and UTF-16.
+// Conversion between UTF-8 and UTF-16 (Unicode Standard, section 3.9). Texts come from files and may hold
+// anything, so nothing is refused: what has no counterpart becomes U+FFFD.
 #include "host/text.h"
 #include "standalone/text/utf8.h"
 

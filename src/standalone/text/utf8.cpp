@@ -1,6 +1,7 @@
 #include "standalone/text/utf8.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdint>
 #include <cstring>
 
@@ -10,7 +11,8 @@ namespace {
 
 constexpr Utf8Character kInvalid{0xFFFD, 1, false};
 
-/// Bytes of the character that a lead byte announces; 0 for a byte that can't lead.
+/// Bytes of the character that a lead byte announces; 0 for a byte that can't lead: C0 and C1 would lead
+/// overlong forms only, F5 and above codes beyond U+10FFFF.
 std::size_t AnnouncedLength(unsigned char lead) {
   if (lead < 0x80) return 1;
   if (lead >= 0xC2 && lead <= 0xDF) return 2;
@@ -19,6 +21,8 @@ std::size_t AnnouncedLength(unsigned char lead) {
   return 0;
 }
 
+/// Refuses overlong forms and surrogates: a character has one spelling, so that equal texts have equal
+/// bytes.
 bool IsLegalCode(char32_t code, std::size_t length) {
   if (length == 3) return code >= 0x800 && (code < 0xD800 || code > 0xDFFF);
   if (length == 4) return code >= 0x10000 && code <= 0x10FFFF;
@@ -37,6 +41,7 @@ bool IsPlainWord(const char* bytes) {
 }  // namespace
 
 Utf8Character DecodeUtf8(std::string_view text, std::size_t offset) {
+  assert(offset < text.size());
   const auto lead = static_cast<unsigned char>(text[offset]);
   const std::size_t length = AnnouncedLength(lead);
   if (length == 1) return {lead, 1, true};
@@ -71,6 +76,8 @@ std::u32string DecodeAll(std::string_view text) {
 std::size_t FindBadByte(std::string_view text) {
   std::size_t offset = 0;
   while (offset < text.size()) {
+    // Data files are ASCII for the most part: eight bytes are settled at a time, and only what stops that
+    // is decoded.
     while (text.size() - offset >= 8 && IsPlainWord(text.data() + offset))
       offset += 8;
     const std::size_t stop = std::min(offset + 8, text.size());
