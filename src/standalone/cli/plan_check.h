@@ -38,6 +38,7 @@ struct StageCounts {
   std::size_t singleUnitStrata = 0;
 };
 
+/// What came of checking a plan: counts of the cases by what keeps them out of the sample, and findings.
 struct PlanCheck {
   bool dataRead = false;  // false when the plan doesn't fit the dictionary: then there are no counts
   std::size_t cases = 0;

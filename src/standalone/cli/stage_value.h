@@ -12,6 +12,7 @@
 
 namespace standalone {
 
+/// Reads the value case by case, and collects what is wrong with it. Cases are numbered from 1.
 class StageValue {
  public:
   /// The stage and the data are not owned. `variable` and `matrix` are the places of the value's variable and

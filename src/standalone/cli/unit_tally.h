@@ -8,6 +8,8 @@
 
 namespace standalone {
 
+/// Units are told apart within their stratum, and strata within the unit of the stage above, as codes may be
+/// used again in each. Stages are entered from the outermost to the innermost for each case.
 class UnitTally {
  public:
   /// A stratum within a unit of the stage above (or of the whole sample).

@@ -23,6 +23,7 @@ struct ColumnRule {
   std::size_t leastWidth = 1;  // of a string column
 };
 
+/// What the columns of a file must or may hold, one rule each.
 struct ReadRules {
   std::vector<ColumnRule> columns;
   std::vector<std::string> missingTexts;  // cells that count as empty, beside empty ones
@@ -51,6 +52,7 @@ struct TextPlace {
   static TextPlace Load(const host::OBS& cell);
 };
 
+/// One thread reads one slice; slices share nothing but the rows of the columns that are their own.
 class SliceReader {
  public:
   /// Owns none of these. `parts` has one entry per column, with room for the slice's rows.

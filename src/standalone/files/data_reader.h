@@ -14,6 +14,7 @@ enum class DataFileForm { kUnknown, kCommas, kTabs, kCaseFile };
 /// The form by the ending, in any case: .csv, .tsv, .vdt.
 DataFileForm DataFileFormOf(const std::string& path);
 
+/// Which file to read, and how.
 struct ReadOptions {
   std::string path;
   std::string schemaPath;  // empty: `<name>.schema.json` beside the data when it exists

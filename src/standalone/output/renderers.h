@@ -29,6 +29,7 @@ struct TextOptions {
 void RenderText(std::ostream& out, const Document& document, const TextOptions& options = {});
 /// One table, as RenderText prints it: title, grid, caption and footnotes.
 void RenderTextTable(std::ostream& out, const PivotTable& table, std::size_t width = TextOptions().width);
+/// Headings and tables in the dialect with tables; markup inside texts is escaped.
 void RenderMarkdown(std::ostream& out, const Document& document);
 /// One page that needs no other file.
 void RenderHtml(std::ostream& out, const Document& document);

@@ -25,6 +25,7 @@
 
 namespace standalone {
 
+/// What a session is told once, when it is made.
 struct SessionOptions {
   int threads = 1;                   // what GETTHREADS answers
   std::string baseFolder;            // relative names in commands start here; empty: the working directory
