@@ -91,6 +91,7 @@ enum class ParamSpec {
 enum class BracketOptions { kDefault = 0 };
 }  // namespace UPSpecTypes
 
+/// What a grammar says of one keyword of a subcommand.
 struct ParamDescriptor {
   std::string name;
   UPSpecTypes::ParamSpec spec = UPSpecTypes::ParamSpec::kBare;
@@ -101,6 +102,7 @@ struct ParamDescriptor {
   void allowSlash(bool allowed) { slashAllowed = allowed; }
 };
 
+/// What a grammar says of one subcommand.
 struct SubComDescriptor {
   std::string name;  // empty for the variable list that opens the command
   UPSpecTypes::SubComSpec spec = UPSpecTypes::SubComSpec::kTokens;
@@ -116,6 +118,7 @@ struct SubComDescriptor {
   void addParamDesc(ParamDescriptor descriptor) { params.push_back(std::move(descriptor)); }
 };
 
+/// The grammar of a command.
 struct CommandDescriptor {
   std::string name;
   std::vector<SubComDescriptor> subcommands;
@@ -213,7 +216,9 @@ class ParserMessage {
 
 /// True for a double that has an integer value within the range of a 32-bit integer.
 bool IsValidInteger(double value);
+/// ASCII letters in upper case, other bytes as they are.
 std::string GetUpperString(std::string_view text);
+/// A whole number in decimal digits.
 std::string IntegerToString(long value);
 
 /// A table of values by category lists: the matrix form of sizes and probabilities in a plan. Rows keep their

@@ -35,6 +35,7 @@ struct BpFormatSpec {
 /// Which of name and label, or value and label, a text shows.
 enum class BpShow { kValue = 0, kLabel = 1, kDefault = 2 };
 
+/// A text, or a key of the dictionary when `translate` is set.
 struct BpString {
   std::string text;
   bool translate = false;
@@ -44,6 +45,7 @@ struct BpNumber {
   double value = kSystemMissing;
   BpFormatSpec format;
 };
+/// A variable by its name or label; not owned.
 struct BpVariable {
   const VORN_Variable* variable = nullptr;
   BpShow show = BpShow::kDefault;
@@ -108,7 +110,7 @@ inline BpString Plain(std::string text) {
   return {std::move(text), false};
 }
 
-/// One category of a dimension. All handles below are lent by their table and live as long as it.
+/// One category of a dimension. All handles below are owned by their table and live as long as it.
 class BpCategory {
  public:
   virtual ~BpCategory() = default;
@@ -121,6 +123,7 @@ class BpCategory {
   virtual void Note(const BpCellText& note) = 0;
 };
 
+/// Categories that stand under one label.
 class BpGroup {
  public:
   virtual ~BpGroup() = default;
@@ -131,6 +134,7 @@ class BpGroup {
   virtual void Note(const BpCellText& note) = 0;
 };
 
+/// The two axes of a table.
 enum class BpPlace { kRow = 0, kColumn = 1 };
 
 /// A dimension is the outermost group of its categories.
@@ -142,6 +146,7 @@ class BpDimension : public BpGroup {
   virtual void Position(BpPlace place, int level, bool hideLabel, bool hideWhenSingle) = 0;
 };
 
+/// A table while it is filled: dimensions first, then cells.
 class BpPivotTable {
  public:
   virtual ~BpPivotTable() = default;
@@ -178,6 +183,7 @@ class BpProcedure {
   }
 };
 
+/// The rank of a message.
 enum class BpErrorLevel { kWarning = 2, kError = 3 };
 
 /// Sends a message. An error sets the host's error flag, which ends the command at its next stage.

@@ -36,14 +36,22 @@ class ProgressDisplay {
   virtual void Show(std::string_view stage, std::string_view detail) = 0;
 };
 
+/// What a host offers to the command that runs. The objects that it makes belong to the caller and must not
+/// outlive the command.
 class HostSession {
  public:
   virtual ~HostSession() = default;
+  /// Shared with the host, which reads the error flag after the command.
   virtual CommonBlock& Common() = 0;
+  /// The active data.
   virtual std::unique_ptr<ProcedureDataSource> MakeDataSource() = 0;
+  /// The tokens of the running command.
   virtual std::unique_ptr<VORN_TokenSequence> MakeTokenSequence() = 0;
+  /// The running command's place in the output.
   virtual std::unique_ptr<BpProcedure> MakeProcedure(const std::string& title) = 0;
+  /// Whom to ask whether the user wants the command to end.
   virtual std::unique_ptr<MCStopProcessor> MakeStopProcessor() = 0;
+  /// Both live as long as the session.
   virtual TaskThreadService& Threads() = 0;
   virtual ProgressDisplay& Progress() = 0;
   /// The number of threads that a procedure may use; 0 leaves it at one.

@@ -17,7 +17,7 @@ class CallBackObject {
 class TaskThreadPool {
  public:
   virtual ~TaskThreadPool() = default;
-  /// Hands a task over; returns at once. The task is lent and must outlive its run.
+  /// Hands a task over; returns at once. The task is not owned and must outlive its run.
   virtual void Post(CallBackObject& task) = 0;
 };
 

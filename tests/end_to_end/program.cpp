@@ -1,6 +1,7 @@
 #include "program.h"
 
 #include <fcntl.h>
+#include <pty.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -147,6 +148,33 @@ ProgramRun InterruptProgram(const std::vector<std::string>& arguments, const std
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   if (!child.HasEnded()) child.Interrupt();
   return child.Wait();
+}
+
+ProgramRun RunOnTerminal(const std::vector<std::string>& arguments, const std::filesystem::path& folder) {
+  ProgramRun run;
+  std::vector<std::string> words = {TAVOREG_PROGRAM};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> argv;
+  for (std::string& word : words)
+    argv.push_back(word.data());
+  argv.push_back(nullptr);
+
+  int terminal = -1;
+  const pid_t process = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+  if (process < 0) return run;
+  if (process == 0) {  // nothing but calls that are safe between fork and exec
+    if (::chdir(folder.c_str()) == 0) ::execv(TAVOREG_PROGRAM, argv.data());
+    ::_exit(127);
+  }
+  char block[4096];
+  // When the program has ended, reading from its terminal fails (EIO).
+  for (ssize_t count; (count = ::read(terminal, block, sizeof block)) > 0;)
+    run.output.append(block, static_cast<std::size_t>(count));
+  ::close(terminal);
+  int status = 0;
+  if (::waitpid(process, &status, 0) == process && WIFEXITED(status)) run.exitStatus = WEXITSTATUS(status);
+  std::erase(run.output, '\r');  // the terminal makes each line feed a carriage return and a line feed
+  return run;
 }
 
 nlohmann::json FindCellIn(const nlohmann::json& table, const std::vector<std::string>& row,

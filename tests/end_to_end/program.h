@@ -17,6 +17,10 @@ struct ProgramRun {
 /// Runs the program in a folder and waits for it.
 ProgramRun RunProgram(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
 
+/// Runs the program on a terminal: standard output and standard error are the same one. What the terminal
+/// shows is in `output`, with line feeds alone at the ends of its lines.
+ProgramRun RunOnTerminal(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
+
 /// Runs the program and sends it the signal of Ctrl-C as soon as it has written something to standard error.
 ProgramRun InterruptProgram(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
 

@@ -98,6 +98,7 @@ int CheckRun(RunArguments& run, const std::string& format) {
 
 /// The first word of the line when it names no subcommand of the program.
 std::optional<std::string> UnknownSubcommand(const CLI::App& app, int argc, char** argv) {
+  // The parser of options would only say that the word was not expected.
   if (argc < 2 || argv[1][0] == '-') return std::nullopt;
   const std::string word = argv[1];
   std::vector<std::string> names;

@@ -18,6 +18,7 @@ enum ExitStatus : int {
   kInterrupted = 130   // by Ctrl-C
 };
 
+/// `tavoreg run`.
 struct RunArguments {
   std::string commands;  // a file, or - for standard input
   std::string data, schema, output, save;
@@ -26,11 +27,13 @@ struct RunArguments {
   bool showProgress = true;
 };
 
+/// `tavoreg describe`.
 struct DescribeArguments {
   std::string file, schema;
   OutputFormat format = OutputFormat::kText;
 };
 
+/// `tavoreg convert`.
 struct ConvertArguments {
   std::string in, out, schema;
 };

@@ -3,10 +3,7 @@
 #include <iostream>
 
 #include "standalone/cli/arguments.h"
-#include "standalone/cli/convert_command.h"
-#include "standalone/cli/describe_command.h"
-#include "standalone/cli/plan_command.h"
-#include "standalone/cli/run_command.h"
+#include "standalone/cli/commands.h"
 
 int main(int argc, char** argv) {
   try {

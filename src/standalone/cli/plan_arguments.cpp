@@ -109,6 +109,7 @@ int Refuse(const std::string& text) {
 /// Empty on success; otherwise the program's exit status, when the answer has been given.
 std::optional<int> Parse(CLI::App& app, std::span<const std::string> words) {
   app.require_subcommand(1);
+  // The parser of options takes the words from the back.
   std::vector<std::string> reversed(words.rbegin(), words.rend());
   try {
     app.parse(std::move(reversed));

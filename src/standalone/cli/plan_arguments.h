@@ -19,6 +19,7 @@ struct PlanStageArguments {
   bool Empty() const;
 };
 
+/// `tavoreg plan create`.
 struct PlanCreateArguments {
   std::vector<PlanStageArguments> stages;  // at least one
   std::string weight, srs, description;
@@ -26,11 +27,13 @@ struct PlanCreateArguments {
   bool overwrite = false;
 };
 
+/// `tavoreg plan show`.
 struct PlanShowArguments {
   std::string plan;
   OutputFormat format = OutputFormat::kText;  // or JSON
 };
 
+/// `tavoreg plan check`.
 struct PlanCheckArguments {
   std::string plan, data, schema;
   OutputFormat format = OutputFormat::kText;  // or JSON

@@ -5,9 +5,9 @@
 
 #include "standalone/cli/stage_value.h"
 #include "standalone/cli/unit_tally.h"
-#include "standalone/data/active_data.h"
+#include "standalone/data/table.h"
 #include "standalone/output/content_text.h"
-#include "standalone/output/number_text.h"
+#include "standalone/text/numbers.h"
 #include "standalone/text/suggestion.h"
 
 namespace standalone {
@@ -291,6 +291,7 @@ PlanCheck CheckPlan(const OrvPlanData& plan, Table& table) {
   for (const OrvPlanStage& stage : plan.stages)
     places.push_back(dictionary.FindStage(stage));
   const int weight = plan.weight.Empty() ? -1 : dictionary.Find(plan.weight.Text(), "weight", true);
+  // Without its variables a plan can't be counted, and findings about cases would only repeat these.
   if (!check.findings.empty()) return check;
   const std::unique_ptr<host::ProcedureDataSource> source = MakeProcedureDataSource(table);
   CasePass(plan, places, weight, table, *source, check).Run();

@@ -6,10 +6,25 @@
 #include <vector>
 
 #include "module/command/plan/plan_data.h"
-#include "standalone/cli/plan_finding.h"
 #include "standalone/data/table.h"
 
 namespace standalone {
+
+/// What speaks against running a plan on data.
+struct PlanFinding {
+  bool stopsRun = false;  // otherwise the run goes on with results that may be wrong
+  std::string text;
+  std::vector<std::string> examples;  // the first ones
+  std::size_t more = 0;               // examples that are left out
+
+  /// True when there is room for one more example; otherwise it is counted.
+  bool TakesExample() {
+    constexpr std::size_t kMostExamples = 20;
+    if (examples.size() < kMostExamples) return true;
+    ++more;
+    return false;
+  }
+};
 
 /// What the data have of a stage.
 struct StageCounts {
@@ -23,6 +38,7 @@ struct StageCounts {
   std::size_t singleUnitStrata = 0;
 };
 
+/// What came of checking a plan: counts of the cases by what keeps them out of the sample, and findings.
 struct PlanCheck {
   bool dataRead = false;  // false when the plan doesn't fit the dictionary: then there are no counts
   std::size_t cases = 0;

@@ -1,18 +1,17 @@
-#include "standalone/cli/plan_check_command.h"
-
+// tavoreg plan check
 #include <algorithm>
 #include <iostream>
 #include <thread>
 
 #include "module/command/plan/plan_methods.h"
 #include "module/command/plan/plan_reader.h"
-#include "standalone/cli/arguments.h"
+#include "standalone/cli/commands.h"
 #include "standalone/cli/plan_check.h"
 #include "standalone/cli/plan_words.h"
 #include "standalone/files/data_reader.h"
 #include "standalone/output/json_writer.h"
 #include "standalone/session/embedded_session.h"
-#include "standalone/text/plain_text.h"
+#include "standalone/text/terminal_text.h"
 
 namespace standalone {
 
@@ -20,33 +19,28 @@ namespace {
 
 // ---- text ----
 
-void PutLine(std::ostream& out, const std::string& label, const std::string& value) {
-  constexpr std::size_t kLabelWidth = 28;
-  out << WithoutTrailingBlanks(PadRight(label, kLabelWidth) + ' ' + WithoutControls(value)) << '\n';
-}
-
 void PutCases(std::ostream& out, const PlanCheck& check) {
-  const auto put = [&out](const char* label, std::size_t count) {
-    PutLine(out, label, std::to_string(count));
+  const auto put = [&out](int depth, const char* label, std::size_t count) {
+    out << LabelledLine(depth, label, std::to_string(count));
   };
-  put("Cases", check.cases);
-  put("  in the sample", check.CasesInSample());
-  put("  weight missing", check.weightMissing);
-  put("  weight 0", check.weightZero);
-  put("  weight negative", check.weightNegative);
-  put("  stratum or cluster missing", check.designMissing);
+  put(0, "Cases", check.cases);
+  put(1, "in the sample", check.CasesInSample());
+  put(1, "weight missing", check.weightMissing);
+  put(1, "weight 0", check.weightZero);
+  put(1, "weight negative", check.weightNegative);
+  put(1, "stratum or cluster missing", check.designMissing);
 }
 
 void PutStages(std::ostream& out, const PlanCheck& check) {
   for (const StageCounts& stage : check.stages) {
     out << '\n';
-    PutLine(out, "Stage " + std::to_string(stage.number), stage.label);
-    PutLine(out, "  Estimator", MethodText(stage.method));
-    PutLine(out, "  Strata", std::to_string(stage.strata));
-    PutLine(out, "  Units", std::to_string(stage.units));
-    PutLine(out, "  Units of a stratum",
-            std::to_string(stage.fewestUnits) + " to " + std::to_string(stage.mostUnits));
-    PutLine(out, "  Strata with a single unit", std::to_string(stage.singleUnitStrata));
+    out << LabelledLine(0, "Stage " + std::to_string(stage.number), stage.label);
+    out << LabelledLine(1, "Estimator", MethodText(stage.method));
+    out << LabelledLine(1, "Strata", std::to_string(stage.strata));
+    out << LabelledLine(1, "Units", std::to_string(stage.units));
+    out << LabelledLine(1, "Units of a stratum",
+                        std::to_string(stage.fewestUnits) + " to " + std::to_string(stage.mostUnits));
+    out << LabelledLine(1, "Strata with a single unit", std::to_string(stage.singleUnitStrata));
   }
 }
 
@@ -62,8 +56,8 @@ void PutFindings(std::ostream& out, const PlanCheck& check) {
 }
 
 void WriteReport(std::ostream& out, const PlanCheckArguments& arguments, const PlanCheck& check) {
-  PutLine(out, "Plan file", arguments.plan);
-  PutLine(out, "Data file", arguments.data);
+  out << LabelledLine(0, "Plan file", arguments.plan);
+  out << LabelledLine(0, "Data file", arguments.data);
   if (check.dataRead) PutCases(out, check);
   PutStages(out, check);
   PutFindings(out, check);
@@ -71,14 +65,8 @@ void WriteReport(std::ostream& out, const PlanCheckArguments& arguments, const P
 
 // ---- JSON ----
 
-void WriteText(JsonWriter& json, std::string_view key, std::string_view text) {
-  json.Key(key);
-  json.Text(text);
-}
-
 void WriteCount(JsonWriter& json, std::string_view key, std::size_t count) {
-  json.Key(key);
-  json.Number(static_cast<double>(count));
+  json.NumberMember(key, static_cast<double>(count));
 }
 
 void WriteCounts(JsonWriter& json, const PlanCheck& check) {
@@ -93,8 +81,8 @@ void WriteCounts(JsonWriter& json, const PlanCheck& check) {
   for (const StageCounts& stage : check.stages) {
     json.BeginObject();
     WriteCount(json, "number", static_cast<std::size_t>(stage.number));
-    WriteText(json, "label", stage.label);
-    WriteText(json, "method", tavo::WordOf(stage.method));
+    json.TextMember("label", stage.label);
+    json.TextMember("method", tavo::WordOf(stage.method));
     WriteCount(json, "strata", stage.strata);
     WriteCount(json, "units", stage.units);
     WriteCount(json, "fewest_units", stage.fewestUnits);
@@ -110,13 +98,9 @@ void WriteFindings(JsonWriter& json, const PlanCheck& check) {
   json.BeginArray(true);
   for (const PlanFinding& finding : check.findings) {
     json.BeginObject();
-    WriteText(json, "effect", finding.stopsRun ? "stops" : "biases");
-    WriteText(json, "text", finding.text);
-    json.Key("examples");
-    json.BeginArray();
-    for (const std::string& example : finding.examples)
-      json.Text(example);
-    json.EndArray();
+    json.TextMember("effect", finding.stopsRun ? "stops" : "biases");
+    json.TextMember("text", finding.text);
+    json.TextsMember("examples", finding.examples);
     WriteCount(json, "more", finding.more);
     json.EndObject();
   }
@@ -126,9 +110,9 @@ void WriteFindings(JsonWriter& json, const PlanCheck& check) {
 void WriteReportAsJson(std::ostream& out, const PlanCheckArguments& arguments, const PlanCheck& check) {
   JsonWriter json(out);
   json.BeginObject(true);
-  WriteText(json, "tavoreg", TAVOREG_VERSION);
-  WriteText(json, "plan", arguments.plan);
-  WriteText(json, "data", arguments.data);
+  json.TextMember("tavoreg", TAVOREG_VERSION);
+  json.TextMember("plan", arguments.plan);
+  json.TextMember("data", arguments.data);
   if (check.dataRead) WriteCounts(json, check);
   WriteFindings(json, check);
   json.EndObject();

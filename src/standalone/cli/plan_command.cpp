@@ -1,10 +1,7 @@
-#include "standalone/cli/plan_command.h"
-
+// tavoreg plan
 #include <iostream>
 
-#include "standalone/cli/plan_check_command.h"
-#include "standalone/cli/plan_create.h"
-#include "standalone/cli/plan_show.h"
+#include "standalone/cli/commands.h"
 #include "standalone/session/embedded_session.h"
 
 namespace standalone {

@@ -1,21 +1,22 @@
-#include "standalone/cli/plan_create.h"
-
-#include <charconv>
+// tavoreg plan create
 #include <chrono>
 #include <cmath>
 #include <ctime>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <ostream>
 
 #include "host/output.h"
 #include "module/command/plan/plan_methods.h"
 #include "module/command/plan/plan_reader.h"
 #include "module/command/plan/plan_writer.h"
-#include "standalone/cli/arguments.h"
+#include "standalone/cli/commands.h"
 #include "standalone/cli/plan_matrix_file.h"
 #include "standalone/files/atomic_file.h"
 #include "standalone/session/embedded_session.h"
+#include "standalone/text/ascii.h"
+#include "standalone/text/numbers.h"
 #include "standalone/text/suggestion.h"
 
 namespace standalone {
@@ -43,15 +44,8 @@ std::string Underscored(std::string word) {
   return word;
 }
 
-/// "inf" and "nan" are names of variables.
-bool IsNumber(const std::string& text, double& number) {
-  const char* const end = text.data() + text.size();
-  const auto [stopped, failure] = std::from_chars(text.data(), end, number);
-  return failure == std::errc() && stopped == end && std::isfinite(number);
-}
-
 bool IsTableName(const std::string& text) {
-  return host::GetUpperVarName(fs::path(text).extension().string()) == ".CSV";
+  return UpperOf(fs::path(text).extension().string()) == ".CSV";
 }
 
 /// Fills a plan from the options. What a reader of the plan would refuse is left to it.
@@ -148,8 +142,10 @@ class PlanBuilder {
     const bool isSize = !given.population.empty();
     const std::string& text = isSize ? given.population : given.probability;
     stage.valueKind = isSize ? PlanValueKind::POPSIZE : PlanValueKind::INCLPROB;
-    if (IsNumber(text, stage.value)) {
+    const std::optional<double> number = DoubleFromText(text);
+    if (number && std::isfinite(*number)) {  // "inf" and "nan" are names of variables
       stage.valueWay = PlanValueWay::BY_VALUE;
+      stage.value = *number;
     } else if (IsTableName(text)) {
       stage.valueWay = PlanValueWay::BY_VARCATLIST;
       const std::string error = ReadMatrixFile(text, isSize ? "size" : "probability", stage.valueMatrix);
@@ -168,6 +164,7 @@ class PlanBuilder {
 std::string Now() {
   const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
   std::tm parts{};
+  // Universal time, so that plans made in different places can be put in order.
   ::gmtime_r(&now, &parts);
   char text[32];
   return {text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts)};

@@ -1,6 +1,6 @@
 #include "standalone/cli/plan_matrix_file.h"
 
-#include <charconv>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -8,25 +8,14 @@
 #include "standalone/data/cell_scanner.h"
 #include "standalone/data/file_text.h"
 #include "standalone/data/row_slices.h"
+#include "standalone/text/ascii.h"
+#include "standalone/text/numbers.h"
 
 namespace standalone {
 
 namespace {
 
 constexpr std::size_t kLargestFile = std::size_t{16} << 20;
-
-std::string Trimmed(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(" \t");
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") + 1 - first);
-}
-
-/// The whole text as a number, for what it may be later is not this reader's business.
-bool ReadNumber(const std::string& text, double& number) {
-  const char* const end = text.data() + text.size();
-  const auto [stopped, failure] = std::from_chars(text.data(), end, number);
-  return failure == std::errc() && stopped == end;
-}
 
 class MatrixReader {
  public:
@@ -62,7 +51,7 @@ class MatrixReader {
         fFault = Fault(fault);
         return false;
       }
-      fCells.push_back(Trimmed(cell.Text()));
+      fCells.emplace_back(Trimmed(cell.Text()));
       fpPlace = cell.after;
       if (CellScanner::IsLineEnd(fpPlace)) break;
       ++fpPlace;
@@ -75,7 +64,7 @@ class MatrixReader {
     fNColumns = fCells.size();
     fValueIndex = fNColumns;
     for (std::size_t i = 0; i < fNColumns; ++i) {
-      if (host::GetUpperVarName(fCells[i]) != host::GetUpperVarName(fValueColumn)) {
+      if (!IsSameWord(fCells[i], fValueColumn)) {
         fMatrix.addVarName(fCells[i]);
       } else if (fValueIndex < fNColumns) {
         return Fault("two columns are named " + fValueColumn);
@@ -95,8 +84,9 @@ class MatrixReader {
       return Fault("this line has " + std::to_string(fCells.size()) + " cells, the header has " +
                    std::to_string(fNColumns));
     }
-    double value = 0;
-    if (!ReadNumber(fCells[fValueIndex], value)) {
+    // Whether the number can be a size or a probability is for the reader of the plan to say.
+    const std::optional<double> value = DoubleFromText(fCells[fValueIndex]);
+    if (!value) {
       return Fault("\"" + fCells[fValueIndex] + "\" in column " + fValueColumn + " is no number");
     }
     fCells.erase(fCells.begin() + static_cast<std::ptrdiff_t>(fValueIndex));
@@ -105,7 +95,7 @@ class MatrixReader {
       fMatrix.addStringToCatList(category);
     }
     if (!fKeys.insert(fCells).second) return Fault("these categories have a value already");
-    fMatrix.addCatList(value);
+    fMatrix.addCatList(*value);
     return {};
   }
 

@@ -1,16 +1,14 @@
-#include "standalone/cli/plan_show.h"
-
+// tavoreg plan show
 #include <iostream>
 #include <optional>
 
 #include "module/command/plan/plan_methods.h"
 #include "module/command/plan/plan_reader.h"
-#include "standalone/cli/arguments.h"
+#include "standalone/cli/commands.h"
 #include "standalone/cli/plan_words.h"
 #include "standalone/output/json_writer.h"
-#include "standalone/output/number_text.h"
 #include "standalone/session/embedded_session.h"
-#include "standalone/text/plain_text.h"
+#include "standalone/text/numbers.h"
 
 namespace standalone {
 
@@ -38,6 +36,8 @@ struct PlanContent {
 
 using Entry = PlanStatus (OrvPlanReader::*)(const std::string&);
 
+/// Reads twice: the checked reader hands out nothing of a faulty plan, which is what this command is asked
+/// about.
 std::optional<Section> ReadSection(const std::string& path, Entry unchecked, Entry checked) {
   Section section;
   if ((OrvPlanReader(section.plan).*unchecked)(path) != PlanStatus::kOK) return std::nullopt;
@@ -96,10 +96,7 @@ class Lines {
   explicit Lines(std::ostream& out) : fOut(out) {}
   void Heading(const std::string& text) { fOut << '\n' << text << '\n'; }
   void Put(int depth, const std::string& label, const std::string& value) {
-    constexpr std::size_t kLabelWidth = 28;
-    const std::string indent(static_cast<std::size_t>(2 * depth), ' ');
-    fOut << WithoutTrailingBlanks(PadRight(indent + label, kLabelWidth) + ' ' + WithoutControls(value))
-         << '\n';
+    fOut << LabelledLine(depth, label, value);
   }
   void PutName(int depth, const std::string& label, const VornVarName& name) {
     if (!name.Empty()) Put(depth, label, name.Text());
@@ -195,26 +192,8 @@ void ShowAsText(std::ostream& out, const std::string& path, const PlanContent& c
 
 // ---- JSON ----
 
-void WriteText(JsonWriter& json, std::string_view key, std::string_view text) {
-  json.Key(key);
-  json.Text(text);
-}
-
 void WriteName(JsonWriter& json, std::string_view key, const VornVarName& name) {
-  if (!name.Empty()) WriteText(json, key, name.Text());
-}
-
-void WriteNumber(JsonWriter& json, std::string_view key, double number) {
-  json.Key(key);
-  json.Number(number);
-}
-
-void WriteTexts(JsonWriter& json, std::string_view key, const std::vector<std::string>& texts) {
-  json.Key(key);
-  json.BeginArray();
-  for (const std::string& text : texts)
-    json.Text(text);
-  json.EndArray();
+  if (!name.Empty()) json.TextMember(key, name.Text());
 }
 
 std::vector<std::string> TextsOf(const std::vector<VornVarName>& names) {
@@ -225,13 +204,13 @@ std::vector<std::string> TextsOf(const std::vector<VornVarName>& names) {
 }
 
 void WriteMatrix(JsonWriter& json, const host::VarCatList& matrix) {
-  WriteTexts(json, "variables", matrix.copyVarList());
+  json.TextsMember("variables", matrix.copyVarList());
   json.Key("rows");
   json.BeginArray(true);
   for (const host::VarCatList::Row& row : matrix.copyMapKeyVal()) {
     json.BeginObject();
-    WriteTexts(json, "categories", row.categories);
-    WriteNumber(json, "value", row.value);
+    json.TextsMember("categories", row.categories);
+    json.NumberMember("value", row.value);
     json.EndObject();
   }
   json.EndArray();
@@ -242,21 +221,21 @@ void WriteValue(JsonWriter& json, const OrvPlanStage& stage) {
   if (stage.valueKind == PlanValueKind::kNone) return;
   json.Key(kKeys[static_cast<int>(stage.valueKind)]);
   json.BeginObject();
-  if (stage.valueWay == PlanValueWay::BY_VALUE) WriteNumber(json, "value", stage.value);
-  if (stage.valueWay == PlanValueWay::BY_VARNAME) WriteText(json, "variable", stage.valueVariable.Text());
+  if (stage.valueWay == PlanValueWay::BY_VALUE) json.NumberMember("value", stage.value);
+  if (stage.valueWay == PlanValueWay::BY_VARNAME) json.TextMember("variable", stage.valueVariable.Text());
   if (stage.valueWay == PlanValueWay::BY_VARCATLIST) WriteMatrix(json, stage.valueMatrix);
-  if (stage.minSize != 0) WriteNumber(json, "minimum", stage.minSize);
-  if (stage.maxSize != 0) WriteNumber(json, "maximum", stage.maxSize);
+  if (stage.minSize != 0) json.NumberMember("minimum", stage.minSize);
+  if (stage.maxSize != 0) json.NumberMember("maximum", stage.maxSize);
   json.EndObject();
 }
 
 void WriteStage(JsonWriter& json, const OrvPlanStage& stage) {
   json.BeginObject(true);
-  WriteNumber(json, "number", stage.stageNumber);
-  WriteText(json, "label", stage.label);
-  WriteText(json, "method", tavo::WordOf(stage.method));
-  WriteTexts(json, "strata", TextsOf(stage.strata));
-  WriteTexts(json, "clusters", TextsOf(stage.clusters));
+  json.NumberMember("number", stage.stageNumber);
+  json.TextMember("label", stage.label);
+  json.TextMember("method", tavo::WordOf(stage.method));
+  json.TextsMember("strata", TextsOf(stage.strata));
+  json.TextsMember("clusters", TextsOf(stage.clusters));
   WriteValue(json, stage);
   for (const OutputVariable& output : kOutputVariables)
     WriteName(json, output.key, stage.*output.name);
@@ -267,10 +246,10 @@ void WriteMeasure(JsonWriter& json, const OrvPlanData& plan) {
   if (!plan.mosFromData && plan.mosVariable.Empty()) return;
   json.Key("measure_of_size");
   json.BeginObject();
-  if (plan.mosFromData) WriteText(json, "source", "data");
+  if (plan.mosFromData) json.TextMember("source", "data");
   WriteName(json, "variable", plan.mosVariable);
-  if (plan.mosMinimum != 0) WriteNumber(json, "minimum", plan.mosMinimum);
-  if (plan.mosMaximum != 0) WriteNumber(json, "maximum", plan.mosMaximum);
+  if (plan.mosMinimum != 0) json.NumberMember("minimum", plan.mosMinimum);
+  if (plan.mosMaximum != 0) json.NumberMember("maximum", plan.mosMaximum);
   json.EndObject();
 }
 
@@ -280,9 +259,9 @@ void WriteSection(JsonWriter& json, const char* key, const OrvPlanData& plan) {
   WriteName(json, "weight", plan.weight);
   WriteName(json, "previous_weight", plan.previousWeight);
   if (plan.mode == tavo::PlanMode::ANALYSIS_MODE) {
-    WriteText(json, "srs_estimator", plan.srsEstimator == tavo::PlanSRSEstimator::WR ? "wr" : "wor");
+    json.TextMember("srs_estimator", plan.srsEstimator == tavo::PlanSRSEstimator::WR ? "wr" : "wor");
   } else if (plan.estimation == tavo::PlanEstimation::WR) {
-    WriteText(json, "estimation", "wr");
+    json.TextMember("estimation", "wr");
   }
   WriteMeasure(json, plan);
   json.Key("stages");
@@ -296,11 +275,11 @@ void WriteSection(JsonWriter& json, const char* key, const OrvPlanData& plan) {
 void ShowAsJson(std::ostream& out, const std::string& path, const PlanContent& content) {
   JsonWriter json(out);
   json.BeginObject(true);
-  WriteText(json, "tavoreg", TAVOREG_VERSION);
-  WriteText(json, "file", path);
+  json.TextMember("tavoreg", TAVOREG_VERSION);
+  json.TextMember("file", path);
   if (content.analysis) WriteSection(json, "analysis", content.analysis->plan);
   if (content.sample) WriteSection(json, "sample", content.sample->plan);
-  WriteTexts(json, "faults", FaultsOf(content));
+  json.TextsMember("faults", FaultsOf(content));
   json.EndObject();
   out << '\n';
 }

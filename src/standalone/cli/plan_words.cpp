@@ -3,6 +3,8 @@
 #include "module/command/plan/plan_reader.h"
 #include "standalone/output/catalogue.h"
 #include "standalone/output/template.h"
+#include "standalone/text/ascii.h"
+#include "standalone/text/terminal_text.h"
 
 namespace standalone {
 
@@ -53,6 +55,13 @@ std::string ListText(const std::vector<host::VornVarName>& names) {
   for (const host::VornVarName& name : names)
     text += (text.empty() ? "" : ", ") + name.Text();
   return text.empty() ? "-" : text;
+}
+
+std::string LabelledLine(int depth, const std::string& label, const std::string& value) {
+  constexpr std::size_t kLabelWidth = 28;
+  const std::string indent(static_cast<std::size_t>(2 * depth), ' ');
+  const std::string line = PadRight(indent + label, kLabelWidth) + ' ' + WithoutControls(value);
+  return std::string(WithoutTrailingBlanks(line)) + '\n';
 }
 
 }  // namespace standalone

@@ -14,5 +14,8 @@ std::string StatusSentence(tavo::PlanStatus status, const std::string& detail);
 std::string MethodText(tavo::PlanMethod method);
 /// "a, b, c"; a dash for an empty list.
 std::string ListText(const std::vector<host::VornVarName>& names);
+/// A line with a label and a value; the values stand under each other. Each level of `depth` indents the
+/// label by two columns.
+std::string LabelledLine(int depth, const std::string& label, const std::string& value);
 
 }  // namespace standalone

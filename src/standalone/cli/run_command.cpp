@@ -1,7 +1,4 @@
-#include "standalone/cli/run_command.h"
-
-#include <unistd.h>
-
+// tavoreg run
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -11,8 +8,9 @@
 #include <thread>
 
 #include "host/session.h"
-#include "standalone/cli/interrupt.h"
+#include "standalone/cli/commands.h"
 #include "standalone/cli/program_files.h"
+#include "standalone/cli/terminal.h"
 #include "standalone/files/atomic_file.h"
 #include "standalone/files/data_reader.h"
 #include "standalone/files/data_writer.h"
@@ -39,7 +37,7 @@ SessionOptions OptionsFor(const RunArguments& arguments) {
     options.baseFolder = fs::path(arguments.commands).parent_path().string();
   options.version = TAVOREG_VERSION;
   options.messages = &std::cerr;
-  if (arguments.showProgress && ::isatty(STDERR_FILENO) == 1) options.progress = &std::cerr;
+  if (arguments.showProgress && MessagesGoToATerminal()) options.progress = &std::cerr;
   return options;
 }
 
@@ -98,7 +96,9 @@ int SaveData(const RunArguments& arguments, Session& session, const Table& table
 }
 
 bool WriteOutput(const RunArguments& arguments, const Document& document) {
-  const auto write = [&](std::ostream& out) { Render(out, document, *arguments.format); };
+  TextOptions text;
+  text.messagesStandAbove = arguments.output.empty() && OutputAndMessagesShareATerminal();
+  const auto write = [&](std::ostream& out) { Render(out, document, *arguments.format, text); };
   if (arguments.output.empty()) {
     write(std::cout);
     std::cout.flush();
@@ -118,7 +118,7 @@ int RunCommandFile(const RunArguments& arguments) {
   const std::optional<SourceText> source = ReadSource(arguments, session);
   const bool isReady = source && ReadData(arguments, session, table);
   // Until here an interrupt ends the program at once: there is nothing yet that could be left half done.
-  const InterruptHandler handler(session);
+  const InterruptHandler handler(session.Stop());
   session.SetTable(&table);
   const int status = isReady ? RunAll(session, *source) : static_cast<int>(kBadCall);
   if (status == kInterrupted)

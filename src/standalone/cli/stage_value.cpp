@@ -2,7 +2,7 @@
 
 #include "module/command/category_value.h"
 #include "standalone/output/content_text.h"
-#include "standalone/output/number_text.h"
+#include "standalone/text/numbers.h"
 
 namespace standalone {
 

@@ -8,14 +8,15 @@
 
 #include "host/data.h"
 #include "module/command/plan/plan_data.h"
-#include "standalone/cli/plan_finding.h"
+#include "standalone/cli/plan_check.h"
 
 namespace standalone {
 
+/// Reads the value case by case, and collects what is wrong with it. Cases are numbered from 1.
 class StageValue {
  public:
-  /// The stage and the data are lent. `variable` and `matrix` are the places of the value's variable and of
-  /// the matrix variables in the data. Only equal probabilities without replacement have a value.
+  /// The stage and the data are not owned. `variable` and `matrix` are the places of the value's variable and
+  /// of the matrix variables in the data. Only equal probabilities without replacement have a value.
   StageValue(const tavo::OrvPlanStage& stage, int variable, const std::vector<int>& matrix,
              const host::VORN_DataSource& source, const host::VORN_InputCaseIterator& iterator);
 

@@ -8,6 +8,8 @@
 
 namespace standalone {
 
+/// Units are told apart within their stratum, and strata within the unit of the stage above, as codes may be
+/// used again in each. Stages are entered from the outermost to the innermost for each case.
 class UnitTally {
  public:
   /// A stratum within a unit of the stage above (or of the whole sample).
@@ -19,7 +21,7 @@ class UnitTally {
     bool hasUnequalValues = false;
   };
 
-  /// The cases come from `iterator`, which is lent. Without cluster variables each case is a unit.
+  /// The cases come from `iterator`, which is not owned. Without cluster variables each case is a unit.
   UnitTally(const host::VORN_DataSource& source, const host::VORN_InputCaseIterator& iterator,
             const std::vector<int>& strata, const std::vector<int>& clusters);
 

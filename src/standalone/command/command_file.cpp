@@ -23,6 +23,7 @@ class CommandTokenSequence : public host::VORN_TokenSequence {
 
 std::vector<CommandTokens> ReadCommands(const SourceText& source) {
   if (source.Text().size() > kMaxMegabytes << 20) {
+    // Refused as one command, so that the message takes the way of all others.
     CommandTokens refused;
     refused.errors.push_back({keys::kFileTooLarge, {std::to_string(kMaxMegabytes)}, {}});
     return {refused};

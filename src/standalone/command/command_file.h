@@ -29,7 +29,7 @@ struct CommandTokens {
 /// or the end of the text; /* … */ is a comment.
 std::vector<CommandTokens> ReadCommands(const SourceText& source);
 
-/// A token sequence over a command, which is lent.
+/// A token sequence over a command, which is not owned.
 std::unique_ptr<host::VORN_TokenSequence> MakeTokenSequence(const CommandTokens& command);
 
 }  // namespace standalone

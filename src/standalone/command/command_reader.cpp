@@ -5,7 +5,8 @@
 
 #include "host/data.h"
 #include "standalone/command/parser_keys.h"
-#include "standalone/text/number_from_text.h"
+#include "standalone/text/ascii.h"
+#include "standalone/text/numbers.h"
 
 namespace standalone {
 
@@ -19,9 +20,6 @@ using host::TokenKind;
 constexpr std::size_t kMaxErrors = 10;
 constexpr std::size_t kShownLength = 40;
 
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 bool IsQuote(char c) {
   return c == '\'' || c == '"';
 }
@@ -63,10 +61,8 @@ OperatorCode CodeOfWord(std::string_view word) {
        {"WITH", OperatorCode::kWith},
        {"BY", OperatorCode::kBy},
        {"ALL", OperatorCode::kAll}}};
-  if (word.size() > 4) return OperatorCode::kNone;
-  const std::string upper = host::GetUpperString(word);
   for (const auto& [text, code] : kReserved) {
-    if (upper == text) return code;
+    if (IsSameWord(word, text)) return code;
   }
   return OperatorCode::kNone;
 }
@@ -105,6 +101,7 @@ void CommandReader::ReadNext() {
   const char c = fCursor.Byte();
   if (fCursor.AtLineEnd()) return EndLine();
   if (IsBlank(c)) return SkipBlank();
+  // A line with nothing but a comment is not blank, so comments may stand between the lines of a command.
   fbLineHasContent = true;
   if (fCursor.StartsWith("/*")) return SkipComment();
   if (IsQuote(c)) return ReadLiteral();
@@ -169,6 +166,7 @@ void CommandReader::ReadLiteral() {
   std::string text;
   fLastByte = '\0';
   fCursor.Advance();
+  // A literal ends on its line: a forgotten quote must not swallow the commands that follow.
   while (!fCursor.AtEnd() && !fCursor.AtLineEnd()) {
     if (fCursor.Byte() == quote) {
       fCursor.Advance();
@@ -203,6 +201,7 @@ void CommandReader::ReadPiece() {
   SourcePosition position = fCursor.Since(start);
   fLastByte = piece.back();
 
+  // Only at the end of a line: elsewhere a period belongs to the number or the file name that it stands in.
   const bool endsCommand = piece.back() == '.' && RestOfLineIsBlank();
   if (endsCommand) {
     piece.remove_suffix(1);
@@ -247,6 +246,7 @@ void CommandReader::AddPiece(std::string_view piece, const SourcePosition& posit
     AddToken(host::ValidateVORNName(piece) ? TokenKind::kName : TokenKind::kWord, piece, position);
     const OperatorCode reserved = CodeOfWord(piece);
     if (reserved == OperatorCode::kNone) return;
+    // Reserved words never name a variable, so that "y WITH x" can be read without a dictionary.
     fCommand.tokens.back().kind = TokenKind::kWord;
     fCommand.tokens.back().code = reserved;
     return;

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "host/command.h"
+#include "standalone/text/ascii.h"
 
 namespace host {
 
@@ -23,11 +24,7 @@ bool CopyText(const TokenInfoObj* token, bool isWanted, std::string& out) {
 }  // namespace
 
 std::string GetUpperString(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return upper;
+  return standalone::UpperOf(text);
 }
 
 std::string IntegerToString(long value) {
@@ -75,6 +72,7 @@ bool ParamObj::getStringOrLiteral(std::string& out) const {
   return getStringGeneric(out) || getLiteral(out);
 }
 
+// A file name needs quotes only when it holds what would cut it.
 bool ParamObj::getFilePath(std::string& out) const {
   return getStringOrLiteral(out);
 }

@@ -9,6 +9,7 @@
 
 namespace standalone {
 
+/// A text with its name and its lines, which end with LF, CR or both. A byte-order mark is no part of it.
 class SourceText {
  public:
   SourceText() = default;

@@ -23,7 +23,7 @@
 namespace standalone {
 
 /// Reads one command, once, without recursion and in time linear in its tokens. Sends one message per faulty
-/// subcommand, reads on behind the next slash, and gives up after a dozen. All arguments are lent.
+/// subcommand, reads on behind the next slash, and gives up after a dozen. No argument is owned.
 class SyntaxParser {
  public:
   SyntaxParser(const std::vector<host::TokenInfoObj>& tokens, const host::CommandDescriptor& descriptor,

@@ -1,15 +1,13 @@
-#include "standalone/data/active_data.h"
+#include "standalone/data/table.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 
 namespace standalone {
 
 namespace {
-
-constexpr int kWidestString = 32767;
 
 /// What the passes of one command share: the table, where its own variables begin, and whether something
 /// failed.
@@ -80,7 +78,7 @@ class TableDataSource final : public host::ProcedureDataSource {
   int FindVarIndex(std::string_view name) const override { return fState.table.Find(name); }
 
   host::VORN_Variable* MakeVariable(int type, int& index) override {
-    if (type < 0 || type > kWidestString) return nullptr;
+    if (type < 0 || type > static_cast<int>(kWidestText)) return nullptr;
     index = static_cast<int>(fState.table.ColumnCount());
     return &fState.table.Add(host::VORN_Variable(std::string(), type)).variable;
   }

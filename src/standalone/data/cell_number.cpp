@@ -5,15 +5,11 @@
 #include <algorithm>
 #include <cmath>
 
-#include "standalone/data/cell_text.h"
+#include "standalone/text/ascii.h"
 
 namespace standalone {
 
 namespace {
-
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 /// Places behind the point that show every digit written: those of the mantissa less the exponent.
 int DecimalsOf(std::string_view text) {
@@ -37,7 +33,7 @@ int DecimalsOf(std::string_view text) {
 }  // namespace
 
 bool ReadNumber(std::string_view text, CellNumber& number) {
-  text = TrimBlanks(text);
+  text = Trimmed(text);
   if (text.starts_with('+')) {
     text.remove_prefix(1);
     if (text.starts_with('-')) return false;

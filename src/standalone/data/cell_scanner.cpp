@@ -1,3 +1,7 @@
+// RFC 4180, with lines that may also end with LF alone and delimiters other than the comma. Where programs
+// differ in what they make of a text (a quote inside an unquoted cell, text behind a closing quote, a lone
+// carriage return) the cell is refused: a wrong guess would move all that follows into other columns
+// without a sign.
 #include "standalone/data/cell_scanner.h"
 
 #include <cstring>
@@ -64,6 +68,7 @@ const char* CellScanner::ScanQuoted(const char* place, Cell& cell) const {
       cell.after = place;
       return kUnclosed;
     }
+    // There is a byte to look at: a line feed stands behind the text.
     if (quote[1] != '"') {
       cell.end = quote;
       break;
@@ -78,6 +83,8 @@ const char* CellScanner::ScanQuoted(const char* place, Cell& cell) const {
 
 char FindDelimiter(std::string_view text, bool preferTab) {
   std::array<std::size_t, kDelimiters.size()> counts{};
+  // The header alone decides: names hardly ever hold a delimiter, while decimal commas and texts in the
+  // rows do.
   bool isQuoted = false;
   for (const char c : text) {
     if (c == '"') isQuoted = !isQuoted;

@@ -13,8 +13,8 @@ struct Cell {
   const char* begin = nullptr;
   const char* end = nullptr;
   bool hasDoubledQuotes = false;  // each pair in the text stands for one quote
-  const char* after =
-      nullptr;  // at the delimiter or the line end behind the cell; at the fault after a failure
+  /// At the delimiter or the line end behind the cell; at the fault after a failure.
+  const char* after = nullptr;
 
   std::string_view Raw() const { return {begin, static_cast<std::size_t>(end - begin)}; }
   /// The text that the cell stands for.
@@ -24,6 +24,7 @@ struct Cell {
 /// The text of a quoted cell with each pair of quotes made one.
 std::string Unquoted(std::string_view raw);
 
+/// Finds the cells of one text. Nothing is copied: a cell points into the text.
 class CellScanner {
  public:
   /// `end` is where the text ends; a line feed must stand there.

@@ -15,7 +15,8 @@ using nlohmann::json;
 
 constexpr int kDeepest = 32;
 
-/// Reads characters and tells how far it has come; all copies share the count.
+/// Reads characters and tells how far it has come; all copies share the count. The parser itself tells its
+/// place only when it fails, and the lines of sound fields are needed too.
 class CountingIterator {
  public:
   using iterator_category = std::input_iterator_tag;
@@ -100,6 +101,7 @@ class Checker final : public nlohmann::json_sax<json> {
   int LineOf(std::ptrdiff_t offset) {
     const auto stop =
         std::min(static_cast<std::size_t>(std::max<std::ptrdiff_t>(offset - 1, 0)), fText.size());
+    // Events come in the order of the text, so each line feed is counted once.
     for (; fCounted < stop; ++fCounted)
       fLine += fText[fCounted] == '\n';
     return fLine;

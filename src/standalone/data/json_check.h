@@ -7,6 +7,7 @@
 
 namespace standalone {
 
+/// What came of the look.
 struct JsonCheck {
   std::string fault;  // empty for a sound text
   int faultLine = 0;

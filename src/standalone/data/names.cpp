@@ -6,7 +6,8 @@
 #include <unordered_set>
 
 #include "host/data.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/text/ascii.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 
@@ -15,10 +16,6 @@ namespace {
 constexpr std::size_t kLongestName = 64;  // bytes
 constexpr std::array<std::string_view, 4> kReservedWords = {"ALL", "BY", "TO", "WITH"};
 
-char UpperOf(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
 bool IsNameStart(char c) {
   const char upper = UpperOf(c);
   return (upper >= 'A' && upper <= 'Z') || c == '@' || c == '#' || c == '$' ||
@@ -26,17 +23,18 @@ bool IsNameStart(char c) {
 }
 
 bool IsNameCharacter(char c) {
-  return IsNameStart(c) || (c >= '0' && c <= '9') || c == '.' || c == '_';
+  return IsNameStart(c) || IsDigit(c) || c == '.' || c == '_';
 }
 
 bool IsReservedWord(std::string_view name) {
   return std::any_of(kReservedWords.begin(), kReservedWords.end(),
-                     [name](std::string_view word) { return IsSameName(word, name); });
+                     [name](std::string_view word) { return IsSameWord(word, name); });
 }
 
 /// A legal name from a header text; `place` counts from 1 and names a column without a text.
 std::string MakeLegal(std::string_view header, std::size_t place) {
   if (header.empty()) return "V" + std::to_string(place);
+  // A header may be as long as its file; what lies that far behind is cut off in any case.
   std::string name(CutText(header, 4 * kLongestName));
   std::replace_if(
       name.begin(), name.end(), [](char c) { return !IsNameCharacter(c); }, '_');
@@ -50,12 +48,12 @@ std::string MakeLegal(std::string_view header, std::size_t place) {
 /// Names in use, in upper case, with the counters of the numbers put behind names that were taken.
 class NameRegister {
  public:
-  bool Take(std::string_view name) { return fTaken.insert(host::GetUpperVarName(name)).second; }
+  bool Take(std::string_view name) { return fTaken.insert(UpperOf(name)).second; }
 
   /// The name, or the name with the first free number behind it.
   std::string TakeWithNumber(const std::string& name) {
     if (Take(name)) return name;
-    std::size_t& number = fNumbers[host::GetUpperVarName(name)];
+    std::size_t& number = fNumbers[UpperOf(name)];
     for (;;) {
       const std::string suffix = "_" + std::to_string(++number);
       std::string candidate = std::string(CutText(name, kLongestName - suffix.size())) + suffix;
@@ -69,11 +67,6 @@ class NameRegister {
 };
 
 }  // namespace
-
-bool IsSameName(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return UpperOf(x) == UpperOf(y); });
-}
 
 NameList MakeNames(const std::vector<std::string>& headers) {
   NameList list;
@@ -96,9 +89,7 @@ NameList MakeNames(const std::vector<std::string>& headers) {
 namespace host {
 
 std::string GetUpperVarName(std::string_view name) {
-  std::string upper(name);
-  std::transform(upper.begin(), upper.end(), upper.begin(), standalone::UpperOf);
-  return upper;
+  return standalone::UpperOf(name);
 }
 
 std::string VORN_Variable::GetUpperCaseName() const {
@@ -106,7 +97,7 @@ std::string VORN_Variable::GetUpperCaseName() const {
 }
 
 bool operator==(const VornVarName& a, const VornVarName& b) {
-  return standalone::IsSameName(a.fName, b.fName);
+  return standalone::IsSameWord(a.fName, b.fName);
 }
 
 bool ValidateVORNName(std::string_view name) {

@@ -1,4 +1,4 @@
-// Variable names: comparing them, and making legal ones from what a file's header holds.
+// Variable names: making legal ones from what a file's header holds.
 #pragma once
 
 #include <cstddef>
@@ -7,9 +7,6 @@
 #include <vector>
 
 namespace standalone {
-
-/// Equality of names: ASCII letters without case, other bytes as they are.
-bool IsSameName(std::string_view a, std::string_view b);
 
 /// The variables' names for a header.
 struct NameList {

@@ -13,6 +13,8 @@ void RunParts(std::size_t count, int threads, const std::function<void(std::size
   std::vector<std::exception_ptr> failures(count);
   std::atomic<std::size_t> next{0};
   const auto work = [&] {
+    // Parts are taken as threads come free, since they take unequal times. Which thread takes a part has no
+    // bearing on what comes of it.
     for (std::size_t i = next++; i < count; i = next++) {
       try {
         part(i);
@@ -33,6 +35,7 @@ void RunParts(std::size_t count, int threads, const std::function<void(std::size
     }
     work();
   }
+  // By number and not by time, so that the same failure is told whatever the number of threads.
   for (const std::exception_ptr& failure : failures) {
     if (failure) std::rethrow_exception(failure);
   }

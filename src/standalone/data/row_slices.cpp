@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "standalone/data/cell_text.h"
 #include "standalone/data/parallel.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

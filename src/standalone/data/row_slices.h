@@ -7,6 +7,7 @@
 
 namespace standalone {
 
+/// Whole rows of a text, which owns them.
 struct RowSlice {
   const char* begin = nullptr;
   const char* end = nullptr;

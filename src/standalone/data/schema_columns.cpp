@@ -6,8 +6,9 @@
 #include <unordered_map>
 
 #include "standalone/data/cell_number.h"
-#include "standalone/data/cell_text.h"
-#include "standalone/data/format_text.h"
+#include "standalone/data/cells.h"
+#include "standalone/data/format_names.h"
+#include "standalone/text/ascii.h"
 #include "standalone/text/utf8.h"
 
 namespace standalone {
@@ -86,7 +87,7 @@ std::string Misfit(const SchemaValue& value, const host::VORN_Variable& variable
 
 /// Texts that are missing in any case and need no declaration.
 bool IsEmptyText(const SchemaValue& value) {
-  const std::string_view text = TrimBlanks(value.text);
+  const std::string_view text = Trimmed(value.text);
   return !value.isNumber && (text.empty() || text == "." || text == "NA");
 }
 
@@ -94,10 +95,10 @@ std::string ApplyMissing(const SchemaField& field, host::VORN_Variable& variable
   if (field.blankMissing && variable.IsNumeric())
     return "x-blank-missing is for strings, but the variable is numeric";
   host::VORN_MissingValues missing;
+  // What was guessed from the file holds unless the schema says otherwise.
   if (field.blankMissing.value_or(true)) missing = variable.GetMissingValues();  // a blank, for strings
   for (const SchemaValue& value : field.missingValues) {
-    if (variable.IsNumeric() ? IsEmptyText(value) : TrimBlanks(value.text).empty() && !value.isNumber)
-      continue;
+    if (variable.IsNumeric() ? IsEmptyText(value) : Trimmed(value.text).empty() && !value.isNumber) continue;
     std::vector<host::OBS> cells;
     if (!ToCells(value, variable, cells)) return Misfit(value, variable);
     missing.values.push_back(std::move(cells));
@@ -167,7 +168,7 @@ SchemaRules RulesFrom(const TableSchema& schema, const FieldMatch& match,
                       const std::vector<std::string>& names) {
   SchemaRules result;
   for (const std::string& text : schema.missingTexts) {
-    const std::string_view trimmed = TrimBlanks(text);
+    const std::string_view trimmed = Trimmed(text);
     if (!trimmed.empty()) result.rules.missingTexts.emplace_back(trimmed);
   }
   result.rules.columns.resize(names.size());

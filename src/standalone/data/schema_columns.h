@@ -14,8 +14,7 @@ namespace standalone {
 /// The schema's fields by column, or what keeps them from fitting the file.
 struct FieldMatch {
   std::string error;
-  std::vector<const SchemaField*>
-      fields;  // per column; null where the schema says nothing. Lent by the schema.
+  std::vector<const SchemaField*> fields;  // per column, not owned; null where the schema says nothing
 };
 
 /// Finds each field's column: by the text of the header, failing that by the variable's name without regard

@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "standalone/data/cell_number.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/text/ascii.h"
 #include "standalone/text/utf8.h"
 
 namespace standalone {
@@ -55,6 +55,8 @@ SliceReader::SliceReader(const FileText& text, const CellScanner& scanner, const
 void SliceReader::Read() {
   const char* place = fSlice.begin;
   while (place != nullptr && place < fSlice.end) {
+    // In a file of one column a blank line is an empty cell. Elsewhere blank lines are harmless at the end
+    // only; between rows they may stand for a lost one.
     if (CellScanner::IsLineEnd(place) && fParts.size() > 1) {
       if (!IsBlankToTheEnd(place)) {
         Fail(place, "a blank line between the rows; remove it");
@@ -73,6 +75,8 @@ const char* SliceReader::ReadRow(const char* place) {
   for (std::size_t i = 0;; ++i) {
     ColumnPart& part = fParts[i];
     CellNumber number;
+    // Nearly all cells of a survey are plain numbers: they are read where they stand, before the end of the
+    // cell is looked for. What isn't plain goes the long way below, so both must agree on every number.
     const char* after = part.isText || !fbPlainNumbers ? nullptr : ReadPlainNumber(place, number);
     if (after != nullptr && (*after == delimiter || CellScanner::IsLineEnd(after)) &&
         (number.decimals == 0 || !part.isWhole)) {
@@ -103,6 +107,8 @@ const char* SliceReader::ReadCell(const char* place, std::size_t column) {
                               Shortened(cell.Text(), kExcerpt), part.isWhole ? "whole " : "",
                               fRules.columns[column].name));
     }
+    // The rows above went in as numbers and stay so for now: only when all slices are read is it known from
+    // where on they must be read again as texts.
     part.isText = true;
     part.firstText = fNRows;
   }
@@ -112,7 +118,7 @@ const char* SliceReader::ReadCell(const char* place, std::size_t column) {
 bool SliceReader::ReadAsNumber(const Cell& cell, std::size_t column) {
   if (cell.hasDoubledQuotes) return false;
   ColumnPart& part = fParts[column];
-  const std::string_view text = TrimBlanks(cell.Raw());
+  const std::string_view text = Trimmed(cell.Raw());
   CellNumber number;
   if (IsEmptyNumber(text) || IsMissingText(text)) {
     part.cells[fNRows].number = host::kSystemMissing;
@@ -146,7 +152,7 @@ bool SliceReader::StoreText(const Cell& cell, std::size_t column, std::size_t ro
   }
   TextPlace place{static_cast<std::size_t>(cell.begin - fText.Begin()), cell.Raw().size(),
                   cell.hasDoubledQuotes};
-  if (!fbPlainNumbers && !cell.hasDoubledQuotes && IsMissingText(TrimBlanks(cell.Raw()))) {
+  if (!fbPlainNumbers && !cell.hasDoubledQuotes && IsMissingText(Trimmed(cell.Raw()))) {
     place.bytes = 0;
     width = 0;
   }
@@ -193,6 +199,7 @@ const char* SliceReader::Fail(const char* place, std::string message) {
   return nullptr;
 }
 
+/// Counts the line anew from its start, since the reader stopped at the first cell too many or too few.
 const char* SliceReader::FailRagged(const char* rowStart) {
   std::size_t count = 0;
   Cell cell;

@@ -8,12 +8,11 @@
 
 #include "host/data.h"
 #include "standalone/data/cell_scanner.h"
+#include "standalone/data/cells.h"
 #include "standalone/data/file_text.h"
 #include "standalone/data/row_slices.h"
 
 namespace standalone {
-
-constexpr std::size_t kWidestText = 32767;  // bytes of a string variable
 
 /// What a column must or may hold. A guessed column is numeric until a cell is met that is no number.
 struct ColumnRule {
@@ -24,6 +23,7 @@ struct ColumnRule {
   std::size_t leastWidth = 1;  // of a string column
 };
 
+/// What the columns of a file must or may hold, one rule each.
 struct ReadRules {
   std::vector<ColumnRule> columns;
   std::vector<std::string> missingTexts;  // cells that count as empty, beside empty ones
@@ -52,9 +52,10 @@ struct TextPlace {
   static TextPlace Load(const host::OBS& cell);
 };
 
+/// One thread reads one slice; slices share nothing but the rows of the columns that are their own.
 class SliceReader {
  public:
-  /// Lends everything. `parts` has one entry per column, with room for the slice's rows.
+  /// Owns none of these. `parts` has one entry per column, with room for the slice's rows.
   SliceReader(const FileText& text, const CellScanner& scanner, const ReadRules& rules, const RowSlice& slice,
               std::vector<ColumnPart> parts);
 

@@ -2,13 +2,14 @@
 
 #include <cstring>
 
-#include "standalone/data/names.h"
+#include "standalone/text/ascii.h"
 
 namespace standalone {
 
 int Table::Find(std::string_view name) const {
+  // Commands name few variables, and procedures add columns and name them later, so no index is kept.
   for (std::size_t i = 0; i < fColumns.size(); ++i) {
-    if (IsSameName(fColumns[i]->variable.GetName(), name)) return static_cast<int>(i);
+    if (IsSameWord(fColumns[i]->variable.GetName(), name)) return static_cast<int>(i);
   }
   return -1;
 }

@@ -1,4 +1,4 @@
-// The active data in memory: one array of cells per variable.
+// The active data in memory: one array of cells per variable, and the data source over them.
 #pragma once
 
 #include <cstddef>
@@ -44,5 +44,9 @@ class Table {
   std::vector<std::string> fDocuments;
   std::size_t fCaseCount = 0;
 };
+
+/// The data source of one command over a table, as the module sees it. The table is not owned and must
+/// outlive the source.
+std::unique_ptr<host::ProcedureDataSource> MakeProcedureDataSource(Table& table);
 
 }  // namespace standalone

@@ -9,7 +9,7 @@
 #include <unordered_set>
 
 #include "standalone/data/file_text.h"
-#include "standalone/data/format_text.h"
+#include "standalone/data/format_names.h"
 #include "standalone/data/json_check.h"
 #include "standalone/text/utf8.h"
 
@@ -33,6 +33,8 @@ class SchemaParser {
   explicit SchemaParser(const std::string& path) { fResult.schema.path = path; }
 
   SchemaResult Parse(std::string_view text) {
+    // Checked first, without building anything: a tree of hostile depth would end the program as it is
+    // taken down, and a tree doesn't know on which lines its parts began.
     const JsonCheck check = CheckJson(text);
     if (!check.fault.empty()) {
       fLine = check.faultLine;
@@ -169,6 +171,7 @@ bool SchemaParser::ReadTitle(const json& entry) {
 
 bool SchemaParser::ReadValue(const json& value, std::string_view key, SchemaValue& result) {
   if (value.is_number()) {
+    // -0 becomes 0, as in the data: the two would be two categories.
     result = {true, value.get<double>() + 0.0, {}};
     return true;
   }
@@ -249,6 +252,7 @@ bool SchemaParser::ReadMeasure(const json& entry) {
   return true;
 }
 
+// Ranges are closed, so an end that isn't there is the largest number, which no case lies beyond.
 bool SchemaParser::ReadBound(const json& bound, double open, double& value) {
   if (!bound.is_null() && !bound.is_number()) return false;
   value = bound.is_null() ? open : bound.get<double>();

@@ -21,6 +21,7 @@ struct SchemaValue {
   std::string text;  // of a string
 };
 
+/// A value with its label.
 struct SchemaCategory {
   SchemaValue value;
   std::string label;  // empty: none
@@ -43,6 +44,7 @@ struct SchemaField {
   std::optional<bool> blankMissing;                       // x-blank-missing, of a string; usually so
 };
 
+/// A schema as it stands, before it meets the columns of a file.
 struct TableSchema {
   std::string path;
   std::vector<std::string> missingTexts;  // top `missingValues`: texts that count as empty
@@ -50,6 +52,7 @@ struct TableSchema {
   std::vector<SchemaField> fields;
 };
 
+/// What came of reading a schema.
 struct SchemaResult {
   std::string error;  // "path:line: …"; empty for success
   std::vector<std::string> warnings;

@@ -2,17 +2,16 @@
 
 #include <unistd.h>
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <filesystem>
 #include <system_error>
 
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 #include "standalone/data/table_schema.h"
+#include "standalone/files/atomic_file.h"
 #include "standalone/files/dictionary_check.h"
-#include "standalone/files/pending_file.h"
-#include "standalone/files/schema_writer.h"
+#include "standalone/text/numbers.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 
@@ -87,9 +86,7 @@ void DelimitedWriter::AppendNumber(const Column& column, std::size_t row) {
     return;
   }
   if (!std::isfinite(number)) fError = BadNumberClause(column, row);
-  std::array<char, 32> text;
-  const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
-  fLine.append(text.data(), end);
+  AppendShortest(fLine, number);
 }
 
 bool DelimitedWriter::NeedsQuotes(std::string_view text) const {
@@ -171,6 +168,7 @@ std::string WriteDelimited(const std::string& path, char delimiter, const Table&
   if (std::string error = DelimitedWriter(data, delimiter, table).Write(); !error.empty()) return error;
   if (!data.Complete()) return data.Error();
 
+  // Both files are complete and on the disk now: nearly all that can fail has failed by then.
   KeptFile before(schemaPath);
   if (!schema.Publish()) return "its schema " + schemaPath + ": " + schema.Error();
   if (!data.Publish()) before.Restore();

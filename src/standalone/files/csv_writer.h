@@ -1,4 +1,4 @@
-// Writing data files of delimited text.
+// Writing data files of delimited text, and the schemas that go with them.
 #pragma once
 
 #include <string>
@@ -15,6 +15,10 @@ namespace standalone {
 /// it harms nobody, and data without their schema would be read with wrong missing values. When the data
 /// can't follow it, the schema that was there before comes back.
 std::string WriteDelimited(const std::string& path, char delimiter, const Table& table);
+
+/// A Table Schema document that says all that a dictionary holds, so that reading the data with it gives the
+/// same dictionary again. The dictionary must be sound (`DictionaryFault`).
+std::string SchemaText(const Table& table);
 
 /// Where the schema of a data file of text lies by default.
 std::string SchemaPathFor(const std::string& path);

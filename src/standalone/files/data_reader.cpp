@@ -9,15 +9,15 @@
 #include <system_error>
 
 #include "standalone/data/cell_scanner.h"
-#include "standalone/data/cell_text.h"
-#include "standalone/data/file_ending.h"
+#include "standalone/data/cells.h"
 #include "standalone/data/file_text.h"
 #include "standalone/data/names.h"
 #include "standalone/data/read_columns.h"
 #include "standalone/data/row_slices.h"
 #include "standalone/data/schema_columns.h"
 #include "standalone/data/table_schema.h"
-#include "standalone/files/vdt_reader.h"
+#include "standalone/files/vdt_file.h"
+#include "standalone/text/ascii.h"
 #include "standalone/text/utf8.h"
 
 namespace standalone {
@@ -26,6 +26,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// Beyond any survey: a file whose line feeds got lost must not become as many variables.
 constexpr std::size_t kMostColumns = 100000;
 constexpr std::size_t kListedRenames = 50;
 constexpr std::size_t kShownHeader = 80;  // characters of a header text in a message
@@ -79,6 +80,7 @@ bool DelimitedReader::ReadText() {
     return Fail(
         fmt::format("{}: the file is empty; its first line must hold the variables' names", fOptions.path));
   }
+  // Checked in one go before anything is read, so that all that follows may take valid UTF-8 for granted.
   const std::size_t bad = FindBadByteInParts(fText.View(), std::max(fOptions.threads, 1));
   if (bad == fText.Size()) return true;
   const char* place = fText.Begin() + bad;
@@ -96,7 +98,7 @@ bool DelimitedReader::ReadHeader() {
   for (;; ++place) {
     Cell cell;
     if (const char* fault = scanner.Scan(place, cell)) return FailAt(cell.after, fault);
-    fHeaders.emplace_back(TrimBlanks(cell.Text()));
+    fHeaders.emplace_back(Trimmed(cell.Text()));
     if (fHeaders.size() > kMostColumns) {
       return FailAt(place, fmt::format("more than {} columns; split the file", kMostColumns));
     }
@@ -188,6 +190,14 @@ ReadResult Failure(std::string error) {
 }
 
 }  // namespace
+
+DataFileForm DataFileFormOf(const std::string& path) {
+  const std::string ending = UpperOf(fs::path(path).extension().string());
+  if (ending == ".CSV") return DataFileForm::kCommas;
+  if (ending == ".TSV") return DataFileForm::kTabs;
+  if (ending == ".VDT") return DataFileForm::kCaseFile;
+  return DataFileForm::kUnknown;
+}
 
 ReadResult ReadDataFile(const ReadOptions& options) {
   const DataFileForm form = DataFileFormOf(options.path);

@@ -1,4 +1,4 @@
-// Reading a data file into a table.
+// Reading a data file into a table; the forms of data files.
 #pragma once
 
 #include <string>
@@ -8,6 +8,13 @@
 
 namespace standalone {
 
+/// What a data file's ending says of its form.
+enum class DataFileForm { kUnknown, kCommas, kTabs, kCaseFile };
+
+/// The form by the ending, in any case: .csv, .tsv, .vdt.
+DataFileForm DataFileFormOf(const std::string& path);
+
+/// Which file to read, and how.
 struct ReadOptions {
   std::string path;
   std::string schemaPath;  // empty: `<name>.schema.json` beside the data when it exists

@@ -6,10 +6,10 @@
 #include <new>
 #include <system_error>
 
-#include "standalone/data/file_ending.h"
 #include "standalone/files/csv_writer.h"
+#include "standalone/files/data_reader.h"
 #include "standalone/files/dictionary_check.h"
-#include "standalone/files/vdt_writer.h"
+#include "standalone/files/vdt_file.h"
 
 namespace standalone {
 
@@ -31,6 +31,7 @@ std::string NameFault(const std::string& path) {
 }
 
 std::string Write(const std::string& path, const Table& table) {
+  // Asked again, although the program asks before a run: what is at the path may have changed since.
   if (std::string fault = NameFault(path); !fault.empty()) return fault;
   if (std::string fault = DictionaryFault(table); !fault.empty()) return fault;
   const DataFileForm form = DataFileFormOf(path);

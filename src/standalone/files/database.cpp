@@ -47,6 +47,8 @@ std::string Describe(sqlite3* handle, int status) {
 Database::Database(const std::filesystem::path& path, Use use) {
   if (!Open(path, use)) return;
   Restrict(use);
+  // Nobody else knows the file, and on failure it is thrown away: it needs no journal to go back by, no
+  // locks, and no waiting for the disk, to which PendingFile brings it once it is whole.
   if (use == Use::kWriting)
     Execute("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; PRAGMA locking_mode=EXCLUSIVE");
 }
@@ -62,6 +64,9 @@ bool Database::Open(const std::filesystem::path& path, Use use) {
 }
 
 void Database::Restrict(Use use) {
+  // A database from elsewhere may hold SQL of its own (views, triggers, defaults, computed columns) that
+  // runs when it is read, and may be damaged so as to lead a reader astray. These are the measures that the
+  // SQLite project recommends for such files ("Defense Against The Dark Arts").
   const auto turn = [this](int setting, int value) {
     Check(sqlite3_db_config(fpHandle, setting, value, nullptr));
   };
@@ -78,6 +83,8 @@ void Database::Restrict(Use use) {
   sqlite3_limit(fpHandle, SQLITE_LIMIT_COMPOUND_SELECT, 2);
   sqlite3_limit(fpHandle, SQLITE_LIMIT_ATTACHED, 0);
   sqlite3_busy_timeout(fpHandle, kWaitMilliseconds);
+  // Damaged pages are found before they are used. A file mapped into memory that another program cuts short
+  // would end this one by a signal, so it is read by calls.
   Execute("PRAGMA cell_size_check=ON; PRAGMA mmap_size=0");
 }
 
@@ -136,6 +143,7 @@ void Statement::BindWhole(int parameter, std::int64_t number) {
 void Statement::BindText(int parameter, std::string_view text) {
   if (fDatabase.Failed()) return;
   const char* bytes = text.empty() ? "" : text.data();  // a null pointer would stand for null
+  // SQLITE_STATIC: the text stays until the statement has run, so it isn't copied.
   Check(sqlite3_bind_text(fpHandle, parameter, bytes, static_cast<int>(text.size()), SQLITE_STATIC));
 }
 

@@ -66,7 +66,7 @@ class Statement {
 
   void BindNumber(int parameter, double number);
   void BindWhole(int parameter, std::int64_t number);
-  /// The text is lent until the statement has run.
+  /// The text is not owned and stays until the statement has run.
   void BindText(int parameter, std::string_view text);
   void BindNull(int parameter);
   /// Runs a statement that gives no rows, and makes it ready to run again.

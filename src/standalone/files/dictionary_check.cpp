@@ -6,9 +6,8 @@
 #include <string_view>
 #include <unordered_set>
 
-#include "standalone/data/cell_text.h"
-#include "standalone/data/format_text.h"
-#include "standalone/data/slice_reader.h"
+#include "standalone/data/cells.h"
+#include "standalone/data/format_names.h"
 #include "standalone/text/utf8.h"
 
 namespace standalone {
@@ -55,6 +54,7 @@ std::string ValuesFault(const host::VORN_Variable& variable) {
   return isRange ? "" : "a range of missing values without a low and a high end";
 }
 
+/// What procedures make comes through an interface that checks nothing, so each part is looked at here.
 std::string VariableFault(const host::VORN_Variable& variable) {
   if (!host::ValidateVORNName(variable.GetName()) || !IsText(variable.GetName())) return "no legal name";
   if (std::string fault = TypeFault(variable); !fault.empty()) return fault;
@@ -64,6 +64,7 @@ std::string VariableFault(const host::VORN_Variable& variable) {
 
 }  // namespace
 
+// A faulty name is faulty for what it holds, and must not steer the terminal that shows it.
 std::string QuotedName(std::string_view name) {
   std::string text;
   for (std::size_t offset = 0; offset < name.size();) {

@@ -1,11 +1,11 @@
-#include "standalone/files/schema_writer.h"
+#include "standalone/files/csv_writer.h"
 
 #include <algorithm>
 #include <limits>
 #include <nlohmann/json.hpp>
 
-#include "standalone/data/cell_text.h"
-#include "standalone/data/format_text.h"
+#include "standalone/data/cells.h"
+#include "standalone/data/format_names.h"
 
 namespace standalone {
 
@@ -78,6 +78,7 @@ ordered_json FieldJson(const VORN_Variable& variable) {
 
 std::string SchemaText(const Table& table) {
   std::string text = "{\n  \"fields\": [";
+  // A field a line: a message about a schema names the line.
   for (std::size_t i = 0; i < table.ColumnCount(); ++i)
     text += (i == 0 ? "\n    " : ",\n    ") + FieldJson(table.At(i).variable).dump();
   text += "\n  ]";

@@ -5,13 +5,14 @@
 #include <ctime>
 
 #include "host/files.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 
 namespace host {
 
 CalendarDate BCLOCK() {
   const std::time_t now = std::time(nullptr);
   std::tm day{};
+  // std::localtime shares one buffer among all threads.
   if (::localtime_r(&now, &day) == nullptr) return {};
   return {day.tm_mday, day.tm_mon + 1, day.tm_year + 1900};
 }

@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 #include "standalone/files/dictionary_check.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 

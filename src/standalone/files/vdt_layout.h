@@ -1,8 +1,8 @@
 // How a case file (.vdt) is laid out: an SQLite database that any client can read.
 //
 //   variables       one row a variable, in file order from position 1; width is 0 for a number, otherwise the
-//   bytes
-//                   of a string; format such as F8.2 or A12; measure is nominal, ordinal, scale or unknown
+//                   bytes of a string; format such as F8.2 or A12; measure is nominal, ordinal, scale or
+//                   unknown
 //   value_labels    one row a label; variable is a position, value a number or a text
 //   missing_values  one row a declaration: either a value, or both ends of a closed range
 //   documents       lines that say how the file came about
@@ -21,6 +21,7 @@ namespace standalone::vdt {
 constexpr std::int64_t kApplicationId = 0x56445446;  // "VDTF"
 constexpr std::int64_t kVersion = 1;
 
+/// A column as the file's schema declares it.
 struct ColumnLayout {
   std::string name;
   std::string type;  // as declared; empty for a column that takes numbers and texts as they are
@@ -29,6 +30,7 @@ struct ColumnLayout {
   friend bool operator==(const ColumnLayout&, const ColumnLayout&) = default;
 };
 
+/// A table of the file with its columns in their order.
 struct TableLayout {
   std::string name;
   std::vector<ColumnLayout> columns;

@@ -1,4 +1,4 @@
-#include "standalone/files/vdt_reader.h"
+#include "standalone/files/vdt_file.h"
 
 #include <fmt/format.h>
 
@@ -10,9 +10,8 @@
 #include <fstream>
 #include <system_error>
 
-#include "standalone/data/cell_text.h"
-#include "standalone/data/format_text.h"
-#include "standalone/data/slice_reader.h"
+#include "standalone/data/cells.h"
+#include "standalone/data/format_names.h"
 #include "standalone/files/database.h"
 #include "standalone/files/dictionary_check.h"
 #include "standalone/files/vdt_cases.h"
@@ -76,6 +75,8 @@ class VdtReader {
   std::size_t fDictionaryBytes = 0;     // that labelled and missing values take
 };
 
+/// NOT INDEXED: an index is a second copy of a table's values, and in a damaged or hostile file it may say
+/// something else than the table.
 std::string Select(const vdt::TableLayout& layout) {
   return fmt::format("SELECT {} FROM {} NOT INDEXED", vdt::ColumnList(layout), layout.name);
 }

@@ -1,15 +1,16 @@
-#include "standalone/files/vdt_writer.h"
+#include "standalone/files/vdt_file.h"
 
 #include <fmt/format.h>
 
 #include <cmath>
 
-#include "standalone/data/cell_text.h"
-#include "standalone/data/format_text.h"
+#include "standalone/data/cells.h"
+#include "standalone/data/format_names.h"
+#include "standalone/files/atomic_file.h"
 #include "standalone/files/database.h"
 #include "standalone/files/dictionary_check.h"
-#include "standalone/files/pending_file.h"
 #include "standalone/files/vdt_layout.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 
@@ -24,6 +25,7 @@ class VdtWriter {
 
   void Write() {
     if (!CheckSize()) return;
+    // One transaction: SQLite then writes each page once, not once a row.
     fDatabase.Execute("BEGIN");
     fDatabase.Execute(
         fmt::format("PRAGMA application_id={}; PRAGMA user_version={}", vdt::kApplicationId, vdt::kVersion)
@@ -183,6 +185,8 @@ std::string WriteVdt(const std::string& path, const Table& table) {
   if (!file.Error().empty()) return file.Error();
   Database database(file.Path(), Database::Use::kWriting);
   VdtWriter(database, table).Write();
+  // Closed before the file is completed: SQLite may hold back pages until then, and a failure to write them
+  // shows only now.
   if (database.Failed() || !database.Close()) return database.Error();
   if (file.Complete()) file.Publish();
   return file.Error();

@@ -18,6 +18,8 @@ Index MakeIndex() {
   return index;
 }
 
+// Made at first use: the entries are constants of other files, whose initialisation has no order. The index
+// holds views of them, as literals live as long as the program.
 const Index& TheIndex() {
   static const Index index = MakeIndex();
   return index;

@@ -10,6 +10,7 @@
 #include "standalone/output/catalogue.h"
 #include "standalone/output/number_text.h"
 #include "standalone/output/template.h"
+#include "standalone/text/ascii.h"
 
 namespace host {
 
@@ -61,12 +62,8 @@ Overloaded(Fs...) -> Overloaded<Fs...>;
 
 using CompositePointer = std::shared_ptr<const host::BpComposite>;
 
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
+/// Labels from files made elsewhere end lines with CR or CRLF, and a CR on a terminal goes back to the
+/// line's start.
 std::string WithLineFeeds(std::string text) {
   std::size_t to = 0;
   for (std::size_t from = 0; from < text.size(); ++from) {
@@ -149,7 +146,7 @@ std::string VariableText(const host::VORN_Variable& variable, host::BpShow show)
 std::string ValueText(const host::VORN_Variable& variable, const host::OBS* cells) {
   std::string text;
   if (host::ToString(cells, variable.GetFormat(), text) != 0) return {};
-  return std::string(Trimmed(text));
+  return std::string(Trimmed(text, " "));
 }
 
 std::string TextOf(const host::BpCellText& content) {
@@ -170,6 +167,8 @@ std::string LabelOf(const host::BpCellText& content) {
   return number == nullptr ? TextOf(content) : NumberLabel(number->value, number->format);
 }
 
+// The first letter keeps kinds apart: the text "1" is not the number 1. Numbers go by their bits, since two
+// that print alike are two labels; adding 0 makes -0 a 0.
 std::string IdentityOf(const host::BpCellText& content) {
   return std::visit(
       Overloaded{[&](const host::BpString&) { return "T" + TextOf(content); },

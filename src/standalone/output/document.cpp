@@ -1,6 +1,7 @@
 #include "standalone/output/document.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace standalone {
 
@@ -31,6 +32,8 @@ std::vector<std::string> PivotDimension::Path(int label) const {
   return path;
 }
 
+// FNV-1a by coordinate instead of by byte. Coordinates are small numbers, so the shift brings high bits
+// down.
 std::size_t PivotTable::Hash::operator()(const std::vector<int>& key) const {
   std::uint64_t hash = 1469598103934665603ULL;
   for (const int part : key) {
@@ -42,11 +45,13 @@ std::size_t PivotTable::Hash::operator()(const std::vector<int>& key) const {
 }
 
 const PivotCell* PivotTable::Find(const std::vector<int>& coordinates) const {
+  assert(coordinates.size() == dimensions.size());
   const auto at = fCells.find(coordinates);
   return at == fCells.end() ? nullptr : &at->second;
 }
 
 PivotCell& PivotTable::At(const std::vector<int>& coordinates) {
+  assert(coordinates.size() == dimensions.size());
   return fCells[coordinates];
 }
 
@@ -70,6 +75,10 @@ const PivotTable* CommandOutput::FindTable(const std::string& id, int n) const {
 
 bool CommandOutput::HasMessage(const std::string& key) const {
   return std::any_of(messages.begin(), messages.end(), [&](const Message& m) { return m.key == key; });
+}
+
+std::string CommandOutput::Title() const {
+  return name.empty() ? "Command without a name" : name;
 }
 
 }  // namespace standalone

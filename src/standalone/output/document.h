@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "host/output.h"
-#include "standalone/session/messages.h"
+#include "standalone/output/message.h"
 
 namespace standalone {
 
@@ -86,7 +86,7 @@ struct CommandNote {
 };
 
 struct CommandOutput {
-  std::string name;  // upper case
+  std::string name;  // upper case; empty when the command has none, which is an error
   bool failed = false;
   double seconds = 0;
   std::vector<Message> messages;
@@ -96,6 +96,8 @@ struct CommandOutput {
   /// The n-th table (from 1) of that id which has cells, or null.
   const PivotTable* FindTable(const std::string& id, int n = 1) const;
   bool HasMessage(const std::string& key) const;
+  /// What a person reads in the place of the name: the name, or that there is none.
+  std::string Title() const;
 };
 
 struct Document {

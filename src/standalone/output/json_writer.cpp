@@ -1,10 +1,13 @@
+// Written as it comes: a document can hold millions of cells, and a tree of them in memory would take many
+// times their room.
 #include "standalone/output/json_writer.h"
 
+#include <cassert>
 #include <ostream>
 #include <string>
 
-#include "standalone/output/number_text.h"
-#include "standalone/text/plain_text.h"
+#include "standalone/text/numbers.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 
@@ -34,6 +37,7 @@ void JsonWriter::Begin(char bracket, bool inLines) {
 }
 
 void JsonWriter::End(char bracket) {
+  assert(!fLevels.empty() && !fbAfterKey);
   const Level level = fLevels.back();
   fLevels.pop_back();
   if (level.inLines && !level.isEmpty) NewLine();
@@ -41,6 +45,7 @@ void JsonWriter::End(char bracket) {
 }
 
 void JsonWriter::Key(std::string_view key) {
+  assert(!fLevels.empty() && !fbAfterKey);
   Separate();
   Quote(key);
   fOut << ": ";
@@ -62,6 +67,24 @@ void JsonWriter::Null() {
   fOut << "null";
 }
 
+void JsonWriter::TextMember(std::string_view key, std::string_view text) {
+  Key(key);
+  Text(text);
+}
+
+void JsonWriter::NumberMember(std::string_view key, double value) {
+  Key(key);
+  Number(value);
+}
+
+void JsonWriter::TextsMember(std::string_view key, const std::vector<std::string>& texts) {
+  Key(key);
+  BeginArray();
+  for (const std::string& text : texts)
+    Text(text);
+  EndArray();
+}
+
 void JsonWriter::Quote(std::string_view text) {
   static constexpr char kHex[] = "0123456789abcdef";
   std::string quoted = "\"";
@@ -74,6 +97,7 @@ void JsonWriter::Quote(std::string_view text) {
       quoted += "\\n";
     } else if (c == '\t') {
       quoted += "\\t";
+      // JSON allows a DEL, but a terminal that shows the document acts on it.
     } else if (byte < 0x20 || byte == 0x7F) {
       quoted += "\\u00";
       quoted += kHex[byte >> 4];

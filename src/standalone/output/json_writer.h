@@ -2,6 +2,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -22,6 +23,11 @@ class JsonWriter {
   void Text(std::string_view text);
   void Number(double value);
   void Null();
+
+  /// A key with its value.
+  void TextMember(std::string_view key, std::string_view text);
+  void NumberMember(std::string_view key, double value);
+  void TextsMember(std::string_view key, const std::vector<std::string>& texts);
 
  private:
   struct Level {

@@ -9,6 +9,7 @@
 
 namespace standalone {
 
+/// Counts the messages of the running command by their keys; one object serves all commands of a run.
 class MessageLimit {
  public:
   static constexpr int kMostOfOneKey = 20;

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "standalone/text/numbers.h"
+
 namespace standalone {
 
 namespace {
@@ -57,17 +59,6 @@ std::string AtMostThreeDecimals(double value) {
 }
 
 }  // namespace
-
-bool IsMissingNumber(double value) {
-  return value == host::kSystemMissing || !std::isfinite(value);
-}
-
-std::string ShortestText(double value) {
-  if (IsMissingNumber(value)) return {};
-  Buffer buffer;
-  const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-  return {buffer.data(), result.ptr};
-}
 
 std::string NumberText(double value, const host::BpFormatSpec& format) {
   if (IsMissingNumber(value)) return {};

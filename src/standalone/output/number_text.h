@@ -17,10 +17,4 @@ std::string NumberText(double value, const host::BpFormatSpec& format);
 /// different numbers never look alike.
 std::string NumberLabel(double value, const host::BpFormatSpec& format);
 
-/// The shortest text that reads back to the same double; empty for a missing number.
-std::string ShortestText(double value);
-
-/// True for the host's missing value and for numbers that aren't finite.
-bool IsMissingNumber(double value);
-
 }  // namespace standalone

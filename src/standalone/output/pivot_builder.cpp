@@ -18,6 +18,8 @@ struct TableState {
 
   PivotCell& CurrentCell() {
     if (std::find(current.begin(), current.end(), 0) != current.end()) {
+      // An exception and no assertion, which a released program hasn't: the number would be printed at
+      // another place.
       throw std::logic_error("a cell of table " + table.id +
                              " was set before every dimension had a category");
     }
@@ -90,6 +92,7 @@ class DimensionBuilder final : public host::BpDimension {
 
   /// The label of that identity below `parent`, made when it isn't there.
   int Find(int parent, const host::BpCellText& label, bool isCategory) {
+    // Looked up by identity and not by text: categories whose texts are the same stay two.
     std::string key = std::to_string(parent) + (isCategory ? 'c' : 'g') + IdentityOf(label);
     std::vector<PivotLabel>& labels = Data().labels;
     const auto [at, isNew] = fKnown.try_emplace(std::move(key), static_cast<int>(labels.size()));
@@ -103,7 +106,7 @@ class DimensionBuilder final : public host::BpDimension {
   TableState& fState;
   std::size_t fIndex;
   std::unordered_map<std::string, int> fKnown;
-  // Node-based maps: the handles that were lent must stay where they are.
+  // Node-based maps: callers keep references to the handles.
   std::unordered_map<int, GroupBuilder> fGroups;
   std::unordered_map<int, CategoryBuilder> fCategories;
 };
@@ -141,6 +144,7 @@ class TableBuilder final : public host::BpPivotTable {
   TableBuilder& operator=(const TableBuilder&) = delete;
 
   ~TableBuilder() override {
+    // A procedure may begin a table before it knows that there is nothing to put into it.
     if (!fState.table.dimensions.empty()) return;
     std::erase_if(fOutput.tables, [this](const auto& table) { return table.get() == &fState.table; });
   }
@@ -161,7 +165,7 @@ class TableBuilder final : public host::BpPivotTable {
  private:
   CommandOutput& fOutput;
   TableState fState;
-  std::deque<DimensionBuilder> fDimensions;  // a deque: lent handles stay
+  std::deque<DimensionBuilder> fDimensions;  // a deque: handles stay where they are
 };
 
 class HeadingBuilder final : public host::BpHeading {

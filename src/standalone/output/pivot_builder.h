@@ -9,8 +9,8 @@
 
 namespace standalone {
 
-/// A procedure whose tables go to `output`, which is lent and must outlive it. Its outermost heading adds no
-/// level to the outline.
+/// A procedure whose tables go to `output`, which is not owned and must outlive it. Its outermost
+/// heading adds no level to the outline.
 ///
 /// A table stands in the document from the moment it is made, so tables keep the order of their making; one
 /// that has no dimension when its handle ends is taken out again. `BpCategory::Cell` makes its own category

@@ -5,14 +5,16 @@
 #include <string>
 
 #include "standalone/output/catalogue.h"
-#include "standalone/text/plain_text.h"
+#include "standalone/text/terminal_text.h"
 
 namespace standalone {
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
+// Faster than one reads, and slow enough to cost nothing.
 constexpr auto kInterval = std::chrono::milliseconds(100);
+// A line that wraps can't be written over: the carriage return goes back to its last part only.
 constexpr std::size_t kMaxWidth = 76;
 
 }  // namespace

@@ -8,8 +8,8 @@
 
 namespace standalone {
 
-/// A display that writes over its own line, at most a few times a second. The stream is lent; null shows
-/// nothing.
+/// A display that writes over its own line, at most a few times a second. The stream is not owned; null
+/// shows nothing.
 class ProgressLine final : public host::ProgressDisplay {
  public:
   explicit ProgressLine(std::ostream* stream);

@@ -1,3 +1,5 @@
+// One page that shows the same offline, in a mail and in ten years: styles are inside, there are no
+// scripts, and tables are tables, with headers that a screen reader can follow.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -5,7 +7,7 @@
 
 #include "standalone/output/renderers.h"
 #include "standalone/output/table_layout.h"
-#include "standalone/text/plain_text.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 
@@ -72,6 +74,7 @@ std::string Escaped(std::string_view text) {
         out += "&#39;";
         break;
       default:
+        // HTML has no way to write the other control characters.
         out += static_cast<unsigned char>(c) < 0x20 && c != '\n' ? ' ' : c;
     }
   }
@@ -214,7 +217,7 @@ void WriteNotes(std::ostream& out, const std::vector<CommandNote>& notes) {
 }
 
 void WriteCommand(std::ostream& out, const CommandOutput& command, std::size_t& tableNumber) {
-  out << "<section>\n<header><h1>" << Escaped(command.name) << "</h1><p>"
+  out << "<section>\n<header><h1>" << Escaped(command.Title()) << "</h1><p>"
       << fmt::format("{:.2f} s", command.seconds) << (command.failed ? ", ended with an error" : "")
       << "</p></header>\n";
   WriteMessages(out, command.messages);

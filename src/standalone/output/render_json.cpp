@@ -1,3 +1,4 @@
+// The document for programs. Members are only ever added; their order and names stay.
 #include <ostream>
 
 #include "standalone/output/json_writer.h"
@@ -8,28 +9,15 @@ namespace standalone {
 
 namespace {
 
-void TextArray(JsonWriter& json, std::string_view key, const std::vector<std::string>& texts) {
-  json.Key(key);
-  json.BeginArray();
-  for (const std::string& text : texts)
-    json.Text(text);
-  json.EndArray();
-}
-
-void TextMember(JsonWriter& json, std::string_view key, std::string_view text) {
-  json.Key(key);
-  json.Text(text);
-}
-
 void WriteMessages(JsonWriter& json, const std::vector<Message>& messages) {
   json.Key("messages");
   json.BeginArray(true);
   for (const Message& message : messages) {
     json.BeginObject();
-    TextMember(json, "level", message.isError ? "error" : "warning");
-    TextMember(json, "key", message.key);
-    TextMember(json, "text", message.text);
-    if (!message.location.empty()) TextMember(json, "location", message.location);
+    json.TextMember("level", message.isError ? "error" : "warning");
+    json.TextMember("key", message.key);
+    json.TextMember("text", message.text);
+    if (!message.location.empty()) json.TextMember("location", message.location);
     json.EndObject();
   }
   json.EndArray();
@@ -40,8 +28,8 @@ void WriteNotes(JsonWriter& json, const std::vector<CommandNote>& notes) {
   json.BeginArray(true);
   for (const CommandNote& note : notes) {
     json.BeginObject();
-    TextMember(json, "label", note.label);
-    TextMember(json, "text", note.text);
+    json.TextMember("label", note.label);
+    json.TextMember("text", note.text);
     json.EndObject();
   }
   json.EndArray();
@@ -64,9 +52,9 @@ void WriteLabelNotes(JsonWriter& json, const PivotTable& table) {
     for (std::size_t label = 0; label < dimension.labels.size(); ++label) {
       for (const std::string& note : dimension.labels[label].notes) {
         json.BeginObject();
-        TextMember(json, "dimension", dimension.Label());
-        TextArray(json, "path", dimension.Path(static_cast<int>(label)));
-        TextMember(json, "note", note);
+        json.TextMember("dimension", dimension.Label());
+        json.TextsMember("path", dimension.Path(static_cast<int>(label)));
+        json.TextMember("note", note);
         json.EndObject();
       }
     }
@@ -97,11 +85,11 @@ void WriteCells(JsonWriter& json, const TableLayout& layout) {
       const PivotCell* cell = layout.Find(r, c);
       if (cell == nullptr) continue;
       json.BeginObject();
-      TextArray(json, "row", row);
-      TextArray(json, "column", columns[c]);
+      json.TextsMember("row", row);
+      json.TextsMember("column", columns[c]);
       WriteValue(json, cell->content);
-      TextMember(json, "text", layout.At(r, c).text);
-      TextArray(json, "notes", cell->notes);
+      json.TextMember("text", layout.At(r, c).text);
+      json.TextsMember("notes", cell->notes);
       json.EndObject();
     }
   }
@@ -111,11 +99,11 @@ void WriteCells(JsonWriter& json, const TableLayout& layout) {
 void WriteTable(JsonWriter& json, const PivotTable& table) {
   const TableLayout layout(table);
   json.BeginObject(true);
-  TextMember(json, "id", table.id);
-  TextMember(json, "title", table.title);
-  TextArray(json, "heading", table.heading);
-  TextMember(json, "caption", table.caption);
-  TextArray(json, "notes", table.notes);
+  json.TextMember("id", table.id);
+  json.TextMember("title", table.title);
+  json.TextsMember("heading", table.heading);
+  json.TextMember("caption", table.caption);
+  json.TextsMember("notes", table.notes);
   WriteDimensionLabels(json, "row_dimensions", table, layout.Rows());
   WriteDimensionLabels(json, "column_dimensions", table, layout.Columns());
   WriteLabelNotes(json, table);
@@ -125,10 +113,9 @@ void WriteTable(JsonWriter& json, const PivotTable& table) {
 
 void WriteCommand(JsonWriter& json, const CommandOutput& command) {
   json.BeginObject(true);
-  TextMember(json, "command", command.name);
-  TextMember(json, "status", command.failed ? "error" : "ok");
-  json.Key("seconds");
-  json.Number(command.seconds);
+  json.TextMember("command", command.name);
+  json.TextMember("status", command.failed ? "error" : "ok");
+  json.NumberMember("seconds", command.seconds);
   WriteMessages(json, command.messages);
   WriteNotes(json, command.notes);
   json.Key("tables");
@@ -144,7 +131,7 @@ void WriteCommand(JsonWriter& json, const CommandOutput& command) {
 void RenderJson(std::ostream& out, const Document& document) {
   JsonWriter json(out);
   json.BeginObject(true);
-  TextMember(json, "tavoreg", document.version);
+  json.TextMember("tavoreg", document.version);
   if (!document.messages.empty()) WriteMessages(json, document.messages);
   json.Key("commands");
   json.BeginArray(true);

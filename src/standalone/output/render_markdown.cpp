@@ -1,3 +1,5 @@
+// Markdown's tables know no spans: groups of columns are named in each column's label, and groups of rows
+// stand once, with blank cells below them.
 #include <ostream>
 
 #include "standalone/output/renderers.h"
@@ -101,7 +103,7 @@ void WriteMessages(std::ostream& out, const std::vector<Message>& messages) {
 }
 
 void WriteCommand(std::ostream& out, const CommandOutput& command) {
-  out << "\n# " << Escaped(command.name) << (command.failed ? " (ended with an error)" : "") << '\n';
+  out << "\n# " << Escaped(command.Title()) << (command.failed ? " (ended with an error)" : "") << '\n';
   WriteMessages(out, command.messages);
   if (!command.notes.empty()) out << '\n';
   for (const CommandNote& note : command.notes)

@@ -1,12 +1,10 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <ostream>
 
-#include "standalone/output/message_text.h"
 #include "standalone/output/renderers.h"
-#include "standalone/output/table_layout.h"
-#include "standalone/output/text_table.h"
-#include "standalone/text/plain_text.h"
+#include "standalone/text/terminal_text.h"
 
 namespace standalone {
 
@@ -54,33 +52,57 @@ void WriteHeadings(std::ostream& out, const std::vector<std::string>& heading,
   last = heading;
 }
 
-void WriteCommand(std::ostream& out, const CommandOutput& command, std::size_t width) {
-  const std::string title = fmt::format("{}{}  ({:.2f} s)", command.name,
+std::string Counted(std::size_t count, const char* one, const char* many) {
+  return fmt::format("{} {}", count, count == 1 ? one : many);
+}
+
+/// In the place of messages that the reader has seen already: how many belong to this command.
+void CountMessages(std::ostream& out, const std::vector<Message>& messages) {
+  if (messages.empty()) return;
+  const auto errors = static_cast<std::size_t>(
+      std::count_if(messages.begin(), messages.end(), [](const Message& m) { return m.isError; }));
+  const std::size_t warnings = messages.size() - errors;
+  out << '\n';
+  if (errors > 0) out << Counted(errors, "error", "errors");
+  if (errors > 0 && warnings > 0) out << " and ";
+  if (warnings > 0) out << Counted(warnings, "warning", "warnings");
+  out << ": see above.\n";
+}
+
+void WriteCommand(std::ostream& out, const CommandOutput& command, const TextOptions& options) {
+  const std::string title = fmt::format("{}{}  ({:.2f} s)", command.Title(),
                                         command.failed ? ", ended with an error" : "", command.seconds);
   out << title << '\n' << Underline(title, "═") << '\n';
-  WriteMessages(out, command.messages, width);
+  if (options.messagesStandAbove) {
+    CountMessages(out, command.messages);
+  } else {
+    WriteMessages(out, command.messages, options.width);
+  }
   WriteNotes(out, command.notes);
   std::vector<std::string> heading;
   for (const auto& table : command.tables) {
     WriteHeadings(out, table->heading, heading);
     out << '\n';
-    WriteTextTable(out, TableLayout(*table), width);
+    RenderTextTable(out, *table, options.width);
   }
+}
+
+/// Whether a message stands above the text, from which a blank line then parts it.
+bool HasMessage(const Document& document) {
+  return !document.messages.empty() ||
+         std::any_of(document.commands.begin(), document.commands.end(),
+                     [](const CommandOutput& command) { return !command.messages.empty(); });
 }
 
 }  // namespace
 
-void RenderTextTable(std::ostream& out, const PivotTable& table, std::size_t width) {
-  WriteTextTable(out, TableLayout(table), width);
-}
-
-void RenderText(std::ostream& out, const Document& document, std::size_t width) {
-  WriteMessages(out, document.messages, width);
-  bool isFirst = document.messages.empty();
+void RenderText(std::ostream& out, const Document& document, const TextOptions& options) {
+  if (!options.messagesStandAbove) WriteMessages(out, document.messages, options.width);
+  bool isFirst = options.messagesStandAbove ? !HasMessage(document) : document.messages.empty();
   for (const CommandOutput& command : document.commands) {
     if (!isFirst) out << '\n';
     isFirst = false;
-    WriteCommand(out, command, width);
+    WriteCommand(out, command, options);
   }
 }
 

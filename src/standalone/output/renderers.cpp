@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "host/data.h"
+#include "standalone/text/ascii.h"
 
 namespace standalone {
 
@@ -15,7 +15,7 @@ std::optional<OutputFormat> FormatOfName(std::string_view name) {
 }
 
 std::optional<OutputFormat> FormatOfFile(std::string_view path) {
-  const std::string ending = host::GetUpperVarName(std::filesystem::path(path).extension().string());
+  const std::string ending = UpperOf(std::filesystem::path(path).extension().string());
   if (ending == ".TXT") return OutputFormat::kText;
   if (ending == ".MD") return OutputFormat::kMarkdown;
   if (ending == ".HTML" || ending == ".HTM") return OutputFormat::kHtml;
@@ -23,10 +23,10 @@ std::optional<OutputFormat> FormatOfFile(std::string_view path) {
   return std::nullopt;
 }
 
-void Render(std::ostream& out, const Document& document, OutputFormat format) {
+void Render(std::ostream& out, const Document& document, OutputFormat format, const TextOptions& options) {
   switch (format) {
     case OutputFormat::kText:
-      RenderText(out, document);
+      RenderText(out, document, options);
       break;
     case OutputFormat::kMarkdown:
       RenderMarkdown(out, document);

@@ -48,6 +48,8 @@ std::vector<std::vector<int>> UsedLines(const PivotTable& table, const std::vect
     }
     return false;
   };
+  // From the cells and not from the product of the categories, of which a table with many dimensions has
+  // very many and uses few.
   std::set<std::vector<int>, decltype(before)> lines(before);
   std::vector<int> line(dimensions.size());
   for (const auto& [coordinates, cell] : table.AllCells()) {
@@ -126,6 +128,7 @@ std::vector<TableLayout::Entry> TableLayout::EntriesOf(const AxisLayout& axis, c
     const std::vector<int> path = VisiblePath(d, line[i]);
     const std::size_t depth = axis.depths[i];
     for (std::size_t k = 0; k < path.size(); ++k) {
+      // In a shallow branch the last label reaches down to the innermost level.
       const bool isLast = k + 1 == path.size();
       entries.push_back({d, path[k], level + k, isLast ? depth - k : 1});
     }
@@ -140,6 +143,8 @@ void TableLayout::PlaceHeader(AxisLayout& axis, bool withLabels) const {
   std::vector<std::size_t> open;  // the cell of each entry of the previous line
   for (std::size_t line = 0; line < axis.lines.size(); ++line) {
     const std::vector<Entry> entries = EntriesOf(axis, axis.lines[line], withLabels);
+    // A header cell spans the lines that agree in it and in all that lies outside it. The innermost label
+    // is the line's own, even where it repeats the one before.
     std::size_t shared = 0;
     while (shared + 1 < entries.size() && shared < previous.size() &&
            previous[shared].dimension == entries[shared].dimension &&

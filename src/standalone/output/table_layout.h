@@ -40,7 +40,7 @@ struct Footnote {
   std::string letter, text;
 };
 
-/// The table is lent. Rows and columns without any cell are left out.
+/// The table is not owned. Rows and columns without any cell are left out.
 class TableLayout {
  public:
   explicit TableLayout(const PivotTable& table);

@@ -4,13 +4,11 @@
 #include <cstddef>
 #include <optional>
 
+#include "standalone/text/ascii.h"
+
 namespace standalone {
 
 namespace {
-
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 /// The number at `at` (at most two digits, which is more than any template uses), moving past it; 0 when none
 /// is there.

@@ -2,9 +2,9 @@
 //
 //   ^n                 argument n, from 1
 //   [first:rest:]n     argument n is a list: the first group of its elements goes through `first`, in which
-//   %k is the
-//                      group's k-th element, each later group through `rest`, in which ^k is. A group is as
-//                      wide as the largest index in its pattern; a pattern without an index takes no element.
+//                      %k is the group's k-th element, each later group through `rest`, in which ^k is. A
+//                      group is as wide as the largest index in its pattern; a pattern without an index
+//                      takes no element.
 //
 // So "Model: [%1:, ^1:]1" with the list a, b, c gives "Model: a, b, c", and "[:^1:]1" joins the elements.
 #pragma once

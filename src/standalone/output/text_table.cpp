@@ -1,15 +1,16 @@
-#include "standalone/output/text_table.h"
-
 #include <algorithm>
 #include <ostream>
 
-#include "standalone/output/message_text.h"
-#include "standalone/text/plain_text.h"
+#include "standalone/output/renderers.h"
+#include "standalone/output/table_layout.h"
+#include "standalone/text/ascii.h"
+#include "standalone/text/terminal_text.h"
 
 namespace standalone {
 
 namespace {
 
+constexpr std::size_t kLeastWidth = 40;    // of a page; a narrower one is overrun
 constexpr std::size_t kGap = 2;            // blanks between columns
 constexpr std::size_t kMaxStubWidth = 44;  // row labels wrap here
 constexpr std::size_t kLabelWidth = 12;    // column labels wrap here, unless the numbers are wider
@@ -359,8 +360,9 @@ class TextTable {
 
 }  // namespace
 
-void WriteTextTable(std::ostream& out, const TableLayout& layout, std::size_t width) {
-  TextTable(out, layout, std::max<std::size_t>(width, 40)).Write();
+void RenderTextTable(std::ostream& out, const PivotTable& table, std::size_t width) {
+  const TableLayout layout(table);
+  TextTable(out, layout, std::max(width, kLeastWidth)).Write();
 }
 
 }  // namespace standalone

@@ -1,23 +1,16 @@
 #include "standalone/session/embedded_session.h"
 
-#include <algorithm>
+#include <cassert>
 #include <filesystem>
-#include <stdexcept>
 #include <utility>
 
 #include "host/files.h"
-#include "standalone/data/active_data.h"
-#include "standalone/output/catalogue.h"
-#include "standalone/output/message_text.h"
 #include "standalone/output/pivot_builder.h"
-#include "standalone/output/progress_line.h"
 #include "standalone/threads/task_threads.h"
 
 namespace standalone {
 
 namespace {
-
-constexpr const char* kLeftOut = "Messages of the same kind were left out...";
 
 // The module's entry takes no arguments, so one pointer must say whose command runs. It is set and read by
 // the thread that runs commands only.
@@ -28,21 +21,19 @@ Session*& CurrentPointer() {
 
 class StopProcessor final : public host::MCStopProcessor {
  public:
-  explicit StopProcessor(const Session& session) : fSession(session) {}
-  bool IsStopRequested() override { return fSession.IsStopRequested(); }
+  explicit StopProcessor(const StopFlag& flag) : fFlag(flag) {}
+  bool IsStopRequested() override { return fFlag.IsRequested(); }
 
  private:
-  const Session& fSession;
+  const StopFlag& fFlag;
 };
 
 }  // namespace
 
 Session::Session(SessionOptions options)
     : fOptions(std::move(options)),
-      fpThreads(MakeTaskThreadService()),
-      fpProgress(std::make_unique<ProgressLine>(fOptions.progress)) {
-  fDocument.version = fOptions.version;
-}
+      fReport(fOptions.version, fOptions.messages, fOptions.progress),
+      fpThreads(MakeTaskThreadService()) {}
 
 Session::~Session() = default;
 
@@ -50,32 +41,19 @@ void Session::BeginCommand(const CommandTokens& command, const SourceText& sourc
   fpCommand = &command;
   fpSource = &source;
   fCommon.errorFlag = 0;
-  fpOutput = &fDocument.commands.emplace_back();
-  fpOutput->name = command.name;
-  fStart = std::chrono::steady_clock::now();
+  fReport.BeginCommand(command.name);
 }
 
 void Session::EndCommand() {
-  if (fpOutput == nullptr) return;
-  static_cast<ProgressLine&>(*fpProgress).Clear();
-  if (fLimit.TakeLeftOut()) AddTextMessage(false, kLeftOut, CatalogueText(kLeftOut));
-  const auto& messages = fpOutput->messages;
-  fpOutput->failed = fCommon.errorFlag != 0 || std::any_of(messages.begin(), messages.end(),
-                                                           [](const Message& m) { return m.isError; });
-  fpOutput->seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - fStart).count();
+  fReport.EndCommand(fCommon.errorFlag != 0);
   fpCommand = nullptr;
   fpSource = nullptr;
-  fpOutput = nullptr;
 }
 
 void Session::AddMessage(Message message) {
+  // Before the report may leave the message out: a second error of the same words is an error all the same.
   if (message.isError) fCommon.errorFlag = 1;
-  if (fpOutput != nullptr && !fLimit.Admits(message, fpOutput->messages)) return;
-  if (fOptions.messages != nullptr) {
-    static_cast<ProgressLine&>(*fpProgress).Clear();
-    WriteMessage(*fOptions.messages, message);
-  }
-  (fpOutput != nullptr ? fpOutput->messages : fDocument.messages).push_back(std::move(message));
+  fReport.Add(std::move(message));
 }
 
 void Session::AddTextMessage(bool isError, std::string key, std::string text) {
@@ -97,20 +75,16 @@ std::unique_ptr<host::VORN_TokenSequence> Session::MakeTokenSequence() {
 }
 
 std::unique_ptr<host::BpProcedure> Session::MakeProcedure(const std::string&) {
-  if (fpOutput == nullptr) throw std::logic_error("a procedure was made outside of a command");
-  return standalone::MakeProcedure(*fpOutput);
+  assert(fReport.Current() != nullptr);
+  return standalone::MakeProcedure(*fReport.Current());
 }
 
 std::unique_ptr<host::MCStopProcessor> Session::MakeStopProcessor() {
-  return std::make_unique<StopProcessor>(*this);
+  return std::make_unique<StopProcessor>(fStop);
 }
 
 host::TaskThreadService& Session::Threads() {
   return *fpThreads;
-}
-
-host::ProgressDisplay& Session::Progress() {
-  return *fpProgress;
 }
 
 SessionScope::SessionScope(Session& session) : fpPrevious(std::exchange(CurrentPointer(), &session)) {}
@@ -120,7 +94,7 @@ SessionScope::~SessionScope() {
 }
 
 Session& SessionScope::Current() {
-  if (CurrentPointer() == nullptr) throw std::logic_error("there is no current session");
+  assert(CurrentPointer() != nullptr);
   return *CurrentPointer();
 }
 

@@ -1,14 +1,13 @@
 #include "standalone/session/messages.h"
 
-#include <algorithm>
-#include <ostream>
+#include <utility>
 
+#include "host/output.h"
+#include "standalone/command/syntax_parser.h"
 #include "standalone/output/catalogue.h"
 #include "standalone/output/content_text.h"
-#include "standalone/output/message_text.h"
 #include "standalone/output/template.h"
 #include "standalone/session/embedded_session.h"
-#include "standalone/text/plain_text.h"
 #include "standalone/text/suggestion.h"
 
 namespace standalone {
@@ -32,6 +31,8 @@ void SendMessage(bool isError, std::string_view key, const std::vector<std::stri
                  const MessageContext& context) {
   Session& session = SessionScope::Current();
   Message message{isError, std::string(key), Sentence(key, arguments, context), {}, {}};
+  // A plan's faults are found by a command, but their lines are those of another file: then there is no
+  // place.
   if (const SourceText* source = session.Source(); source != nullptr && context.position.line > 0) {
     message.location = source->Location(context.position);
     message.excerpt = source->Excerpt(context.position);
@@ -39,27 +40,36 @@ void SendMessage(bool isError, std::string_view key, const std::vector<std::stri
   session.AddMessage(std::move(message));
 }
 
-void WriteMessage(std::ostream& stream, const Message& message) {
-  stream << (message.isError ? "error: " : "warning: ") << WithoutControls(message.text) << '\n';
-  if (!message.location.empty()) stream << "  at " << WithoutControls(message.location) << '\n';
-  for (const std::string& line : LinesOf(message.excerpt))
-    stream << "  | " << WithoutControls(line) << '\n';
-  stream.flush();
-}
-
-std::vector<std::string> LinesOf(std::string_view text) {
-  std::vector<std::string> lines;
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    lines.emplace_back(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
-  return lines;
-}
-
 }  // namespace standalone
 
+// The host's free functions and value classes have no object that could know the session: they find the
+// current one, and hand it on to what they make.
 namespace host {
+
+int UniversalParser::getCommandSpecifications() {
+  standalone::SessionMessageSink messages;
+  standalone::SyntaxParser parser(fTokens.Tokens(), fDescriptor, fSpecification, messages);
+  return parser.Parse() ? 0 : 1;
+}
+
+void ParserMessage::GenericError(std::string_view key, const std::vector<std::string>& arguments) {
+  Send(key, arguments, true);
+}
+
+void ParserMessage::GenericWarning(std::string_view key, const std::vector<std::string>& arguments) {
+  Send(key, arguments, false);
+}
+
+// The session stores a message with the command that runs, so the command's name and title need not travel
+// with it.
+void ParserMessage::Send(std::string_view key, const std::vector<std::string>& arguments, bool isError) {
+  standalone::MessageContext context;
+  context.groupText = std::exchange(fGroupText, {});
+  context.position = std::exchange(fPosition, {});
+  context.candidates = std::exchange(fCandidates, {});
+  if (!context.candidates.empty() && !arguments.empty()) context.misspelt = arguments.front();
+  standalone::SendMessage(isError, key, arguments, context);
+}
 
 void BpError(const BpCellText& text, BpErrorLevel level) {
   const bool isError = level == BpErrorLevel::kError;
@@ -68,13 +78,8 @@ void BpError(const BpCellText& text, BpErrorLevel level) {
 }
 
 void AddNotes(int group, std::string_view label, const BpCellText& text) {
-  standalone::CommandOutput* output = standalone::SessionScope::Current().CurrentOutput();
-  if (output == nullptr) return;
-  auto& notes = output->notes;
-  const auto place =
-      std::upper_bound(notes.begin(), notes.end(), group,
-                       [](int g, const standalone::CommandNote& note) { return g < note.group; });
-  notes.insert(place, {group, standalone::CatalogueText(label), standalone::TextOf(text)});
+  standalone::SessionScope::Current().Report().AddNote(
+      {group, standalone::CatalogueText(label), standalone::TextOf(text)});
 }
 
 }  // namespace host

@@ -30,6 +30,8 @@ void SendTokenErrors(const CommandTokens& command) {
 }
 
 void CallEntry(void (*entry)()) {
+  // The last guard: what escapes a command ends that command and not the program, so that the output of the
+  // commands before is still written.
   try {
     entry();
   } catch (const std::bad_alloc&) {
@@ -42,6 +44,7 @@ void CallEntry(void (*entry)()) {
 }
 
 void RunOne(const Session& session, const CommandTokens& command, const std::vector<KnownCommand>& known) {
+  // A text with a mistake in it may say something else than its author meant, so nothing of it is run.
   SendTokenErrors(command);
   if (!command.errors.empty()) return;
   const auto entry =

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "command_dump.h"
-#include "recorded_session.h"
 #include "standalone/command/syntax_parser.h"
 #include "standalone/text/suggestion.h"
 
@@ -231,22 +230,6 @@ TEST(SyntaxParser, ShortensLongWordsInItsMessages) {
   const Parsed parsed = Parse("TAVOREG y /PLAN FILE=p /" + std::string(100000, 'x'));
   ASSERT_EQ(parsed.messages.records.size(), 1u);
   EXPECT_EQ(parsed.messages.records[0].arguments.at(0), std::string(60, 'x') + "...");
-}
-
-TEST(UniversalParser, Returns0OnSuccessAndSendsItsErrorsToTheSession) {
-  const host::CommandDescriptor grammar = command_test::RegressionGrammar();
-  const auto run = [&](const char* text) {
-    command_test::SessionMessages().records.clear();
-    const auto commands = ReadCommands(standalone::SourceText("f", text));
-    const auto sequence = MakeTokenSequence(commands.at(0));
-    host::CommandSpec specification;
-    return host::UniversalParser(*sequence, specification, grammar).getCommandSpecifications();
-  };
-  EXPECT_EQ(run("TAVOREG y /PLAN FILE=p."), 0);
-  EXPECT_TRUE(command_test::SessionMessages().records.empty());
-  EXPECT_NE(run("TAVOREG y /PLAN FILE=p /PRNT."), 0);
-  ASSERT_EQ(command_test::SessionMessages().records.size(), 1u);
-  EXPECT_EQ(command_test::SessionMessages().records[0].key, "Subcommand ^1 is not recognized...");
 }
 
 }  // namespace

@@ -3,8 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "standalone/data/active_data.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 #include "standalone/data/table.h"
 
 namespace {

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "host/data.h"
-#include "standalone/data/active_data.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
+#include "standalone/data/table.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <limits>
 
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
 
 namespace sample {
 

@@ -12,11 +12,11 @@
 #include <map>
 
 #include "sample_tables.h"
-#include "standalone/data/cell_text.h"
+#include "standalone/data/cells.h"
+#include "standalone/files/atomic_file.h"
 #include "standalone/files/csv_writer.h"
 #include "standalone/files/data_reader.h"
 #include "standalone/files/data_writer.h"
-#include "standalone/files/pending_file.h"
 #include "test_folder.h"
 
 namespace {

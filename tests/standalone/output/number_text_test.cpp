@@ -11,7 +11,6 @@ namespace {
 using host::BpProcedure;
 using standalone::NumberLabel;
 using standalone::NumberText;
-using standalone::ShortestText;
 
 struct NumberCase {
   double value;
@@ -61,7 +60,6 @@ TEST(NumberText, PrintsEachKindInTheStyleOfTables) {
 TEST(NumberText, IsEmptyForAMissingNumberAndForOneThatIsNotFinite) {
   for (const double value : {host::kSystemMissing, std::nan(""), std::numeric_limits<double>::infinity()}) {
     EXPECT_EQ(NumberText(value, BpProcedure::GeneralStat()), "");
-    EXPECT_EQ(ShortestText(value), "");
   }
 }
 
@@ -73,13 +71,6 @@ TEST(NumberText, ANumberThatIsNotZeroNeverPrintsAsZero) {
     }
     EXPECT_GT(std::strtod(NumberText(value, BpProcedure::SigDigit()).c_str(), nullptr), 0);
   }
-}
-
-TEST(ShortestText, ReadsBackToTheSameDouble) {
-  for (const double value : {0.1, 1.0 / 3, 1e300, 5e-324, -123456.789, 1e22}) {
-    EXPECT_EQ(std::strtod(ShortestText(value).c_str(), nullptr), value);
-  }
-  EXPECT_EQ(ShortestText(0.1), "0.1");
 }
 
 TEST(NumberLabel, ShowsAllDigitsOfANumberThatItsFormatWouldRound) {

@@ -191,6 +191,38 @@ Parameter File  p.xml
 )");
 }
 
+TEST_F(Renderers, TextOnlyCountsMessagesThatStandAboveIt) {
+  standalone::TextOptions options;
+  options.messagesStandAbove = true;
+  const auto text = [&] {
+    std::ostringstream out;
+    standalone::RenderText(out, fDocument, options);
+    return out.str();
+  };
+  EXPECT_EQ(text(), "TAVOREG  (0.12 s)\n═════════════════\n");
+  fDocument.messages.push_back({false, "k", "A variable was renamed.", "", ""});
+  EXPECT_EQ(text(), "\nTAVOREG  (0.12 s)\n═════════════════\n");
+  fOutput.messages = {
+      {true, "k", "Wrong.", "", ""}, {false, "k", "Odd.", "", ""}, {false, "k", "Odder.", "", ""}};
+  fOutput.notes = {{1, "Plan File", "plan.xml"}};
+  EXPECT_EQ(text(),
+            "\nTAVOREG  (0.12 s)\n═════════════════\n\n1 error and 2 warnings: see above.\n\n"
+            "Plan File  plan.xml\n");
+  fOutput.messages.erase(fOutput.messages.begin());
+  EXPECT_NE(text().find("\n2 warnings: see above.\n"), std::string::npos);
+}
+
+TEST_F(Renderers, ACommandWithoutANameIsCalledSo) {
+  fOutput.name.clear();
+  fOutput.failed = true;
+  EXPECT_TRUE(As(standalone::OutputFormat::kText)
+                  .starts_with("Command without a name, ended with an error  (0.12 s)\n"));
+  EXPECT_TRUE(As(standalone::OutputFormat::kMarkdown)
+                  .starts_with("\n# Command without a name (ended with an error)\n"));
+  EXPECT_NE(As(standalone::OutputFormat::kHtml).find("<h1>Command without a name</h1>"), std::string::npos);
+  EXPECT_EQ(nlohmann::json::parse(As(standalone::OutputFormat::kJson))["commands"][0]["command"], "");
+}
+
 TEST_F(Renderers, JsonHoldsMessagesOfTheRunAndSurvivesInvalidText) {
   fDocument.messages.push_back({true, "Data file problem...", "bad \xff byte\x01", "", ""});
   const auto json = nlohmann::json::parse(As(standalone::OutputFormat::kJson));

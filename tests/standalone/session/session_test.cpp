@@ -6,7 +6,6 @@
 #include <stdexcept>
 
 #include "host/files.h"
-#include "standalone/output/progress_line.h"
 #include "standalone/session/run_commands.h"
 
 namespace {
@@ -142,15 +141,6 @@ TEST(Session, AnErrorSetsTheErrorFlagAndTheNextCommandClearsIt) {
   EXPECT_EQ(host::pvGetCmnGlb().errorFlag, 0);
 }
 
-TEST(Session, MessagesOfAParserCarryTheStageOfThePlanInFront) {
-  Session session;
-  const SessionScope scope(session);
-  standalone::MessageContext context;
-  context.groupText = "Stage 2 of the plan";
-  standalone::SendMessage(true, "Variable ^1 for parameter ^2 is not numeric...", {"x", "STRATA"}, context);
-  EXPECT_TRUE(session.Output().messages.at(0).text.starts_with("Stage 2 of the plan: Variable x"));
-}
-
 TEST(Session, RelativeNamesStartAtTheFolderOfTheCommandFile) {
   SessionOptions options;
   options.baseFolder = "/data/study";
@@ -166,7 +156,6 @@ TEST(Session, RelativeNamesStartAtTheFolderOfTheCommandFile) {
 }
 
 TEST(Session, TheSessionBeforeComesBackAfterAScope) {
-  EXPECT_THROW(SessionScope::Current(), std::logic_error);
   Session outer, inner;
   const SessionScope a(outer);
   {
@@ -196,16 +185,6 @@ TEST(Session, GetThreadsAnswersTheOption) {
   Session session(options);
   const SessionScope scope(session);
   EXPECT_EQ(host::GETTHREADS(), 3);
-}
-
-TEST(ProgressLine, WritesOverItsLineAndClearsIt) {
-  std::ostringstream stream;
-  {
-    standalone::ProgressLine progress(&stream);
-    progress.Show("Iteration History", "iteration 3");
-    progress.Show("Iteration History", "iteration 4");  // too soon after the one before
-  }
-  EXPECT_EQ(stream.str(), "\rIteration History: iteration 3\x1b[K\r\x1b[K");
 }
 
 }  // namespace
