@@ -34,18 +34,59 @@ bool IsHalvedByRounding(const std::map<std::string, Value>& twin, const Comparis
   return false;
 }
 
-/// Whether the program sees more independent contrasts than there are. A covariance of few units is singular;
-/// what rounding leaves of a dependent contrast can be above the share of 1e-12 at which it is dropped.
-bool IsRankByRounding(const Comparison& comparison) {
-  bool hasRank = false;
+/// Whether the program takes for a variance what rounding left of none, as where all cases of a level are in
+/// one unit whose scores add up to 0. The t-value is then as large as it is meaningless.
+bool IsVarianceOfRounding(const std::map<std::string, Value>& twin, const Comparison& comparison) {
+  return std::any_of(
+      comparison.mismatches.begin(), comparison.mismatches.end(), [&](const Mismatch& mismatch) {
+        const auto found = twin.find(mismatch.cell);
+        return StatisticOf(mismatch.cell) == "ParameterEstimates Std. Error" && found != twin.end() &&
+               !found->second.isMissing && found->second.number == 0 && found->second.tolerance == 0;
+      });
+}
+
+/// The rows of tests in which the program sees more independent contrasts than there are. A covariance of few
+/// units is singular; what rounding leaves of a dependent contrast can be above the share of 1e-12 at which
+/// it is dropped, and the statistic is then any large number.
+std::vector<std::string> RowsOfRankByRounding(const Comparison& comparison) {
+  std::vector<std::string> rows;
   for (const Mismatch& mismatch : comparison.mismatches) {
-    const bool isTest =
+    const bool isOverall =
         StartsWith(mismatch.cell, "TestsOfModelEffects") || StartsWith(mismatch.cell, "OverallTestResults");
-    if (!isTest) return false;
-    const std::string label = mismatch.cell.substr(mismatch.cell.rfind('|') + 1);
-    hasRank = hasRank || label == "df1" || label == "degrees of freedom";
+    const std::size_t bar = mismatch.cell.rfind('|');
+    const std::string label = mismatch.cell.substr(bar + 1);
+    if (isOverall && (label == "df1" || label == "degrees of freedom"))
+      rows.push_back(mismatch.cell.substr(0, bar + 1));
   }
-  return hasRank;
+  return rows;
+}
+
+/// The cells of the intercept when the program has no test of it where there is one. It looks for what the
+/// intercept has of its own beside columns of which some are centred and some are not: two columns that are
+/// one, of which the model centres only the first, then differ by the intercept and take it.
+std::vector<std::string> CellsOfLostIntercept(const Comparison& comparison) {
+  static const std::string kContrasts = "EffectsContrast (Intercept)|";
+  for (const Mismatch& mismatch : comparison.mismatches) {
+    if (StartsWith(mismatch.cell, kContrasts) &&
+        mismatch.text.find("the program has no such cell") != std::string::npos)
+      return {kContrasts, "TestsOfModelEffects|(Intercept)|"};
+  }
+  return {};
+}
+
+/// The faults that are known and open, when they account for all differences; otherwise nothing.
+std::string KnownFault(const std::map<std::string, Value>& twin, const Comparison& comparison) {
+  if (comparison.mismatches.empty()) return "";
+  if (IsHalvedByRounding(twin, comparison)) return "a step halved by rounding";
+  if (IsVarianceOfRounding(twin, comparison)) return "rounding taken for a variance";
+  const std::vector<std::string> intercept = CellsOfLostIntercept(comparison);
+  std::vector<std::string> explained = RowsOfRankByRounding(comparison);
+  explained.insert(explained.end(), intercept.begin(), intercept.end());
+  for (const Mismatch& mismatch : comparison.mismatches) {
+    const auto isOf = [&](const std::string& start) { return StartsWith(mismatch.cell, start); };
+    if (std::none_of(explained.begin(), explained.end(), isOf)) return "";
+  }
+  return intercept.empty() ? "a rank raised by rounding" : "a test of the intercept lost";
 }
 
 }  // namespace
@@ -57,11 +98,7 @@ Checked Check(const Problem& problem, const Falsify& falsify) {
   if (!result.whyNot.empty()) return result;
   if (falsify) falsify(answers.cells);
   result.comparison = Compare(answers.cells, RunProgram(FilesOf(problem), problem.threads));
-  if (IsHalvedByRounding(answers.cells, result.comparison)) {
-    result.knownFault = "a step halved by rounding";
-  } else if (IsRankByRounding(result.comparison)) {
-    result.knownFault = "a rank raised by rounding";
-  }
+  result.knownFault = KnownFault(answers.cells, result.comparison);
   return result;
 }
 

@@ -193,7 +193,7 @@ class SampleMaker {
   void AddJointProbabilities() {
     const Stage& stage = fProblem.stages[0];
     // Some designs have pairs that come together more often than independently, which lowers the variance.
-    const double highest = fRandom.Chance(0.15) ? 1.04 : 1.0;
+    const double highest = fRandom.Chance(0.25) ? 1.3 : 1.0;
     std::map<std::vector<int>, std::vector<std::vector<int>>> strata;
     for (std::size_t c = 0; c < fProblem.cases; ++c) {
       std::vector<int> key;
@@ -213,8 +213,9 @@ class SampleMaker {
       for (std::size_t a = 0; a < n; ++a) {
         joint.probabilities[a][a] = first[a];
         for (std::size_t b = 0; b < a; ++b) {
+          const double together = first[a] * first[b] * fRandom.Uniform(0.6, highest);
           joint.probabilities[a][b] = joint.probabilities[b][a] =
-              first[a] * first[b] * fRandom.Uniform(0.6, highest);
+              std::min(together, 0.99 * std::min(first[a], first[b]));
         }
       }
       fProblem.joint.push_back(joint);
@@ -291,12 +292,12 @@ class ModelMaker {
 
   void AddCovariate(int v) {
     Numeric covariate{std::string(1, static_cast<char>('x' + v)), {}};
-    const double share = fRandom.Uniform(0, 1);
+    const double share = fRandom.Uniform(0, 1), shift = fRandom.OneOf({0.0, 0.0, 1.0});
     const double mean = fRandom.OneOf({0.0, 0.0, 3.0, 50.0}), spread = fRandom.OneOf({0.1, 1.0, 1.0, 20.0});
     for (std::size_t c = 0; c < fProblem.cases; ++c) {
       double value = mean + spread * fRandom.Normal();
       if (share < 0.2) value = std::round(value);
-      if (share > 0.9 && v > 0) value = 2 * fProblem.covariates[0].values[c];  // redundant
+      if (share > 0.9 && v > 0) value = 2 * fProblem.covariates[0].values[c] + shift;  // redundant
       if (share > 0.85 && share < 0.9 && !fProblem.factors.empty())
         value = fProblem.factors[0].codes[c] == 0 ? 1 : 0;  // redundant beside the factor
       covariate.values.push_back(value);

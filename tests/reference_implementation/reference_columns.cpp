@@ -253,15 +253,18 @@ Vector DesignRow(const Columns& columns, const std::vector<int>& factorCodes, co
   return row;
 }
 
-Independence FindIndependent(const Columns& columns, const std::vector<std::size_t>& order) {
+namespace {
+
+Independence FindIndependentOf(const Matrix& x, const Columns& columns,
+                               const std::vector<std::size_t>& order) {
   Independence result;
   result.isKept.assign(columns.parameters.size(), false);
   OrthogonalBasis basis(columns.weights);
   for (const std::size_t k : order) {
-    Vector column = columns.centred.Column(k);
-    const Vector original = columns.raw.Column(k);
-    // A centred column that holds one value is rounding noise: it is judged by what it was.
-    const Real before = std::max(basis.Inner(column, column), 1e-30L * basis.Inner(original, original));
+    Vector column = x.Column(k);
+    const Vector raw = columns.raw.Column(k);
+    // What centring leaves of a column that holds one value is rounding noise.
+    const Real before = std::max(basis.Inner(column, column), 1e-30L * basis.Inner(raw, raw));
     if (!(before > 0)) continue;
     basis.Reduce(column);
     const Real share = basis.Inner(column, column) / before;
@@ -277,10 +280,16 @@ Independence FindIndependent(const Columns& columns, const std::vector<std::size
   return result;
 }
 
-Independence FindIndependent(const Columns& columns) {
+}  // namespace
+
+Independence FindIndependent(const Columns& columns, const std::vector<std::size_t>& order) {
+  return FindIndependentOf(columns.raw, columns, order);
+}
+
+Independence FindRedundant(const Columns& columns) {
   std::vector<std::size_t> order(columns.parameters.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
-  return FindIndependent(columns, order);
+  return FindIndependentOf(columns.centred, columns, order);
 }
 
 OrthogonalColumns Orthogonalise(const Columns& columns, const std::vector<std::size_t>& kept) {

@@ -65,8 +65,8 @@ Columns BuildColumns(const Problem& problem, const AnalysedCases& cases);
 /// has no column.
 Vector DesignRow(const Columns& columns, const std::vector<int>& factorCodes, const Vector& covariates);
 
-/// Which columns are independent of those before them in `order`. A column is redundant when the part of its
-/// sum of squares that the columns before it leave unexplained is not above 1e-12.
+/// Which columns, as they stand, are independent of those before them in `order`. A column is redundant when
+/// the part of its sum of squares that the columns before it leave unexplained is not above 1e-12.
 struct Independence {
   std::vector<bool> isKept;
   std::vector<std::size_t> kept;  // in `order`
@@ -76,8 +76,9 @@ struct Independence {
   bool IsClear() const { return smallestKept > 1e-8L && largestDropped < 1e-24L; }
 };
 Independence FindIndependent(const Columns& columns, const std::vector<std::size_t>& order);
-/// The same of the columns in their own order.
-Independence FindIndependent(const Columns& columns);
+/// Which parameters are redundant: the columns in their own order, those of covariates alone about their
+/// means.
+Independence FindRedundant(const Columns& columns);
 
 /// Kept columns, weighted mean squares 1 and orthogonal: raw = q r over the kept columns, r upper triangular.
 struct OrthogonalColumns {

@@ -18,10 +18,10 @@ Contrasts GeneralEstimableFunctions(const Columns& columns, const Independence& 
 /// The same without the intercept's, which is the hypothesis that no effect matters.
 Contrasts ModelContrasts(const Problem& problem, const Columns& columns, const Independence& independence);
 
-/// Type III: the estimable functions that involve effect `e` and, of the others, only effects that contain
-/// it, orthogonal to those of the effects that contain it (Goodnight 1978, Tests of hypotheses in fixed
-/// effects linear models). An effect contains another when it has the same covariates, all its factors and
-/// more.
+/// Type III, of the columns as they stand, not about their means: the estimable functions that involve effect
+/// `e` and, of the others, only effects that contain it, orthogonal to those of the effects that contain it
+/// (Goodnight 1978, Tests of hypotheses in fixed effects linear models). An effect contains another when it
+/// has the same covariates, all its factors and more.
 Contrasts EffectContrasts(const Columns& columns, std::size_t e);
 
 /// A hypothesis as numbers, for all equations. `isValid` is false when the numbers of coefficients do not fit

@@ -12,6 +12,7 @@ namespace {
 constexpr Real kRelative = 1e-9L;
 constexpr Real kOfInfluences = 1e-11L;
 constexpr Real kOfTerms = 1e-12L;
+constexpr Real kOfSquares = 1e-12L;
 
 Matrix Spread(const Matrix& part, const std::vector<std::size_t>& places, std::size_t size) {
   Matrix whole(size, size);
@@ -22,9 +23,9 @@ Matrix Spread(const Matrix& part, const std::vector<std::size_t>& places, std::s
   return whole;
 }
 
-/// Clears variances that are 0 but for the rounding of extended precision.
-void ClearZeros(Estimates& estimates) {
-  Matrix& v = estimates.covariance;
+/// Clears rows and columns whose variance is 0 but for the rounding of extended precision, and notes what
+/// that says of the variances.
+void ClearZeros(Estimates& estimates, Matrix& v) {
   estimates.isZero = true;
   for (std::size_t i = 0; i < v.Rows(); ++i) {
     if (!estimates.isKept[i]) continue;
@@ -78,8 +79,9 @@ Value Estimates::StandardError(const Vector& l) const {
   if (terms == 0) return Value::Exactly(0);
   if (variance < 1e-14L * terms * terms) return Value::Undecided();
   const Real error = std::sqrt(variance);
-  return Value::Of(
-      error, loss * (kRelative * error + 0.1L * kOfInfluences * Scale(l) + kOfTerms * terms * terms / error));
+  const Real scale = Scale(l);
+  return Value::Of(error, loss * (kRelative * error + kOfSquares * scale * scale / error +
+                                  kOfTerms * terms * terms / error));
 }
 
 Estimates Estimate(const Problem& problem, const AnalysedCases& cases, const Columns& columns,
@@ -90,7 +92,7 @@ Estimates Estimate(const Problem& problem, const AnalysedCases& cases, const Col
   result.influences = fit.influences;
   result.modelCovariance = fit.modelCovariance;
   result.weight = cases.domainWeight;
-  result.loss = std::max(1.0L, 1e-6L * fit.inflation * fit.information);
+  result.loss = std::max(1.0L, 3e-6L * fit.inflation * fit.information);
   result.isKept.assign(result.b.size(), false);
   std::vector<std::size_t> places;
   for (std::size_t j = 0; j < fit.Equations(); ++j) {
@@ -118,8 +120,9 @@ Estimates Estimate(const Problem& problem, const AnalysedCases& cases, const Col
                         static_cast<std::size_t>(design.units) == cases.cases.size();
   const Matrix srs =
       isSimple ? design.covariance : SimpleRandomVariance(problem, cases, columns.weights, values);
-  ClearZeros(result);
-  result.srsCovariance = isSimple ? result.covariance : Spread(srs, places, result.b.size());
+  result.srsCovariance = Spread(srs, places, result.b.size());
+  ClearZeros(result, result.srsCovariance);
+  ClearZeros(result, result.covariance);
   return result;
 }
 

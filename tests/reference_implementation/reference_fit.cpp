@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace reference {
 
@@ -181,7 +182,13 @@ Fit FitModel(const Problem& problem, const AnalysedCases& cases, const Columns& 
   Vector score;
   Matrix information;
   likelihood.ScoreAndInformation(beta, score, information);
+  const Real total = std::accumulate(columns.weights.begin(), columns.weights.end(), 0.0L);
   PositiveInverse inverse = InverseOf(information);
+  const auto noteInformation = [&] {
+    for (std::size_t a = 0; a < inverse.inverse.Rows(); ++a)
+      fit.information = std::max(fit.information, total * inverse.inverse(a, a));
+  };
+  noteInformation();
   fit.isWellPosed = fit.isWellPosed && inverse.smallestPivot > 1e-6L;
 
   const bool isExactAtStart = problem.hasIntercept && likelihood.Size() < fit.categories.codes.size();
@@ -204,26 +211,27 @@ Fit FitModel(const Problem& problem, const AnalysedCases& cases, const Columns& 
     if (halvings > 0 && std::abs(next - current) < 1e-10L * std::abs(current)) fit.isWellPosed = false;
     likelihood.ScoreAndInformation(beta, score, information);
     inverse = InverseOf(information);
+    noteInformation();
     fit.isWellPosed = fit.isWellPosed && inverse.smallestPivot > 0 && fit.iterations < 15;
     current = fit.finalLogLikelihood = next;
     fit.history.push_back({halvings, current, scaled(beta)});
     const Real change = ChangeOf(scaled(beta), scaled(before), problem.criteria.isAbsolute);
     const Real criterion = problem.criteria.parameterChange;
     if (std::abs(change / criterion - 1) < 1e-3L) fit.isWellPosed = false;
+    // An absolute change below what double precision can tell of large estimates comes by chance.
+    Real size = 0;
+    for (const Real b : fit.history.back().estimates)
+      size += std::abs(b);
+    if (problem.criteria.isAbsolute && criterion < 1e-15L * fit.inflation * size) fit.isWellPosed = false;
     isDone = change < criterion || fit.iterations >= problem.criteria.maxIterations;
   }
   // A direction in which the information dies away: separation, or too close to it for a comparison.
-  Real total = 0;
-  for (const Real w : columns.weights)
-    total += w;
   for (std::size_t a = 0; a < information.Rows(); ++a) {
     if (information(a, a) < 1e-5L * total) fit.isWellPosed = false;
   }
   if (inverse.smallestPivot < 1e-6L) fit.isWellPosed = false;
   if (!fit.isWellPosed) return fit;
 
-  for (std::size_t a = 0; a < inverse.inverse.Rows(); ++a)
-    fit.information = std::max(fit.information, total * inverse.inverse(a, a));
   fit.estimates = fit.history.back().estimates;
   Matrix half;  // the columns of the inverse information, then its rows
   for (std::size_t a = 0; a < beta.size(); ++a)

@@ -34,7 +34,8 @@ struct Fit {
   /// separated, or a stopping rule met within rounding.
   bool isWellPosed = false;
   Real inflation = 1;      // the largest variance inflation factor of the columns that are kept
-  Real information = 1;    // the weight, against the least information about a direction of unit mean square
+  Real information = 1;    // the weight, against the least information on the way about a column
+                           // of unit mean square
   Matrix modelCovariance;  // the inverse information, on the scale of the data; 0 at redundant parameters
 
   std::size_t Equations() const { return logits.size(); }

@@ -114,18 +114,19 @@ class Tables {
     const std::string table = "IterationHistory";
     for (std::size_t i = 0; i < fRun.fit.history.size(); ++i) {
       const Iteration& iteration = fRun.fit.history[i];
+      // A step far from the maximum passes an error on larger than it was; the last ones take it back.
+      const Real loss = fRun.estimates.loss * (i + 1 < fRun.fit.history.size() ? 100 : 1);
       const Path row = {std::to_string(i)};
       PutCount(table, row, {"N Step-halving"}, iteration.halvings);
       const Real deviance = -2 * iteration.logLikelihood;
-      Put(table, row, {"Pseudo -2 Log Likelihood"},
-          Value::Of(deviance, 1e-11L * fRun.estimates.loss * deviance));
+      Put(table, row, {"Pseudo -2 Log Likelihood"}, Value::Of(deviance, 1e-11L * loss * deviance));
       for (std::size_t j = 0; j < fRun.fit.Equations(); ++j) {
         for (const std::size_t k : fRun.fit.kept) {
           const std::size_t place = fRun.Index(j, k);
           const Real estimate = iteration.estimates[place];
           const Value final = fRun.estimates.Contrast(fRun.estimates.Unit(place));
           Put(table, row, {fRun.problem.dependent.name, fRun.LogitLabel(j), fRun.Label(k)},
-              Value::Of(estimate, 1e-9L * fRun.estimates.loss * std::abs(estimate) + final.tolerance));
+              Value::Of(estimate, 1e-9L * loss * std::abs(estimate) + final.tolerance));
         }
       }
     }
@@ -311,13 +312,8 @@ class Tables {
 
   void FillEffect(const std::string& name, const Contrasts& contrasts, bool hasContrastTable) {
     const Matrix l = Repeated(contrasts.l, fRun.fit.Equations());
-    TestResult test;
-    if (contrasts.isDecided) {
-      test = TestEffect(fRun.estimates, l, fRun.problem.testType, fRun.problem.adjustment);
-    } else {
-      test.df1 = test.df2 = test.wald = test.significance = test.adjusted = Value::Undecided();
-    }
-    PutTest("TestsOfModelEffects", {name}, test);
+    PutTest("TestsOfModelEffects", {name},
+            TestEffect(fRun.estimates, l, fRun.problem.testType, fRun.problem.adjustment));
     if (!hasContrastTable) return;
     const std::string table = "EffectsContrast " + name;
     for (std::size_t g = 0; g < fRun.fit.Equations(); ++g) {
@@ -329,8 +325,7 @@ class Tables {
             row.insert(row.begin(), fRun.LogitLabel(a / fRun.Parameters()));
             column.insert(column.begin(), fRun.LogitLabel(g));
           }
-          Put(table, row, column,
-              contrasts.isDecided ? Coefficient(l(g * contrasts.l.Rows() + i, a)) : Value::Undecided());
+          Put(table, row, column, Coefficient(l(g * contrasts.l.Rows() + i, a)));
         }
       }
     }
@@ -394,19 +389,6 @@ class Tables {
   const Run& fRun;
 };
 
-/// Whether an effect of covariates alone has one value in all cases. With an intercept it is redundant, but
-/// whether the intercept can then be tested beside it is open: fitted about its mean, the column vanishes;
-/// taken as it stands, it leaves the intercept nothing of its own.
-bool HasConstantCovariate(const Problem& problem, const Columns& columns) {
-  for (std::size_t e = 0; e < columns.effects.size() && problem.hasIntercept; ++e) {
-    if (!columns.effects[e].factors.empty() || !HasCovariates(columns.effects[e])) continue;
-    const Vector column = columns.raw.Column(columns.firstOfEffect[e]);
-    const auto [lowest, highest] = std::minmax_element(column.begin(), column.end());
-    if (*highest - *lowest < 1e-12L * std::abs(*highest)) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 Answers Answer(const Problem& problem) {
@@ -417,13 +399,9 @@ Answers Answer(const Problem& problem) {
     return answers;
   }
   run.columns = BuildColumns(problem, run.cases);
-  run.independence = FindIndependent(run.columns);
+  run.independence = FindRedundant(run.columns);
   if (run.independence.kept.empty()) {
     answers.whyNot = "no parameter";
-    return answers;
-  }
-  if (HasConstantCovariate(problem, run.columns)) {
-    answers.whyNot = "constant covariate";
     return answers;
   }
   if (problem.criteria.maxIterations < 20) {  // what stops early must be on its way to something
@@ -443,6 +421,10 @@ Answers Answer(const Problem& problem) {
   if (run.estimates.isNegative) answers.whyNot = "negative variance";
   if (run.estimates.isZero) answers.whyNot = "no variance";
   if (!run.estimates.isDecided) answers.whyNot = "variance within rounding of 0";
+  if (!answers.whyNot.empty()) return answers;
+  for (std::size_t e = 0; e < run.columns.effects.size(); ++e) {
+    if (!EffectContrasts(run.columns, e).isDecided) answers.whyNot = "contrasts within rounding";
+  }
   if (!answers.whyNot.empty()) return answers;
   Tables tables(run);
   tables.Fill();

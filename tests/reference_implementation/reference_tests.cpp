@@ -263,6 +263,7 @@ TestResult Overall(const Estimates& estimates, const Matrix& l, const Vector& k,
   if (type == TestType::kAdjustedF && !result.df1.isMissing && d >= 0)
     result.df2 = Value::Of(result.df1.number * d, result.df1.tolerance * d);
   if (x.isMissing || result.df1.isMissing || !(result.df1.number > 0)) return result;
+  if (x.number < 0) return result;  // a variance below 0, which unequal probabilities allow
   if (type == TestType::kF) {
     if (result.df2.isMissing) return result;
     const Real factor = result.df2.number / (result.df1.number * d);

@@ -218,6 +218,18 @@ Problem WithCases(const Problem& problem, const std::vector<bool>& isLeft) {
     if (!stage.size.values.empty()) Keep(stage.size.values, isLeft);
   }
   result.cases = static_cast<std::size_t>(std::count(isLeft.begin(), isLeft.end(), true));
+  const auto isIn = [&](const JointStratum& stratum, std::size_t c) {
+    for (std::size_t v = 0; v < stratum.strata.size(); ++v) {
+      if (result.stages[0].strata[v].codes[c] != stratum.strata[v]) return false;
+    }
+    return true;
+  };
+  std::erase_if(result.joint, [&](const JointStratum& stratum) {
+    for (std::size_t c = 0; c < result.cases; ++c) {
+      if (isIn(stratum, c)) return false;
+    }
+    return true;
+  });
   return result;
 }
 

@@ -11,7 +11,7 @@ namespace reference {
 /// as long as `isShown` stays true, until nothing more can go. `isShown` holds of `problem`.
 Problem Shrink(Problem problem, const std::function<bool(const Problem&)>& isShown);
 
-/// The problem with only those cases; joint probabilities keep the units that are left.
+/// The problem with only those cases. The joint probabilities of strata without cases go with them.
 Problem WithCases(const Problem& problem, const std::vector<bool>& isLeft);
 
 }  // namespace reference
