@@ -216,7 +216,7 @@ class Tables {
         const Path column = {fRun.LogitLabel(c / fRun.Parameters()), fRun.Label(c % fRun.Parameters())};
         Value covariance, correlation;
         if (estimates.isKept[a] && estimates.isKept[c]) {
-          const Value sa = fErrors(estimates, a), sc = fErrors(estimates, c);
+          const Value sa = StandardErrorOf(a), sc = StandardErrorOf(c);
           const Real element = estimates.covariance(a, c);
           const Real off = sa.number * sc.tolerance + sc.number * sa.tolerance;
           covariance = Value::Of(element, off);
@@ -228,14 +228,11 @@ class Tables {
       }
     }
   }
-  Value fErrors(const Estimates& estimates, std::size_t place) {
-    if (fStandardErrors.empty()) {
-      for (std::size_t i = 0; i < estimates.b.size(); ++i)
-        fStandardErrors.push_back(estimates.StandardError(estimates.Unit(i)));
-    }
+  const Value& StandardErrorOf(std::size_t place) {
+    for (std::size_t i = fStandardErrors.size(); i < fRun.estimates.b.size(); ++i)
+      fStandardErrors.push_back(fRun.estimates.StandardError(fRun.estimates.Unit(i)));
     return fStandardErrors[place];
   }
-  std::vector<Value> fStandardErrors;
 
   void FillClassification() {
     const std::size_t n = fRun.fit.categories.codes.size();
@@ -277,7 +274,9 @@ class Tables {
     put("Overall Percent", "Percent Correct", 100 * correct / total);
   }
 
-  static Value Coefficient(Real x) { return Value::Of(x, 1e-10L * std::max(1.0L, std::abs(x))); }
+  Value Coefficient(Real x) const {
+    return Value::Of(x, 1e-10L * fRun.estimates.loss * std::max(1.0L, std::abs(x)));
+  }
 
   void FillEstimableFunctions() {
     const Contrasts all = GeneralEstimableFunctions(fRun.columns, fRun.independence);
@@ -387,6 +386,7 @@ class Tables {
   }
 
   const Run& fRun;
+  std::vector<Value> fStandardErrors;
 };
 
 }  // namespace
