@@ -45,6 +45,16 @@ bool IsVarianceOfRounding(const std::map<std::string, Value>& twin, const Compar
       });
 }
 
+/// Whether the program takes a variance for rounding: one below a share of 1e-12 of the terms that cancel in
+/// it is cleared, however many digits it has. An intercept far from the covariates' values can be hit.
+bool IsVarianceCleared(const Comparison& comparison) {
+  return std::any_of(comparison.mismatches.begin(), comparison.mismatches.end(),
+                     [](const Mismatch& mismatch) {
+                       return StatisticOf(mismatch.cell) == "ParameterEstimates Std. Error" &&
+                              StartsWith(mismatch.text, "the program says 0, ");
+                     });
+}
+
 /// The rows of tests in which the program sees more independent contrasts than there are. A covariance of few
 /// units is singular; what rounding leaves of a dependent contrast can be above the share of 1e-12 at which
 /// it is dropped, and the statistic is then any large number.
@@ -96,6 +106,7 @@ std::string KnownFault(const std::map<std::string, Value>& twin, const Compariso
   if (comparison.mismatches.empty()) return "";
   if (IsHalvedByRounding(twin, comparison)) return "a step halved by rounding";
   if (IsVarianceOfRounding(twin, comparison)) return "rounding taken for a variance";
+  if (IsVarianceCleared(comparison)) return "a variance taken for rounding";
   const std::vector<std::string> intercept = CellsOfLostIntercept(comparison);
   std::vector<std::string> explained = RowsOfRankByRounding(comparison);
   const std::vector<std::string> gained = CellsOfGainedRows(comparison);
@@ -141,7 +152,7 @@ std::string Describe(const Problem& problem, const Checked& checked) {
     text += mismatches[i].cell + ": " + mismatches[i].text + "\n";
   if (mismatches.size() > kMost) text += "and " + std::to_string(mismatches.size() - kMost) + " more\n";
   for (const auto& [name, content] : FilesOf(problem))
-    text += "---- " + name + "\n" + content;
+    text.append("---- ").append(name).append("\n").append(content);
   return text;
 }
 

@@ -25,7 +25,7 @@ Contrasts GeneralEstimableFunctions(const Columns& columns, const Independence& 
 }
 
 Contrasts ModelContrasts(const Problem& problem, const Columns& columns, const Independence& independence) {
-  const Contrasts all = GeneralEstimableFunctions(columns, independence);
+  Contrasts all = GeneralEstimableFunctions(columns, independence);
   if (!problem.hasIntercept) return all;
   Contrasts result;
   result.l = Matrix(0, columns.parameters.size());

@@ -222,7 +222,7 @@ Fit FitModel(const Problem& problem, const AnalysedCases& cases, const Columns& 
     Real size = 0;
     for (const Real b : fit.history.back().estimates)
       size += std::abs(b);
-    if (problem.criteria.isAbsolute && criterion < 1e-15L * fit.inflation * size) fit.isWellPosed = false;
+    if (problem.criteria.isAbsolute && criterion < 1e-14L * fit.inflation * size) fit.isWellPosed = false;
     isDone = change < criterion || fit.iterations >= problem.criteria.maxIterations;
   }
   // A direction in which the information dies away: separation, or too close to it for a comparison.

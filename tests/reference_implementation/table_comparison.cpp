@@ -55,7 +55,7 @@ void CompareCell(const std::string& cell, const Value& twin, const std::optional
 std::string StatisticOf(const std::string& cell) {
   static const std::array<const char*, 5> kByParameter = {
       "EffectsContrast", "CovariancesOf", "CorrelationsOf", "GeneralEstimable", "ContrastCoefficients"};
-  const std::string table = cell.substr(0, cell.find_first_of(" |"));
+  std::string table = cell.substr(0, cell.find_first_of(" |"));
   for (const char* name : kByParameter) {
     if (table.rfind(name, 0) == 0) return table;
   }
