@@ -274,8 +274,18 @@ class Tables {
     put("Overall Percent", "Percent Correct", 100 * correct / total);
   }
 
-  Value Coefficient(Real x) const {
-    return Value::Of(x, 1e-10L * fRun.estimates.loss * std::max(1.0L, std::abs(x)));
+  /// A coefficient of parameter `column` in the function of parameter `own`: known on the scale of the
+  /// column's size over that of the own one, as centres cancel in it.
+  Value Coefficient(Real x, std::size_t own, std::size_t column) const {
+    const Real scale = std::max(1.0L, Size(column % fRun.Parameters()) / Size(own));
+    return Value::Of(x, 1e-10L * fRun.estimates.loss * std::max(scale, std::abs(x)));
+  }
+  /// The largest value of a column.
+  Real Size(std::size_t k) const {
+    Real size = 0;
+    for (std::size_t i = 0; i < fRun.columns.raw.Rows(); ++i)
+      size = std::max(size, std::abs(fRun.columns.raw(i, k)));
+    return size;
   }
 
   void FillEstimableFunctions() {
@@ -283,7 +293,7 @@ class Tables {
     for (std::size_t i = 0; i < all.l.Rows(); ++i) {
       for (std::size_t k = 0; k < fRun.Parameters(); ++k)
         Put("GeneralEstimableFunction", {fRun.Label(k)}, {"L" + std::to_string(all.numbers[i])},
-            Coefficient(all.l(i, k)));
+            Coefficient(all.l(i, k), static_cast<std::size_t>(all.numbers[i] - 1), k));
     }
   }
 
@@ -324,7 +334,9 @@ class Tables {
             row.insert(row.begin(), fRun.LogitLabel(a / fRun.Parameters()));
             column.insert(column.begin(), fRun.LogitLabel(g));
           }
-          Put(table, row, column, Coefficient(l(g * contrasts.l.Rows() + i, a)));
+          Put(table, row, column,
+              Coefficient(l(g * contrasts.l.Rows() + i, a),
+                          static_cast<std::size_t>(contrasts.numbers[i] - 1), a));
         }
       }
     }
@@ -356,7 +368,8 @@ class Tables {
         if (fRun.HasSeveralLogits()) row.insert(row.begin(), fRun.LogitLabel(a / fRun.Parameters()));
         Path column = logit;
         column.push_back(contrast);
-        Put("ContrastCoefficients" + heading, row, column, Coefficient(hypothesis.l(i, a)));
+        Put("ContrastCoefficients" + heading, row, column,
+            Coefficient(hypothesis.l(i, a), fRun.independence.kept[0], a));
       }
       Path row = logit;
       row.push_back(contrast);
