@@ -117,6 +117,8 @@ TEST(PlanCheck, EachFaultIsFound) {
        ""},
       {"no clusters for unequal probabilities", PlanText({{"unequal_wor", {"st"}, {}}}), nothing, "stops",
        "no cluster variables", ""},
+      {"a misspelt element", PlanText({{"wr", {"st"}, {"psu"}, "<PopulationSise/>"}}), nothing, "biases",
+       "Did you mean PopulationSize?", ""},
       {"a missing weight", SimplePlan(), cell(7, "w", ""), "biases", "1 case without a weight", ""},
       {"a weight of 0", SimplePlan(), cell(7, "w", "0"), "biases", "1 case with weight 0", ""},
       {"a negative weight", SimplePlan(), cell(7, "w", "-1"), "biases", "1 case with a negative weight", ""},

@@ -148,6 +148,8 @@ int CheckPlanFile(const PlanCheckArguments& arguments) {
   } else {
     check.findings.push_back({true, StatusSentence(status, reader.Detail()), {}, 0});
   }
+  for (const tavo::PlanRemark& remark : reader.Remarks())
+    check.findings.push_back({false, RemarkSentence(remark), {}, 0});
   if (arguments.format == OutputFormat::kJson) {
     WriteReportAsJson(std::cout, arguments, check);
   } else {

@@ -21,7 +21,9 @@ class PlanElement {
   std::vector<PlanElement> Children() const;
   /// All elements of that name below this one, in document order.
   std::vector<PlanElement> Descendants(std::string_view name) const;
+  std::string Name() const;
   bool HasAttribute(std::string_view name) const;
+  std::vector<std::string> AttributeNames() const;
   /// UTF-8; empty when absent.
   std::string Attribute(std::string_view name) const;
 
@@ -50,6 +52,9 @@ class PlanDocument {
   /// The path or name that was given.
   const std::string& Name() const { return fName; }
   PlanElement Root() const;
+  /// "name:line:column" of the end of an element's start tag, counted from 1. The document is gone through up
+  /// to the element.
+  std::string PlaceOf(const PlanElement& element) const;
 
   /// True when the root names no schema in xsi:noNamespaceSchemaLocation, or when the parsed document keeps
   /// to the plan's own schema. Otherwise `fault` says where it doesn't, and why.

@@ -38,6 +38,7 @@ PlanStatus OrvPlanReader::ReadSampleUnchecked(const std::string& path) {
 PlanStatus OrvPlanReader::ReadAnalysisSection(const PlanDocument& document, bool checks) {
   fPlan.mode = PlanMode::ANALYSIS_MODE;
   fPlan.file = document.Name();
+  if (checks) fRemarks = FindPlanRemarks(document);
   const PlanElement design = document.Root().Child(PlanAnalysisReader::kSection);
   if (!design) return Refuse(PlanStatus::kNoAnalysisDesign, document.Name());
   PlanAnalysisReader reader(fPlan, checks);

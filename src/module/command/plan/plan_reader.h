@@ -5,6 +5,7 @@
 
 #include "module/command/plan/plan_data.h"
 #include "module/command/plan/plan_document.h"
+#include "module/command/plan/plan_remarks.h"
 #include "module/command/plan/section_reader.h"
 
 namespace tavo {
@@ -31,6 +32,8 @@ class OrvPlanReader {
   /// What the status is about: "file:line:column: what the XML parser says", or the element and the value.
   /// Empty when there is nothing to add.
   const std::string& Detail() const { return fDetail; }
+  /// What a checked reading of an analysis passed over, whatever its status; see FindPlanRemarks.
+  const std::vector<PlanRemark>& Remarks() const { return fRemarks; }
 
  private:
   PlanStatus ReadAnalysisSection(const PlanDocument& document, bool checks);
@@ -40,15 +43,18 @@ class OrvPlanReader {
 
   OrvPlanData& fPlan;
   std::string fDetail;
+  std::vector<PlanRemark> fRemarks;
 };
 
-/// Sends the message of a status.
+/// Sends the messages of statuses and remarks.
 class OrvPlanMessages {
  public:
   /// The message's key; empty for kOK and unknown statuses.
   static const char* Key(PlanStatus status);
   /// `detail` as OrvPlanReader::Detail gives it. kOK and unknown statuses send nothing.
   static void Report(PlanStatus status, const std::string& detail);
+  /// A warning, which suggests the nearest known word.
+  static void Report(const PlanRemark& remark);
 };
 
 }  // namespace tavo
