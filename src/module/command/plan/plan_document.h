@@ -34,9 +34,9 @@ class PlanElement {
 };
 
 /// Parses an XML file. A document may name the plan's own DTD, and is validated then against the one that the
-/// program carries, whatever the document says; it may name the schema likewise. Nothing else is ever read or
-/// fetched. Declarations inside the document are refused, and the memory of the tree is
-/// limited. Warnings of the XML parser refuse the file like errors.
+/// program carries, whatever the document says. It may name the schema, which changes nothing in reading.
+/// Nothing else is ever read or fetched. Declarations inside the document are refused, and the memory of the
+/// tree is limited. Warnings of the XML parser refuse the file like errors.
 class PlanDocument {
  public:
   PlanDocument();

@@ -18,8 +18,8 @@ class OrvPlanReader {
   /// `plan` is filled, not owned; it should be a fresh one for each reading.
   explicit OrvPlanReader(OrvPlanData& plan) : fPlan(plan) {}
 
-  /// Reads and checks. The first status that isn't OK wins; later elements are still read. A plan that names
-  /// the schema must keep to it, but what a status of the section says goes before that.
+  /// Reads and checks. The first status that isn't OK wins; later elements are still read. What a root
+  /// element says about a schema changes nothing here; see SchemaFault.
   PlanStatus ReadAnalysis(const std::string& path);
   PlanStatus ReadSample(const std::string& path);
   /// Fill the same fields and are silent about all but a file that is no plan document and a section that
@@ -28,6 +28,12 @@ class OrvPlanReader {
   PlanStatus ReadSampleUnchecked(const std::string& path);
   /// Reads and checks a document in memory; `name` is what messages call it.
   PlanStatus ReadAnalysisText(const std::string& text, const std::string& name);
+
+  /// Where a plan that names the schema breaks it: "file:line:column: what the XML parser says". Empty when
+  /// it keeps to it, names none, or can't be read at all.
+  static std::string SchemaFault(const std::string& path);
+  /// The same for a document in memory.
+  static std::string SchemaFaultOfText(const std::string& text, const std::string& name);
 
   /// What the status is about: "file:line:column: what the XML parser says", or the element and the value.
   /// Empty when there is nothing to add.
@@ -38,8 +44,7 @@ class OrvPlanReader {
  private:
   PlanStatus ReadAnalysisSection(const PlanDocument& document, bool checks);
   PlanStatus ReadSampleSection(const PlanDocument& document, bool checks);
-  PlanStatus Finish(const PlanDocument& document, PlanStatus status, const std::string& detail);
-  PlanStatus Refuse(PlanStatus status, const std::string& detail);
+  PlanStatus End(PlanStatus status, const std::string& detail);
 
   OrvPlanData& fPlan;
   std::string fDetail;
