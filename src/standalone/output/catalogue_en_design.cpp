@@ -20,9 +20,10 @@ constexpr std::array kEntries = {
     CatalogueEntry{
         "Variable is repeated more than once...",
         "The plan names a variable more than once (^1). Each variable can serve it in one place only."},
-    CatalogueEntry{"Illegal estimation method for this stage...",
-                   "The plan gives a stage an estimation method that is not possible there (^1). Unequal "
-                   "probabilities without replacement are for the first stage only."},
+    CatalogueEntry{
+        "Illegal estimation method for this stage...",
+        "The plan gives a stage an estimation method that is not possible there (^1). Unequal "
+        "probabilities without replacement are for the first stage only, and it needs cluster variables."},
     CatalogueEntry{"Population size value is incorrect...",
                    "A population size in the plan is not right (^1). It must be a whole number above 0."},
     CatalogueEntry{
