@@ -126,6 +126,35 @@ std::vector<BadInput> DictionaryCases() {
   };
 }
 
+BadInput Warned(const std::string& name, const std::string& plan,
+                const std::vector<ExpectedMessage>& messages) {
+  return {name, {kCommand, SurveyData().Text(), plan}, 0, messages};
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  return text.replace(text.find(from), from.size(), to);
+}
+
+std::vector<BadInput> PassedOverCases() {
+  const char* const unknown = "Unknown element ^1 in ^2 of the plan at ^3, known are ^4...";
+  const std::string stratified = PlanText({{"wr", {"st"}, {}}});
+  return {
+      Warned("MisspeltStrata",
+             Replaced(Replaced(stratified, "<StrataVarList", "<StratumVarList"), "</StrataVarList",
+                      "</StratumVarList"),
+             {Warning(unknown, "Did you mean StrataVarList?")}),
+      Warned("SecondWeight",
+             Replaced(stratified, "</AnalysisDesign>",
+                      "<Weight><Variable name=\"x\"/></Weight></AnalysisDesign>"),
+             {Warning("Element ^1 stands in ^2 of the plan again at ^3...", "The first one counts")}),
+      Warned("VariableWithoutName", Replaced(stratified, "<Variable name=\"st\"/>", "<Variable nam=\"st\"/>"),
+             {Warning("Unknown attribute ^1 of ^2 in the plan at ^3, known are ^4...",
+                      "attribute nam of Variable"),
+              Warning("Attribute ^1 of ^2 is missing in the plan at ^3...",
+                      "Variable without the attribute name")}),
+  };
+}
+
 class BadPlan : public testing::TestWithParam<BadInput> {};
 
 TEST_P(BadPlan, IsAnswered) {
@@ -138,6 +167,7 @@ std::string NameOf(const testing::TestParamInfo<BadInput>& each) {
 
 INSTANTIATE_TEST_SUITE_P(File, BadPlan, testing::ValuesIn(FileCases()), NameOf);
 INSTANTIATE_TEST_SUITE_P(Status, BadPlan, testing::ValuesIn(StatusCases()), NameOf);
+INSTANTIATE_TEST_SUITE_P(PassedOver, BadPlan, testing::ValuesIn(PassedOverCases()), NameOf);
 INSTANTIATE_TEST_SUITE_P(Incomplete, BadPlan, testing::ValuesIn(IncompleteCases()), NameOf);
 INSTANTIATE_TEST_SUITE_P(Dictionary, BadPlan, testing::ValuesIn(DictionaryCases()), NameOf);
 

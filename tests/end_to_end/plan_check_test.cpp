@@ -80,6 +80,17 @@ std::string Matrix(const std::string& element, const std::string& variable,
   return text + "</Matrix></" + element + ">";
 }
 
+/// The simple plan, naming the schema, with more in it.
+std::string SchemaPlan(const std::string& more) {
+  std::string text = SimplePlan();
+  const std::string root = "<VORNTessel ";
+  text.replace(text.find(root), root.size(),
+               root +
+                   "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" "
+                   "xsi:noNamespaceSchemaLocation=\"vorntessel.xsd\" ");
+  return text.insert(text.find("<AnalysisDesign"), more);
+}
+
 struct FaultCase {
   const char* what;
   std::string plan;
@@ -117,6 +128,10 @@ TEST(PlanCheck, EachFaultIsFound) {
        ""},
       {"no clusters for unequal probabilities", PlanText({{"unequal_wor", {"st"}, {}}}), nothing, "stops",
        "no cluster variables", ""},
+      {"a misspelt element", PlanText({{"wr", {"st"}, {"psu"}, "<PopulationSise/>"}}), nothing, "biases",
+       "Did you mean PopulationSize?", ""},
+      {"what the schema forbids", SchemaPlan("<Header unknown=\"1\"/>"), nothing, "format",
+       "plan.xml:3:", ""},
       {"a missing weight", SimplePlan(), cell(7, "w", ""), "biases", "1 case without a weight", ""},
       {"a weight of 0", SimplePlan(), cell(7, "w", "0"), "biases", "1 case with weight 0", ""},
       {"a negative weight", SimplePlan(), cell(7, "w", "-1"), "biases", "1 case with a negative weight", ""},

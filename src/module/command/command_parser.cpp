@@ -164,6 +164,9 @@ void TavoCommandParser::Impl::SetDefaults() {
 bool TavoCommandParser::Impl::ReadPlan() {
   OrvPlanReader reader(fPlan);
   const PlanStatus status = reader.ReadAnalysis(host::BEPesGetInputPath(fContext.specs.PlanFileName()));
+  // First, as what was passed over is often the reason why the rest doesn't hold together.
+  for (const PlanRemark& remark : reader.Remarks())
+    OrvPlanMessages::Report(remark);
   if (status != PlanStatus::kOK) {
     OrvPlanMessages::Report(status, reader.Detail());
     return false;

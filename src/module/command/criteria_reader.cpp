@@ -114,7 +114,9 @@ bool CriteriaReader::ReadBrackets(const ParamObj& param, Convergence& convergenc
   const TokenInfoObj& change = tokens[2];
   const std::string word = change.IsString() ? change.getUpperString() : std::string();
   if (word != "RELATIVE" && word != "ABSOLUTE") {
-    return fMessages.At(change).Among({"RELATIVE", "ABSOLUTE"}).InvalidSyntax(change.getString());
+    // A quoted word is no misspelt one: to suggest the same word would only puzzle.
+    if (change.IsString()) fMessages.Among({"RELATIVE", "ABSOLUTE"});
+    return fMessages.At(change).InvalidSyntax(change.getString());
   }
   convergence.isRelative = word == "RELATIVE";
   return tokens.size() == 4 || fMessages.At(tokens[3]).InvalidSyntax(tokens[3].getString());

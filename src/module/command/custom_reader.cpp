@@ -161,11 +161,13 @@ bool LMatrixReader::ReadEffects(TavoMatrixRow& row) {
 }
 
 bool LMatrixReader::ReadEffect(TavoMatrixRow& row) {
-  const std::string text = fCursor.Text();
+  const std::size_t start = fCursor.Index();
   const SourcePosition position = fCursor.Position();
   OrvModelEffect effect = fContext.predictors.MakeEffect();
   std::vector<double> values;
-  if (!fEffectReader.Read(fCursor, effect) || !ReadNumberList(fCursor, fMessages, values)) return false;
+  if (!fEffectReader.Read(fCursor, effect)) return false;
+  const std::string text = fCursor.TextFrom(start);
+  if (!ReadNumberList(fCursor, fMessages, values)) return false;
   const int index = FindEffect(effect);
   if (index < 0) return fMessages.At(position).EffectNotInModel(text);
   const auto place = static_cast<std::size_t>(index);
@@ -218,7 +220,8 @@ class KMatrixReader {
   TokenCursor fCursor;
   std::vector<double> fValues;
   static constexpr int kUnknown = -1;
-  int fWidth = kUnknown;  // values per row so far
+  int fWidth = kUnknown;        // values per row so far
+  SourcePosition fSecondValue;  // of the first row
   int fNRows = 0;
 };
 
@@ -239,6 +242,7 @@ bool KMatrixReader::ReadRow() {
   int width = 0;
   for (; !AtRowEnd(fCursor); fCursor.Step(), ++width) {
     if (!fCursor.Token().IsNumber()) return fMessages.At(fCursor.Position()).NotANumber(fCursor.Text());
+    if (fNRows == 0 && width < 2) fSecondValue = fCursor.Position();
     fValues.push_back(fCursor.Token().getNumeric());
   }
   // A row without any number is a row of another width, so that no value can slip into another row.
@@ -251,7 +255,7 @@ bool KMatrixReader::ReadRow() {
 // Once all rows are read, so that rows that differ are told before rows that are all too wide. Without rows
 // of L the hypothesis is about the intercept, which must be in the model then.
 bool KMatrixReader::CheckRows(int lRows) {
-  if (fWidth != 1) return fMessages.OneValuePerRow();
+  if (fWidth != 1) return fMessages.At(fWidth == 0 ? fMatrix.position : fSecondValue).OneValuePerRow();
   if (lRows > 0) {
     return fNRows == lRows || fMessages.At(fMatrix.position).RowCountsDiffer("LMATRIX", "KMATRIX");
   }

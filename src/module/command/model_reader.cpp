@@ -82,6 +82,10 @@ bool FixModel(ParseContext& context, const host::SubComObj* model, std::vector<O
     return true;
   }
   if (model == nullptr) effects = MainEffects(predictors);
+  if (effects.empty() && !context.specs.UsesIntercept()) {
+    if (model != nullptr) messages.At(model->position);
+    return messages.NothingInModel();
+  }
   SetUsedPredictors(context, effects);
   context.specs.SetEffects(std::move(effects));
   return true;

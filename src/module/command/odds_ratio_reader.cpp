@@ -170,7 +170,8 @@ bool OddsRatioReader::ReadChanges(TokenCursor& cursor, const TokenInfoObj& name,
     if (cursor.IsAt(OperatorCode::kRightParenthesis) && !changes.empty()) break;
     if (!token.IsNumber()) return fMessages.At(token).NotANumber(token.getString());
     // An odds ratio over no change is 1, whatever the model.
-    if (token.getNumeric() == 0) return fMessages.At(token).ValueNotAllowed(parameter, "0");
+    if (token.getNumeric() == 0)
+      return fMessages.At(token).ValueNotAllowed(parameter, "0", "any other number");
     changes.push_back(token.getNumeric());
   }
   cursor.Step();

@@ -23,6 +23,15 @@ struct WordMeaning {
   Meaning meaning;
 };
 
+/// "F, ADJF or CHISQUARE".
+template <class Meaning, std::size_t N>
+std::string ListOf(const std::array<WordMeaning<Meaning>, N>& known) {
+  std::string text;
+  for (std::size_t i = 0; i < N; ++i)
+    text += (i == 0 ? "" : i + 1 == N ? " or " : ", ") + std::string(known[i].word);
+  return text;
+}
+
 /// The meaning of a keyword's word; `meaning` stays when the keyword is absent. False after a message.
 template <class Meaning, std::size_t N>
 bool ReadWord(ParseContext& context, const SubComObj& subcommand, const char* keyword,
@@ -38,7 +47,7 @@ bool ReadWord(ParseContext& context, const SubComObj& subcommand, const char* ke
       return true;
     }
   }
-  return context.messages.At(ValuePosition(*param)).ValueNotAllowed(param->name, word);
+  return context.messages.At(ValuePosition(*param)).ValueNotAllowed(param->name, word, ListOf(known));
 }
 
 bool FileNotAccessible(ParseContext& context, const ParamObj& file, const std::string& name) {

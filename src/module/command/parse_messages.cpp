@@ -156,8 +156,10 @@ bool TavoParseMessages::WrongValueType(const std::string& parameter) {
   return Error("Parameter ^1 of subcommand ^2 has incorrect value type...", {parameter, SubcommandName()});
 }
 
-bool TavoParseMessages::ValueNotAllowed(const std::string& parameter, const std::string& value) {
-  return Error("Parameter ^1 of subcommand ^2 cannot take value ^3...", {parameter, SubcommandName(), value});
+bool TavoParseMessages::ValueNotAllowed(const std::string& parameter, const std::string& value,
+                                        const std::string& allowed) {
+  return Error("Parameter ^1 of subcommand ^2 cannot take value ^3...",
+               {parameter, SubcommandName(), value, allowed});
 }
 
 bool TavoParseMessages::InvalidInteger(const std::string& parameter) {
@@ -250,10 +252,7 @@ void TavoParseMessages::UnusedPredictors(const std::vector<std::string>& names) 
 }
 
 bool TavoParseMessages::OneValuePerRow() {
-  return SendError(BpComposite("^2 row should contain ^1 value, subcommand ^3 ...")
-                       .Add(Count(1))
-                       .Add(host::Plain(fParameter))
-                       .Add(host::Plain(SubcommandName())));
+  return Error("^2 row should contain ^1 value, subcommand ^3 ...", {"1", fParameter, SubcommandName()});
 }
 
 // The plan.

@@ -59,7 +59,8 @@ class TavoParseMessages {
 
   // Keywords of the subcommand in work.
   bool WrongValueType(const std::string& parameter);
-  bool ValueNotAllowed(const std::string& parameter, const std::string& value);
+  /// `allowed` says what the keyword takes.
+  bool ValueNotAllowed(const std::string& parameter, const std::string& value, const std::string& allowed);
   bool InvalidInteger(const std::string& parameter);
   bool InvalidNumber(const std::string& parameter);
   bool BracketsRequired(const std::string& parameter);

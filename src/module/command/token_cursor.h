@@ -44,6 +44,16 @@ class TokenCursor {
   host::OperatorCode Operator() const { return Token().getOperatorCode(); }
   bool IsAt(host::OperatorCode code) const { return Operator() == code; }
   const std::string& Text() const { return Token().getString(); }
+  std::size_t Index() const { return fIndex; }
+  /// The tokens from one on up to the cursor, as one text; words among them stand apart.
+  std::string TextFrom(std::size_t index) const {
+    std::string text;
+    for (; index < fIndex && index < fTokens.size(); ++index) {
+      const bool isBy = fTokens[index].getOperatorCode() == host::OperatorCode::kBy;
+      text += isBy ? " " + fTokens[index].getString() + " " : fTokens[index].getString();
+    }
+    return text;
+  }
   /// The text of the list's last token.
   const std::string& LastText() const { return (fTokens.empty() ? fEnd : fTokens.back()).getString(); }
   /// Of the token; past the end that of the last token.

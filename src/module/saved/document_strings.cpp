@@ -84,6 +84,15 @@ void AddStage(OrvRegDocumentStrings& lines, const PlanStageSpec& spec, std::size
   if (!parameter.empty()) lines.AddString(parameter);
 }
 
+/// Where the piece that starts at `begin` ends: `width` bytes on, or before the character that stands there.
+std::size_t PieceEnd(const std::string& text, std::size_t begin, std::size_t width) {
+  if (text.size() - begin <= width) return text.size();
+  std::size_t end = begin + width;
+  while (end > begin && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+    --end;
+  return end > begin ? end : begin + width;  // bytes without a start are no text; they are cut anywhere
+}
+
 std::string ModelLine(const TavoValidSpecs& specs, const host::VORN_Variable& dependent,
                       const std::vector<std::string>& effectNames) {
   std::string line =
@@ -104,13 +113,21 @@ std::size_t OrvRegDocumentStrings::AddString(std::string text) {
 
 std::size_t OrvRegDocumentStrings::ChunkCount(std::size_t index, std::size_t width) const {
   assert(width > 0);
-  if (index >= fStrings.size() || fStrings[index].empty()) return 0;
-  return (fStrings[index].size() - 1) / width + 1;
+  if (index >= fStrings.size()) return 0;
+  const std::string& text = fStrings[index];
+  std::size_t count = 0;
+  for (std::size_t begin = 0; begin < text.size(); begin = PieceEnd(text, begin, width))
+    ++count;
+  return count;
 }
 
 std::string OrvRegDocumentStrings::ChunkLine(std::size_t index, std::size_t number, std::size_t width) const {
   if (number >= ChunkCount(index, width)) return "";
-  return fStrings[index].substr(number * width, width);
+  const std::string& text = fStrings[index];
+  std::size_t begin = 0;
+  for (std::size_t piece = 0; piece < number; ++piece)
+    begin = PieceEnd(text, begin, width);
+  return text.substr(begin, PieceEnd(text, begin, width) - begin);
 }
 
 OrvRegDocumentStrings DocumentLines(const TavoValidSpecs& specs, const host::VORN_DataSource& source,

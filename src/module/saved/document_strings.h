@@ -16,7 +16,8 @@ class OrvRegDocumentStrings {
   std::size_t AddString(std::string text);
   std::size_t Count() const { return fStrings.size(); }
   const std::string& At(std::size_t index) const { return fStrings[index]; }
-  /// Pieces of a string: 0 for an empty one and an index out of range.
+  /// Pieces of a string of at most `width` bytes, which never end inside a UTF-8 character: 0 for an empty one
+  /// and an index out of range. A width below that of a character splits it nevertheless.
   std::size_t ChunkCount(std::size_t index, std::size_t width) const;
   /// A piece from 0 on; empty when out of range.
   std::string ChunkLine(std::size_t index, std::size_t number, std::size_t width) const;

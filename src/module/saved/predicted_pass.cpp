@@ -1,5 +1,7 @@
 #include "module/saved/predicted_pass.h"
 
+#include <algorithm>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -47,6 +49,12 @@ class PredictionWriter {
   int fType;
 };
 
+/// False for a case so far out that its linear predictor leaves the range of doubles: what comes out then is no
+/// number, and no file could hold it.
+bool AreNumbers(const std::vector<double>& probabilities) {
+  return std::all_of(probabilities.begin(), probabilities.end(), [](double p) { return std::isfinite(p); });
+}
+
 std::vector<int> RequiredCategorical(const TavoValidSpecs& specs) {
   std::vector<int> variables = specs.UsedFactors();
   if (specs.DomainVariable() >= 0) variables.push_back(specs.DomainVariable());
@@ -74,7 +82,8 @@ bool SavePredictions(const TavoValidSpecs& specs, TavoComponent& component, OrvR
   std::vector<double> probabilities;
   while (const MCCommon::Record* record = records.Peek()) {
     int category = 0;
-    if (!component.Predict(*record, categories, probabilities, category).IsError()) {
+    const bool isPredicted = !component.Predict(*record, categories, probabilities, category).IsError();
+    if (isPredicted && AreNumbers(probabilities)) {
       writer.Write(current, category, probabilities);
     }
     records.Next();

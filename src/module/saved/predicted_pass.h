@@ -9,8 +9,8 @@
 namespace tavo {
 
 /// Makes the variables that SAVE asks for and fills them. Cases outside the subpopulation, and cases that
-/// lack a variable of the model, keep missing values; a case that lacks only the dependent, the weight or a
-/// design variable is scored. The component has its model. The adapter stays in its prediction mode for good.
+/// lack a variable of the model or overflow its linear predictor, keep missing values; a case that lacks only
+/// the dependent, the weight or a design variable is scored. The component has its model. The adapter stays in its prediction mode for good.
 /// False when the host failed.
 bool SavePredictions(const TavoValidSpecs& specs, TavoComponent& component, OrvRegInputAdapter& adapter,
                      host::ProcedureDataSource& source);

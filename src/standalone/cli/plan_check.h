@@ -10,12 +10,13 @@
 
 namespace standalone {
 
-/// What speaks against running a plan on data.
+/// What speaks against running a plan on data, or against the plan file.
 struct PlanFinding {
   bool stopsRun = false;  // otherwise the run goes on with results that may be wrong
   std::string text;
   std::vector<std::string> examples;  // the first ones
   std::size_t more = 0;               // examples that are left out
+  bool breaksFormat = false;          // a run passes over it
 
   /// True when there is room for one more example; otherwise it is counted.
   bool TakesExample() {

@@ -48,7 +48,10 @@ void PutFindings(std::ostream& out, const PlanCheck& check) {
   out << '\n';
   if (check.findings.empty()) out << "Nothing speaks against a run.\n";
   for (const PlanFinding& finding : check.findings) {
-    out << (finding.stopsRun ? "stops a run: " : "biases results: ") << WithoutControls(finding.text) << '\n';
+    out << (finding.stopsRun       ? "stops a run: "
+            : finding.breaksFormat ? "breaks the format: "
+                                   : "biases results: ")
+        << WithoutControls(finding.text) << '\n';
     for (const std::string& example : finding.examples)
       out << "  " << WithoutControls(example) << '\n';
     if (finding.more > 0) out << "  and " << finding.more << " more\n";
@@ -98,7 +101,7 @@ void WriteFindings(JsonWriter& json, const PlanCheck& check) {
   json.BeginArray(true);
   for (const PlanFinding& finding : check.findings) {
     json.BeginObject();
-    json.TextMember("effect", finding.stopsRun ? "stops" : "biases");
+    json.TextMember("effect", finding.stopsRun ? "stops" : finding.breaksFormat ? "format" : "biases");
     json.TextMember("text", finding.text);
     json.TextsMember("examples", finding.examples);
     WriteCount(json, "more", finding.more);
@@ -147,6 +150,15 @@ int CheckPlanFile(const PlanCheckArguments& arguments) {
     check = CheckPlan(plan, table);
   } else {
     check.findings.push_back({true, StatusSentence(status, reader.Detail()), {}, 0});
+  }
+  for (const tavo::PlanRemark& remark : reader.Remarks())
+    check.findings.push_back({false, RemarkSentence(remark), {}, 0});
+  // What a status says about the same place says more than the schema can.
+  const std::string fault =
+      status == tavo::PlanStatus::kOK ? tavo::OrvPlanReader::SchemaFault(arguments.plan) : std::string();
+  if (!fault.empty()) {
+    check.findings.push_back(
+        {false, "The plan does not keep to the schema that it names: " + fault, {}, 0, true});
   }
   if (arguments.format == OutputFormat::kJson) {
     WriteReportAsJson(std::cout, arguments, check);

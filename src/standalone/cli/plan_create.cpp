@@ -177,6 +177,8 @@ bool IsSound(const std::string& text) {
   const PlanStatus status = reader.ReadAnalysisText(text, "the plan");
   tavo::OrvPlanMessages::Report(status, reader.Detail());
   if (status != PlanStatus::kOK) return false;
+  const std::string fault = tavo::OrvPlanReader::SchemaFaultOfText(text, "the plan");
+  if (!fault.empty()) return Refuse("The plan breaks its schema: " + fault + ".");
   const OrvPlanStage& first = plan.stages.front();
   if (first.method != PlanMethod::UNEQUAL_WOR || !first.clusters.empty()) return true;
   return Refuse(

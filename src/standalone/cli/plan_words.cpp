@@ -4,6 +4,7 @@
 #include "standalone/output/catalogue.h"
 #include "standalone/output/template.h"
 #include "standalone/text/ascii.h"
+#include "standalone/text/suggestion.h"
 #include "standalone/text/terminal_text.h"
 
 namespace standalone {
@@ -12,6 +13,14 @@ using tavo::PlanMethod;
 
 std::string StatusSentence(tavo::PlanStatus status, const std::string& detail) {
   return FillTemplate(CatalogueText(tavo::OrvPlanMessages::Key(status)), {detail});
+}
+
+std::string RemarkSentence(const tavo::PlanRemark& remark) {
+  const std::string sentence =
+      FillTemplate(CatalogueText(remark.key), {remark.arguments.begin(), remark.arguments.end()});
+  const std::string nearest = NearestWord(remark.arguments.front(), remark.candidates);
+  if (nearest.empty()) return sentence;
+  return sentence + ' ' + FillTemplate(CatalogueText("Did you mean ^1?"), {nearest});
 }
 
 std::string MethodText(PlanMethod method) {

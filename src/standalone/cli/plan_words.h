@@ -5,11 +5,14 @@
 #include <vector>
 
 #include "module/command/plan/plan_data.h"
+#include "module/command/plan/plan_remarks.h"
 
 namespace standalone {
 
 /// The sentence of a status, as a run says it.
 std::string StatusSentence(tavo::PlanStatus status, const std::string& detail);
+/// The sentence of a remark, as a run says it.
+std::string RemarkSentence(const tavo::PlanRemark& remark);
 /// A method in words, such as "with replacement".
 std::string MethodText(tavo::PlanMethod method);
 /// "a, b, c"; a dash for an empty list.

@@ -99,11 +99,8 @@ constexpr std::array kEntries = {
         "The data have a variable ^1 already, so it cannot be made. Give the new variable another name."},
 
     // Values of keywords.
-    CatalogueEntry{
-        "Parameter ^1 of subcommand ^2 cannot take value ^3...",
-        "^1 of subcommand ^2 cannot be ^3. INCLUDE takes YES, NO or ONLY; SHOW takes YES or NO; CLASSMISSING "
-        "takes EXCLUDE or INCLUDE; TYPE takes F, ADJF, CHISQUARE or ADJCHISQUARE; PADJUST takes LSD, "
-        "BONFERRONI, SEQBONFERRONI, SIDAK or SEQSIDAK."},
+    CatalogueEntry{"Parameter ^1 of subcommand ^2 cannot take value ^3...",
+                   "^1 of subcommand ^2 cannot be ^3. It takes ^4."},
     CatalogueEntry{
         "Parameter ^1 of subcommand ^2 does not have a valid integer value...",
         "The value of ^1 in subcommand ^2 must be a whole number: 0 or above for MXITER and CHKSEP, 1 or "

@@ -20,9 +20,10 @@ constexpr std::array kEntries = {
     CatalogueEntry{
         "Variable is repeated more than once...",
         "The plan names a variable more than once (^1). Each variable can serve it in one place only."},
-    CatalogueEntry{"Illegal estimation method for this stage...",
-                   "The plan gives a stage an estimation method that is not possible there (^1). Unequal "
-                   "probabilities without replacement are for the first stage only."},
+    CatalogueEntry{
+        "Illegal estimation method for this stage...",
+        "The plan gives a stage an estimation method that is not possible there (^1). Unequal "
+        "probabilities without replacement are for the first stage only, and it needs cluster variables."},
     CatalogueEntry{"Population size value is incorrect...",
                    "A population size in the plan is not right (^1). It must be a whole number above 0."},
     CatalogueEntry{
@@ -87,6 +88,25 @@ constexpr std::array kEntries = {
     CatalogueEntry{
         "Illegal SRS estimator method...",
         "The attribute SRSestimator in the plan must be wor or wr (^1). Correct it, or leave it out."},
+    CatalogueEntry{
+        "Unknown element ^1 in ^2 of the plan at ^3, known are ^4...",
+        "The plan has an element ^1 in ^2 (^3), which is not known there and was passed over. Known "
+        "there: ^4."},
+    CatalogueEntry{
+        "Unknown attribute ^1 of ^2 in the plan at ^3, known are ^4...",
+        "The plan has an attribute ^1 of ^2 (^3), which is not known there and was passed over. Known "
+        "there: ^4."},
+    CatalogueEntry{
+        "Element ^1 stands in ^2 of the plan again at ^3...",
+        "The plan has another ^1 in ^2 (^3), where one is read. The first one counts; take out the "
+        "others."},
+    CatalogueEntry{
+        "Attribute ^1 of ^2 is missing in the plan at ^3...",
+        "The plan has an element ^2 without the attribute ^1 (^3), which says nothing like this and "
+        "was passed over. Add ^1."},
+    CatalogueEntry{"^1 is less than the ^2 rows of the matrix in the plan at ^3...",
+                   "The plan states ^1 for a matrix that has ^2 rows (^3); the rows beyond that number were "
+                   "not read. State the number of rows."},
 
     // The plan against the data and the command.
     CatalogueEntry{

@@ -31,7 +31,7 @@ constexpr std::array kEntries = {
     CatalogueEntry{
         "No factors, no covariates, no intercept ...",
         "The model is empty: it has no factor, no covariate and no intercept. Name predictors behind BY or "
-        "WITH, or leave the intercept in."},
+        "WITH and in MODEL, or leave the intercept in."},
     CatalogueEntry{
         "Model does not use [%1:, ^1:]1",
         "The model does not use these variables of the command: [%1:, ^1:]1. Cases in which they are missing "

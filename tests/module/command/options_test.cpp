@@ -54,6 +54,15 @@ TEST(Options, LConvergeAbsoluteClearsTheFlagAndAnotherWordIsASyntaxError) {
   EXPECT_THAT(other.Messages()[0].text, testing::HasSubstr("X"));
 }
 
+TEST(Options, AQuotedWordIsNotSuggestedToItself) {
+  CommandRun quoted;
+  EXPECT_FALSE(quoted.Parse("TAVOREG y /CRITERIA LCONVERGE=[0.001 'ABSOLUTE']"));
+  EXPECT_THAT(quoted.Messages()[0].text, testing::Not(testing::HasSubstr("Did you mean")));
+  CommandRun misspelt;
+  EXPECT_FALSE(misspelt.Parse("TAVOREG y /CRITERIA LCONVERGE=[0.001 ABSOLUT]"));
+  EXPECT_THAT(misspelt.Messages()[0].text, testing::HasSubstr("Did you mean ABSOLUTE?"));
+}
+
 TEST(Options, CriteriaReachTheSpecification) {
   CommandRun run;
   ASSERT_TRUE(

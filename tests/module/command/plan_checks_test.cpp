@@ -231,6 +231,7 @@ TEST(PlanChecks, UnequalProbabilitiesWithoutClustersAreAnIllegalMethod) {
   run.WriteFile("plan.vdt", "x");
   EXPECT_FALSE(run.Parse("TAVOREG y"));
   EXPECT_THAT(run.Keys(), ElementsAre("Illegal estimation method for this stage..."));
+  EXPECT_THAT(run.Messages()[0].text, testing::HasSubstr("needs cluster variables"));
 }
 
 TEST(PlanChecks, AFaultOfThePlanFileIsReportedOnce) {

@@ -34,6 +34,29 @@ TEST(DocumentStrings, AStringOfExactly71CharactersIsOnePieceAndOf72Two) {
   EXPECT_EQ(strings.ChunkLine(4, 0, 71), "");
 }
 
+TEST(DocumentStrings, APieceEndsBetweenCharactersAndHoldsNoMoreBytesThanItsWidth) {
+  OrvRegDocumentStrings strings;
+  std::string accents;
+  for (int i = 0; i < 60; ++i)
+    accents += "é";  // two bytes
+  strings.AddString(accents);
+  strings.AddString("ab😀cd");  // four bytes in the middle
+  ASSERT_EQ(strings.ChunkCount(0, 71), 2U);
+  EXPECT_EQ(strings.ChunkLine(0, 0, 71), accents.substr(0, 70));
+  EXPECT_EQ(strings.ChunkLine(0, 1, 71), accents.substr(70));
+  ASSERT_EQ(strings.ChunkCount(1, 5), 3U);
+  EXPECT_EQ(strings.ChunkLine(1, 0, 5), "ab");
+  EXPECT_EQ(strings.ChunkLine(1, 1, 5), "😀c");
+  EXPECT_EQ(strings.ChunkLine(1, 2, 5), "d");
+}
+
+TEST(DocumentStrings, BytesThatAreNoTextAreCutAnywhere) {
+  OrvRegDocumentStrings strings;
+  strings.AddString(std::string(7, '\x80'));
+  ASSERT_EQ(strings.ChunkCount(0, 3), 3U);
+  EXPECT_EQ(strings.ChunkLine(0, 2, 3).size(), 1U);
+}
+
 TEST(DocumentStrings, APrefixStandsBeforeTheFirstPieceAndBlanksBeforeTheOthers) {
   OrvRegDocumentStrings strings;
   strings.AddString(std::string(72, 'a'));

@@ -267,6 +267,23 @@ TEST_F(Predictions, ACaseThatLacksAPredictorStaysEmpty) {
     EXPECT_NE(Number("p_1", row), kEmpty) << row;
 }
 
+TEST_F(Predictions, ACaseThatOverflowsStaysEmpty) {
+  for (const double x : fRun["x"])
+    fRun["small"].push_back(x / 1000);  // so that its slope is far above 1
+  for (const std::size_t row : {20U, 21U})
+    fRun["y"][row] = kEmpty;  // they are scored only
+  fRun["small"][20] = 1e308;
+  fRun["small"][21] = -1e308;
+  fRun.Run("y WITH small /SAVE PREDPROB(p:10) PREDVAL(best)");
+  EXPECT_FALSE(fRun.Output().failed);
+  EXPECT_TRUE(Number("p_1", 20) == kEmpty || Number("p_1", 21) == kEmpty) << "the one above 0";
+  for (std::size_t i = 0; i < 80; ++i) {
+    EXPECT_TRUE(std::isfinite(Number("p_1", i)) && std::isfinite(Number("p_2", i))) << i;
+    EXPECT_EQ(Number("p_1", i) == kEmpty, Number("best", i) == kEmpty) << i;
+    EXPECT_EQ(Number("p_1", i) == kEmpty, Number("p_2", i) == kEmpty) << i;
+  }
+}
+
 TEST_F(Predictions, AFactorValueUnseenInTheFitLeavesTheCaseEmpty) {
   fRun["a"][11] = 9;  // the only case of its category, and it can't be in the fit
   fRun["y"][11] = kEmpty;

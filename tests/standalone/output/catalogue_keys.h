@@ -6,6 +6,11 @@ namespace test_support {
 // Mistakes in a command and in its plan.
 inline constexpr const char* kCommandKeys[] = {
     "ALL was expected in ^2 row but ^1 was found, subcommand ^3 ...",
+    "Attribute ^1 of ^2 is missing in the plan at ^3...",
+    "Element ^1 stands in ^2 of the plan again at ^3...",
+    "Unknown attribute ^1 of ^2 in the plan at ^3, known are ^4...",
+    "Unknown element ^1 in ^2 of the plan at ^3, known are ^4...",
+    "^1 is less than the ^2 rows of the matrix in the plan at ^3...",
     "Covariate ^1 nested in effect, subcommand ^2 ...",
     "Default joint probability file ^1 cannot be accessed...",
     "Denominator ^1 in fraction for ^2 is not a valid number, subcommand ^3 ...",

@@ -1,6 +1,7 @@
 #include "module/command/plan/plan_document.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <new>
@@ -8,13 +9,17 @@
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/framework/MemoryManager.hpp>
+#include <xercesc/framework/XMLAttr.hpp>
+#include <xercesc/framework/XMLElementDecl.hpp>
 #include <xercesc/internal/XMLScanner.hpp>
 #include <xercesc/parsers/SAXParser.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/sax/HandlerBase.hpp>
+#include <xercesc/sax/Locator.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/RefVectorOf.hpp>
 #include <xercesc/util/SecurityManager.hpp>
 #include <xercesc/util/XMLEntityResolver.hpp>
 #include <xercesc/util/XMLResourceIdentifier.hpp>
@@ -115,11 +120,34 @@ class BoundedMemory final : public xml::MemoryManager {
 /// could multiply a small file without bound, and a plan needs neither.
 class PlanParser final : public xml::XercesDOMParser {
  public:
+  struct Place {
+    std::uint32_t line, column;
+  };
+
   explicit PlanParser(xml::MemoryManager* memory) : xml::XercesDOMParser(nullptr, memory) {}
+  /// Behind the start tags of the elements, in document order: the tree itself keeps no places.
+  const std::vector<Place>& Places() const { return fPlaces; }
+
+  void startDocument() override {
+    fPlaces.clear();
+    xml::XercesDOMParser::startDocument();
+  }
+  void startElement(const xml::XMLElementDecl& declaration, const unsigned int space,
+                    const XMLCh* const prefix, const xml::RefVectorOf<xml::XMLAttr>& attributes,
+                    const XMLSize_t attributeCount, const bool isEmpty, const bool isRoot) override {
+    const xml::Locator& locator = *getScanner()->getLocator();
+    fPlaces.push_back({static_cast<std::uint32_t>(locator.getLineNumber()),
+                       static_cast<std::uint32_t>(locator.getColumnNumber())});
+    xml::XercesDOMParser::startElement(declaration, space, prefix, attributes, attributeCount, isEmpty,
+                                       isRoot);
+  }
   void startIntSubset() override {
     throw xml::SAXParseException(XmlText("a plan can't hold declarations of its own").Get(),
                                  *getScanner()->getLocator());
   }
+
+ private:
+  std::vector<Place> fPlaces;
 };
 
 /// The bytes of a file, or why they can't be had. The file is read here, not by the XML library, which would
@@ -194,7 +222,7 @@ class SchemaResolver final : public XmlErrorHandler, public xml::XMLEntityResolv
 
 PlanElement PlanElement::Child(std::string_view name) const {
   for (const PlanElement child : Children()) {
-    if (ToUtf8(static_cast<const xml::DOMElement*>(child.fpNode)->getTagName()) == name) return child;
+    if (child.Name() == name) return child;
   }
   return {};
 }
@@ -217,6 +245,19 @@ std::vector<PlanElement> PlanElement::Descendants(std::string_view name) const {
     found.push_back(PlanElement(element));
   }
   return found;
+}
+
+std::string PlanElement::Name() const {
+  return fpNode == nullptr ? "" : ToUtf8(static_cast<const xml::DOMElement*>(fpNode)->getTagName());
+}
+
+std::vector<std::string> PlanElement::AttributeNames() const {
+  std::vector<std::string> names;
+  if (fpNode == nullptr) return names;
+  const xml::DOMNamedNodeMap* const attributes = static_cast<const xml::DOMElement*>(fpNode)->getAttributes();
+  for (XMLSize_t i = 0; i < attributes->getLength(); ++i)
+    names.push_back(ToUtf8(attributes->item(i)->getNodeName()));
+  return names;
 }
 
 bool PlanElement::HasAttribute(std::string_view name) const {
@@ -330,6 +371,26 @@ bool PlanDocument::ParseText(std::string text, const std::string& name) {
 PlanElement PlanDocument::Root() const {
   const xml::DOMDocument* document = fpImpl->parser->getDocument();
   return document == nullptr ? PlanElement() : PlanElement(document->getDocumentElement());
+}
+
+std::string PlanDocument::PlaceOf(const PlanElement& element) const {
+  const std::vector<PlanParser::Place>& places = fpImpl->parser->Places();
+  std::size_t index = 0;
+  // In document order, without recursion: a hostile document may be as deep as it is long.
+  for (const xml::DOMNode* node = static_cast<const xml::DOMElement*>(Root().fpNode); node != nullptr;) {
+    if (AsElement(node) != nullptr) {
+      if (node == static_cast<const xml::DOMElement*>(element.fpNode)) break;
+      ++index;
+    }
+    const xml::DOMNode* next = node->getFirstChild();
+    while (next == nullptr && node != nullptr) {
+      next = node->getNextSibling();
+      if (next == nullptr) node = node->getParentNode();
+    }
+    node = next;
+  }
+  if (index >= places.size()) return fName;
+  return fName + ":" + std::to_string(places[index].line) + ":" + std::to_string(places[index].column);
 }
 
 bool PlanDocument::KeepsToItsSchema(std::string& fault) const {

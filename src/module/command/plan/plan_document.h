@@ -21,7 +21,9 @@ class PlanElement {
   std::vector<PlanElement> Children() const;
   /// All elements of that name below this one, in document order.
   std::vector<PlanElement> Descendants(std::string_view name) const;
+  std::string Name() const;
   bool HasAttribute(std::string_view name) const;
+  std::vector<std::string> AttributeNames() const;
   /// UTF-8; empty when absent.
   std::string Attribute(std::string_view name) const;
 
@@ -32,9 +34,9 @@ class PlanElement {
 };
 
 /// Parses an XML file. A document may name the plan's own DTD, and is validated then against the one that the
-/// program carries, whatever the document says; it may name the schema likewise. Nothing else is ever read or
-/// fetched. Declarations inside the document are refused, and the memory of the tree is
-/// limited. Warnings of the XML parser refuse the file like errors.
+/// program carries, whatever the document says. It may name the schema, which changes nothing in reading.
+/// Nothing else is ever read or fetched. Declarations inside the document are refused, and the memory of the
+/// tree is limited. Warnings of the XML parser refuse the file like errors.
 class PlanDocument {
  public:
   PlanDocument();
@@ -50,6 +52,9 @@ class PlanDocument {
   /// The path or name that was given.
   const std::string& Name() const { return fName; }
   PlanElement Root() const;
+  /// "name:line:column" of the end of an element's start tag, counted from 1. The document is gone through up
+  /// to the element.
+  std::string PlaceOf(const PlanElement& element) const;
 
   /// True when the root names no schema in xsi:noNamespaceSchemaLocation, or when the parsed document keeps
   /// to the plan's own schema. Otherwise `fault` says where it doesn't, and why.

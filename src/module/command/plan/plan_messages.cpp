@@ -1,5 +1,6 @@
 #include <array>
 
+#include "host/command.h"
 #include "host/output.h"
 #include "module/command/plan/plan_reader.h"
 
@@ -48,6 +49,12 @@ void OrvPlanMessages::Report(PlanStatus status, const std::string& detail) {
   host::BpComposite message(key);
   message.Add(host::Plain(detail));
   host::BpError(message, host::BpErrorLevel::kError);
+}
+
+void OrvPlanMessages::Report(const PlanRemark& remark) {
+  host::ParserMessage message;
+  message.SetCandidates(remark.candidates);
+  message.GenericWarning(remark.key, remark.arguments);
 }
 
 }  // namespace tavo

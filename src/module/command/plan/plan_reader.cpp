@@ -7,62 +7,70 @@ namespace tavo {
 
 PlanStatus OrvPlanReader::ReadAnalysis(const std::string& path) {
   PlanDocument document;
-  if (!document.Parse(path)) return Refuse(PlanStatus::kInvalidFile, document.Error());
+  if (!document.Parse(path)) return End(PlanStatus::kInvalidFile, document.Error());
   return ReadAnalysisSection(document, true);
 }
 
 PlanStatus OrvPlanReader::ReadAnalysisUnchecked(const std::string& path) {
   PlanDocument document;
-  if (!document.Parse(path)) return Refuse(PlanStatus::kInvalidFile, document.Error());
+  if (!document.Parse(path)) return End(PlanStatus::kInvalidFile, document.Error());
   return ReadAnalysisSection(document, false);
 }
 
 PlanStatus OrvPlanReader::ReadAnalysisText(const std::string& text, const std::string& name) {
   PlanDocument document;
-  if (!document.ParseText(text, name)) return Refuse(PlanStatus::kInvalidFile, document.Error());
+  if (!document.ParseText(text, name)) return End(PlanStatus::kInvalidFile, document.Error());
   return ReadAnalysisSection(document, true);
 }
 
 PlanStatus OrvPlanReader::ReadSample(const std::string& path) {
   PlanDocument document;
-  if (!document.Parse(path)) return Refuse(PlanStatus::kInvalidFile, document.Error());
+  if (!document.Parse(path)) return End(PlanStatus::kInvalidFile, document.Error());
   return ReadSampleSection(document, true);
 }
 
 PlanStatus OrvPlanReader::ReadSampleUnchecked(const std::string& path) {
   PlanDocument document;
-  if (!document.Parse(path)) return Refuse(PlanStatus::kInvalidFile, document.Error());
+  if (!document.Parse(path)) return End(PlanStatus::kInvalidFile, document.Error());
   return ReadSampleSection(document, false);
 }
 
 PlanStatus OrvPlanReader::ReadAnalysisSection(const PlanDocument& document, bool checks) {
   fPlan.mode = PlanMode::ANALYSIS_MODE;
   fPlan.file = document.Name();
+  if (checks) fRemarks = FindPlanRemarks(document);
   const PlanElement design = document.Root().Child(PlanAnalysisReader::kSection);
-  if (!design) return Refuse(PlanStatus::kNoAnalysisDesign, document.Name());
+  if (!design) return End(PlanStatus::kNoAnalysisDesign, document.Name());
   PlanAnalysisReader reader(fPlan, checks);
   reader.Read(design);
-  return checks ? Finish(document, reader.Status(), reader.Detail()) : PlanStatus::kOK;
+  return checks ? End(reader.Status(), reader.Detail()) : PlanStatus::kOK;
 }
 
 PlanStatus OrvPlanReader::ReadSampleSection(const PlanDocument& document, bool checks) {
   fPlan.mode = PlanMode::SAMPLE_MODE;
   fPlan.file = document.Name();
   const PlanElement design = document.Root().Child(PlanSampleReader::kSection);
-  if (!design) return Refuse(PlanStatus::kNoSampleDesign, document.Name());
+  if (!design) return End(PlanStatus::kNoSampleDesign, document.Name());
   PlanSampleReader reader(fPlan);
   reader.Read(design);
-  return checks ? Finish(document, reader.SectionStatus(), reader.Detail()) : PlanStatus::kOK;
+  return checks ? End(reader.SectionStatus(), reader.Detail()) : PlanStatus::kOK;
 }
 
-PlanStatus OrvPlanReader::Finish(const PlanDocument& document, PlanStatus status, const std::string& detail) {
-  if (status != PlanStatus::kOK) return Refuse(status, detail);
+std::string OrvPlanReader::SchemaFault(const std::string& path) {
+  PlanDocument document;
   std::string fault;
-  if (!document.KeepsToItsSchema(fault)) return Refuse(PlanStatus::kInvalidFile, fault);
-  return PlanStatus::kOK;
+  if (document.Parse(path)) document.KeepsToItsSchema(fault);
+  return fault;
 }
 
-PlanStatus OrvPlanReader::Refuse(PlanStatus status, const std::string& detail) {
+std::string OrvPlanReader::SchemaFaultOfText(const std::string& text, const std::string& name) {
+  PlanDocument document;
+  std::string fault;
+  if (document.ParseText(text, name)) document.KeepsToItsSchema(fault);
+  return fault;
+}
+
+PlanStatus OrvPlanReader::End(PlanStatus status, const std::string& detail) {
   fDetail = detail;
   return status;
 }

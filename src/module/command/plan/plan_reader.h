@@ -5,6 +5,7 @@
 
 #include "module/command/plan/plan_data.h"
 #include "module/command/plan/plan_document.h"
+#include "module/command/plan/plan_remarks.h"
 #include "module/command/plan/section_reader.h"
 
 namespace tavo {
@@ -17,8 +18,8 @@ class OrvPlanReader {
   /// `plan` is filled, not owned; it should be a fresh one for each reading.
   explicit OrvPlanReader(OrvPlanData& plan) : fPlan(plan) {}
 
-  /// Reads and checks. The first status that isn't OK wins; later elements are still read. A plan that names
-  /// the schema must keep to it, but what a status of the section says goes before that.
+  /// Reads and checks. The first status that isn't OK wins; later elements are still read. What a root
+  /// element says about a schema changes nothing here; see SchemaFault.
   PlanStatus ReadAnalysis(const std::string& path);
   PlanStatus ReadSample(const std::string& path);
   /// Fill the same fields and are silent about all but a file that is no plan document and a section that
@@ -28,27 +29,37 @@ class OrvPlanReader {
   /// Reads and checks a document in memory; `name` is what messages call it.
   PlanStatus ReadAnalysisText(const std::string& text, const std::string& name);
 
+  /// Where a plan that names the schema breaks it: "file:line:column: what the XML parser says". Empty when
+  /// it keeps to it, names none, or can't be read at all.
+  static std::string SchemaFault(const std::string& path);
+  /// The same for a document in memory.
+  static std::string SchemaFaultOfText(const std::string& text, const std::string& name);
+
   /// What the status is about: "file:line:column: what the XML parser says", or the element and the value.
   /// Empty when there is nothing to add.
   const std::string& Detail() const { return fDetail; }
+  /// What a checked reading of an analysis passed over, whatever its status; see FindPlanRemarks.
+  const std::vector<PlanRemark>& Remarks() const { return fRemarks; }
 
  private:
   PlanStatus ReadAnalysisSection(const PlanDocument& document, bool checks);
   PlanStatus ReadSampleSection(const PlanDocument& document, bool checks);
-  PlanStatus Finish(const PlanDocument& document, PlanStatus status, const std::string& detail);
-  PlanStatus Refuse(PlanStatus status, const std::string& detail);
+  PlanStatus End(PlanStatus status, const std::string& detail);
 
   OrvPlanData& fPlan;
   std::string fDetail;
+  std::vector<PlanRemark> fRemarks;
 };
 
-/// Sends the message of a status.
+/// Sends the messages of statuses and remarks.
 class OrvPlanMessages {
  public:
   /// The message's key; empty for kOK and unknown statuses.
   static const char* Key(PlanStatus status);
   /// `detail` as OrvPlanReader::Detail gives it. kOK and unknown statuses send nothing.
   static void Report(PlanStatus status, const std::string& detail);
+  /// A warning, which suggests the nearest known word.
+  static void Report(const PlanRemark& remark);
 };
 
 }  // namespace tavo

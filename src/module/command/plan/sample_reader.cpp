@@ -90,11 +90,10 @@ void PlanSampleReader::ReadInput(const PlanElement& element, OrvPlanStage& stage
 }
 
 void PlanSampleReader::ReadRate(const PlanElement& rate, OrvPlanStage& stage) {
-  const auto isSize = [](double bound) { return bound >= 0 && host::IsValidInteger(bound); };
-  if (!ReadBound(rate.Child("MinSize"), stage.minSize) || !isSize(stage.minSize)) {
+  if (!ReadBound(rate.Child("MinSize"), stage.minSize) || !IsCount(stage.minSize)) {
     Note(PlanStatus::kMinMaxNotPositive, "InputSampleRate, MinSize");
   }
-  if (!ReadBound(rate.Child("MaxSize"), stage.maxSize) || !isSize(stage.maxSize)) {
+  if (!ReadBound(rate.Child("MaxSize"), stage.maxSize) || !IsCount(stage.maxSize)) {
     Note(PlanStatus::kMinMaxNotPositive, "InputSampleRate, MaxSize");
   }
   if (stage.maxSize > 0 && stage.minSize > stage.maxSize) {

@@ -28,6 +28,11 @@ double NumberOfText(const std::string& text) {
   return failure == std::errc() && stopped == end && std::isfinite(value) ? value : 0;
 }
 
+bool IsCount(double value) {
+  constexpr double kLargest = 9007199254740992;
+  return value >= 0 && value <= kLargest && value == std::floor(value);
+}
+
 // Stages that are too many are none of this format: nothing that they say could be trusted.
 bool PlanSectionReader::MakeStages(std::size_t count) {
   fStagePosition = 0;
@@ -147,11 +152,11 @@ void PlanSectionReader::CheckValue(double value, PlanValueKind kind, const std::
   };
   switch (kind) {
     case PlanValueKind::SIZE:
-      return require(value > 0 && host::IsValidInteger(value), PlanStatus::kSampleSizeNotPositive);
+      return require(value > 0 && IsCount(value), PlanStatus::kSampleSizeNotPositive);
     case PlanValueKind::RATE:
       return require(value > 0, PlanStatus::kSampleRateNotPositive);
     case PlanValueKind::POPSIZE:
-      return require(value > 0 && host::IsValidInteger(value), PlanStatus::kPopulationSizeIncorrect);
+      return require(value > 0 && IsCount(value), PlanStatus::kPopulationSizeIncorrect);
     case PlanValueKind::INCLPROB:
       return require(value > 0 && value <= 1, PlanStatus::kInclusionProbIncorrect);
     case PlanValueKind::kNone:

@@ -12,6 +12,10 @@ namespace tavo {
 /// The number in an attribute; what isn't a finite number as a whole reads as 0.
 double NumberOfText(const std::string& text);
 
+/// True for a whole number at which doubles still tell neighbours apart, up to 2^53: a count may well be
+/// above what 32 bits hold, as that of a population of people is.
+bool IsCount(double value);
+
 /// Reads elements into a plan and keeps the first status that isn't OK; later elements are still read.
 class PlanSectionReader {
  public:

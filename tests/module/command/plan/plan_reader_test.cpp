@@ -169,7 +169,8 @@ TEST_F(PlanReading, PopulationSizeIsAPositiveWholeNumberOrGives5) {
   for (const auto& [text, value] : {std::pair<const char*, double>{"1", 1.0},
                                     {"100.0", 100.0},
                                     {"1e3", 1000.0},
-                                    {"2147483647", 2147483647.0}}) {
+                                    {"2147483647", 2147483647.0},
+                                    {"3000000000", 3000000000.0}}) {
     EXPECT_EQ(ReadValue(size(text)), PlanStatus::kOK) << text;
     EXPECT_EQ(FirstStage().value, value) << text;
     EXPECT_EQ(FirstStage().valueKind, PlanValueKind::POPSIZE);
