@@ -77,6 +77,7 @@ std::string WithLineFeeds(std::string text) {
 
 std::string DataValueText(const host::BpDataValue& value) {
   if (value.variable == nullptr || value.cells.empty()) return {};
+  if (!value.shown.empty()) return value.shown;
   const host::VORN_Variable& variable = *value.variable;
   if (value.preference != host::BpShow::kValue) {
     const std::string* label = variable.GetValueLabels().GetLabel(value.cells.data(), variable.GetType());
