@@ -42,6 +42,13 @@ bool CheckFileRef(std::string_view name);
 /// True when the file exists and can be read.
 bool ValidateFileSpecification(std::string_view name);
 
+/// Tells the host that the run reads the file of this name, and what for, in a word such as "PLAN".
+void NoteInput(std::string_view name, std::string_view use);
+/// What the run reads a file for that would be replaced by writing one of this name; empty when it reads no
+/// such file. The file tells and not its name: other spellings and links lead to the same one. The host knows
+/// its own inputs, such as the data, without being told.
+std::string InputReplacedBy(std::string_view name);
+
 /// Writes a text file, whole or not at all: what `write` puts into the stream takes the place of the name's
 /// file only when `write` returns true and everything has reached the disk. False otherwise; a file that was
 /// there before is then untouched, and `error` says, in the words that a user reads, why the host failed. It

@@ -58,6 +58,9 @@ class BpDataValue {
   const VORN_Variable* variable = nullptr;
   std::vector<OBS> cells;  // empty: no value
   BpShow preference = BpShow::kDefault;
+  /// Shown in the place of label or print format unless it is empty: for a value that these would not tell
+  /// from others. It stays the same value.
+  std::string shown;
 };
 class BpComposite;
 

@@ -22,9 +22,10 @@ bool ReadSave(ParseContext& context, const host::SubComObj& save);
 bool ReadOutfile(ParseContext& context, const host::SubComObj& outfile);
 
 /// Compares the name of each file to be written, without regard to case, with the names of plan, joint
-/// probabilities and the files to be written before it. Names are compared as they stand, not the files
-/// behind them. `outfile` is the OUTFILE subcommand or null. Call it once the plan is resolved, which may
-/// settle the name of the joint probabilities.
+/// probabilities and the files to be written before it, and asks the host whether writing it would replace a
+/// file that the run reads, whatever that one's name is. Tells the host of plan and joint probabilities
+/// before. `outfile` is the OUTFILE subcommand or null. Call it once the plan is resolved, which may settle
+/// the name of the joint probabilities.
 bool CheckOutputFiles(ParseContext& context, const host::SubComObj* outfile);
 
 }  // namespace tavo

@@ -58,8 +58,12 @@ bool ReadOutfile(ParseContext& context, const SubComObj& outfile) {
 }
 
 bool CheckOutputFiles(ParseContext& context, const SubComObj* outfile) {
-  if (outfile == nullptr) return true;
   const TavoValidSpecs& specs = context.specs;
+  host::NoteInput(specs.PlanFileName(), "PLAN");
+  if (specs.JointProbFile().IsInit()) {
+    host::NoteInput(specs.JointProbFile().DocumentationString(), "JOINTPROB");
+  }
+  if (outfile == nullptr) return true;
   constexpr std::size_t kFirstOutput = 2;
   const std::array<NamedFile, 6> files = {{{"PLAN", specs.PlanFileName()},
                                            {"JOINTPROB", specs.JointProbFile().DocumentationString()},
@@ -75,6 +79,10 @@ bool CheckOutputFiles(ParseContext& context, const SubComObj* outfile) {
       const ParamObj& param = *outfile->getParamObj(output.use);
       return context.messages.At(ValuePosition(param)).FileUsedTwice(output.name, files[j].use, output.use);
     }
+    const std::string input = host::InputReplacedBy(output.name);
+    if (input.empty()) continue;
+    const ParamObj& param = *outfile->getParamObj(output.use);
+    return context.messages.At(ValuePosition(param)).FileUsedTwice(output.name, input, output.use);
   }
   return true;
 }

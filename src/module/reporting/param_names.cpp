@@ -1,7 +1,8 @@
 #include "module/reporting/param_names.h"
 
+#include <unordered_map>
+
 #include "host/output.h"
-#include "module/input/value_text.h"
 #include "module/reporting/term_text.h"
 
 namespace tavo {
@@ -27,42 +28,62 @@ std::string EffectName(const OrvModelEffect& effect, const host::VORN_DataSource
   return TermText(factors, RepeatedTexts(covariates, numbers), effect.IsFactorAfterCovariates());
 }
 
-/// Writes "[A=1]" for a factor's column and code.
-std::string FactorValue(const host::VORN_DataSource& source, const OrvRegInputAdapter& adapter, int column,
-                        int code) {
-  int variable = -1;
-  const host::OBS* cells = adapter.ValueForColumnCode(column, code, variable);
-  if (cells == nullptr) return "[]";
-  const host::VORN_Variable& entry = *source.GetVariable(static_cast<unsigned>(variable));
-  return "[" + entry.GetName() + "=" + PrintedValue(entry, cells) + "]";
-}
+/// Writes the names of parameters.
+class ParameterNamer {
+ public:
+  ParameterNamer(const TavoValidSpecs& specs, const host::VORN_DataSource& source,
+                 const OrvCategoryTexts& categories)
+      : fSpecs(specs), fSource(source), fCategories(categories) {}
 
-std::string ParameterName(const OrvRegrParameter& parameter, const TavoValidSpecs& specs,
-                          const host::VORN_DataSource& source, const OrvRegInputAdapter& adapter) {
-  if (parameter.IsIntercept()) return host::FacSTDictionaryLookUp("(Intercept)");
-  std::vector<FactorTerm> factors;
-  for (std::size_t i = 0; i < parameter.factors.size(); ++i) {
-    factors.push_back({FactorValue(source, adapter, parameter.factors[i], parameter.levels[i]),
-                       parameter.nestingLevels[i]});
+  /// `inFull`: the values are written in full even where none reads like another.
+  std::string Name(const OrvRegrParameter& parameter, bool inFull) const {
+    if (parameter.IsIntercept()) return host::FacSTDictionaryLookUp("(Intercept)");
+    std::vector<FactorTerm> factors;
+    for (std::size_t i = 0; i < parameter.factors.size(); ++i) {
+      factors.push_back(
+          {FactorValue(parameter.factors[i], parameter.levels[i], inFull), parameter.nestingLevels[i]});
+    }
+    std::vector<std::string> covariates;
+    for (const int column : parameter.covariates)
+      covariates.push_back(VariableName(fSource, VariableOf(column)));
+    const OrvModelEffect& effect = fSpecs.Effects()[static_cast<std::size_t>(parameter.effectIndex)];
+    return TermText(factors, RepeatedTexts(covariates, parameter.multiplicities),
+                    effect.IsFactorAfterCovariates());
   }
-  std::vector<std::string> covariates;
-  for (const int column : parameter.covariates) {
-    covariates.push_back(VariableName(source, specs.RecordVariables()[static_cast<std::size_t>(column)]));
+
+ private:
+  int VariableOf(int column) const { return fSpecs.RecordVariables()[static_cast<std::size_t>(column)]; }
+
+  /// Writes "[A=1]" for a factor's column and code.
+  std::string FactorValue(int column, int code, bool inFull) const {
+    const int variable = VariableOf(column);
+    const std::string value =
+        inFull ? fCategories.InFull(variable, code) : fCategories.Printed(variable, code);
+    return "[" + VariableName(fSource, variable) + "=" + value + "]";
   }
-  const OrvModelEffect& effect = specs.Effects()[static_cast<std::size_t>(parameter.effectIndex)];
-  return TermText(factors, RepeatedTexts(covariates, parameter.multiplicities),
-                  effect.IsFactorAfterCovariates());
-}
+
+  const TavoValidSpecs& fSpecs;
+  const host::VORN_DataSource& fSource;
+  const OrvCategoryTexts& fCategories;
+};
 
 }  // namespace
 
 TavoParamNames::TavoParamNames(const TavoValidSpecs& specs, const host::VORN_DataSource& source,
-                               const OrvRegInputAdapter& adapter,
+                               const OrvCategoryTexts& categories,
                                const std::vector<OrvRegrParameter>& parameters) {
   for (const OrvModelEffect& effect : specs.Effects())
     fEffects.push_back(EffectName(effect, source));
+  const ParameterNamer namer(specs, source, categories);
+  std::unordered_map<std::string, int> uses;
   for (const OrvRegrParameter& parameter : parameters) {
-    fParameters.push_back(ParameterName(parameter, specs, source, adapter));
+    fParameters.push_back(namer.Name(parameter, false));
+    ++uses[fParameters.back()];
+  }
+  // Values that differ can still make one name of two, when a value itself reads like the end of a factor and
+  // the begin of another, as "1] * [B=2" does.
+  for (std::size_t i = 0; i < parameters.size(); ++i) {
+    if (uses[fParameters[i]] > 1) fParameters[i] = namer.Name(parameters[i], true);
   }
 }
 

@@ -27,7 +27,10 @@ std::size_t CharacterEnd(const std::string& text, std::size_t end) {
 }  // namespace
 
 TavoOutputFrame::TavoOutputFrame(host::BpHeading& heading, const FinishedRun& run)
-    : fHeading(heading), fRun(run), fNames(run.specs, run.source, run.adapter, FirstEquation(run.stats)) {}
+    : fHeading(heading),
+      fRun(run),
+      fCategories(run.source, run.adapter),
+      fNames(run.specs, run.source, fCategories, FirstEquation(run.stats)) {}
 
 int TavoOutputFrame::EquationCount() const {
   return Stats() == nullptr ? 0 : static_cast<int>(Stats()->DependentCategories().size()) - 1;
@@ -38,7 +41,7 @@ host::BpVariable TavoOutputFrame::Variable(int variable) const {
 }
 
 host::BpDataValue TavoOutputFrame::Value(int variable, int code) const {
-  return {Source().GetVariable(static_cast<unsigned>(variable)), Adapter().ValueForCode(variable, code)};
+  return fCategories.Shown(variable, code);
 }
 
 host::BpDataValue TavoOutputFrame::DependentValue(int localIndex) const {
@@ -51,8 +54,7 @@ host::BpComposite TavoOutputFrame::SubpopComposite() const {
   assert(HasSubpopulation());
   host::BpComposite text("Subpopulation ^1 = ^2");
   text.Add(Variable(Specs().DomainVariable()));
-  text.Add(host::BpDataValue(Source().GetVariable(static_cast<unsigned>(Specs().DomainVariable())),
-                             Specs().DomainValue().cells.data()));
+  text.Add(fCategories.Shown(Specs().DomainVariable(), Specs().DomainValue().cells.data()));
   return text;
 }
 
@@ -62,8 +64,7 @@ void TavoOutputFrame::AddCaptionArguments(host::BpComposite& caption, bool lineF
   if (lineFirst) caption.Add(line);
   if (HasSubpopulation()) {
     caption.Add(Variable(Specs().DomainVariable()));
-    caption.Add(host::BpDataValue(Source().GetVariable(static_cast<unsigned>(Specs().DomainVariable())),
-                                  Specs().DomainValue().cells.data()));
+    caption.Add(fCategories.Shown(Specs().DomainVariable(), Specs().DomainValue().cells.data()));
     caption.Add(line);
   }
   caption.Add(Dependent());

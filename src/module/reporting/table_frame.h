@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/output.h"
+#include "module/input/category_texts.h"
 #include "module/reporting/finished_run.h"
 #include "module/reporting/param_names.h"
 
@@ -34,6 +35,8 @@ class TavoOutputFrame {
   bool HasSubpopulation() const { return Specs().DomainVariable() >= 0; }
   host::BpVariable Variable(int variable) const;
   host::BpVariable Dependent() const { return Variable(Specs().DependentVariable()); }
+  /// The texts of categories; all that is written about the run takes them from here.
+  const OrvCategoryTexts& Categories() const { return fCategories; }
   /// The value of a dictionary variable's code.
   host::BpDataValue Value(int variable, int code) const;
   /// The value of a response category by its place in the model's order, the reference last.
@@ -55,6 +58,7 @@ class TavoOutputFrame {
 
   host::BpHeading& fHeading;
   FinishedRun fRun;
+  OrvCategoryTexts fCategories;
   TavoParamNames fNames;
 };
 

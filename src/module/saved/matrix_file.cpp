@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <set>
 
 #include "host/output.h"
-#include "module/input/value_text.h"
 #include "module/saved/document_strings.h"
 
 namespace tavo {
@@ -32,9 +32,18 @@ std::vector<host::OBS> StringCells(const std::string& text, int width) {
 
 /// A category of the dependent variable by its code.
 std::string CategoryText(const TavoOutputFrame& frame, int code) {
-  const int dependent = frame.Specs().DependentVariable();
-  return PrintedValue(*frame.Source().GetVariable(static_cast<unsigned>(dependent)),
-                      frame.Adapter().ValueForCode(dependent, code));
+  return frame.Categories().Printed(frame.Specs().DependentVariable(), code);
+}
+
+/// The usual width, unless that would cut two logits to one.
+int LogitWidth(const std::vector<std::string>& names) {
+  std::set<std::string> cut;
+  std::size_t longest = 0;
+  for (const std::string& name : names) {
+    cut.insert(name.substr(0, kLogitWidth));
+    longest = std::max(longest, name.size());
+  }
+  return cut.size() == names.size() ? kLogitWidth : static_cast<int>(longest);
 }
 
 /// Makes the variables and writes the cases of one matrix file.
@@ -98,9 +107,10 @@ host::VORN_ValueLabelMap RowTypeLabels() {
 }
 
 bool MatrixWriter::MakeVariables() {
-  if (fbLogits && (MakeString("RowLogit_", kLogitWidth) == nullptr ||
-                   MakeString("ColumnLogit_", kLogitWidth) == nullptr)) {
-    return false;
+  if (fbLogits) {
+    const int width = LogitWidth(fLogitNames);
+    if (MakeString("RowLogit_", width) == nullptr || MakeString("ColumnLogit_", width) == nullptr)
+      return false;
   }
   host::VORN_Variable* rowType = MakeString("rowtype_", kNameWidth);
   if (rowType == nullptr) return false;

@@ -1,17 +1,12 @@
 #include "module/saved/model_variables.h"
 
-#include <array>
-#include <charconv>
+#include "module/input/value_text.h"
 
 namespace tavo {
 
 namespace {
 
-std::string ShortestText(double number) {
-  std::array<char, 32> digits{};
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-  return {digits.data(), end};
-}
+constexpr std::uint8_t kPlainString = 1;  // of the types of print formats
 
 std::string NumberText(const host::OBS* cell, const host::VORN_Format& format) {
   std::string text;
@@ -37,8 +32,11 @@ std::string BoundText(double bound, const host::VORN_Variable& variable) {
 
 std::string ScoringText(const host::OBS* cells, const host::VORN_Variable& variable) {
   if (variable.IsNumeric()) return NumberText(cells, variable.GetFormat());
+  // A print format that is narrower than the variable would make two categories one.
+  const host::VORN_Format& format = variable.GetFormat();
+  const bool isNarrow = format.type == kPlainString && format.width < variable.GetType();
   std::string text;
-  host::ToString(cells, variable.GetFormat(), text);
+  host::ToString(cells, isNarrow ? host::VORN_Format{kPlainString, variable.GetType(), 0} : format, text);
   text.erase(text.find_last_not_of(' ') + 1);
   return text;
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "host/output.h"
-#include "module/input/value_text.h"
+#include "module/input/category_texts.h"
 
 namespace tavo {
 
@@ -68,16 +68,14 @@ std::vector<int> SavedCodes(const std::vector<int>& categories, std::size_t coun
   return codes;
 }
 
-bool MakeProbability(const TavoValidSpecs& specs, host::ProcedureDataSource& source,
-                     const OrvRegInputAdapter& adapter, int code, const std::string& name,
-                     PredictedVariables& made) {
+bool MakeProbability(const TavoValidSpecs& specs, host::ProcedureDataSource& source, const std::string& value,
+                     const std::string& name, PredictedVariables& made) {
   const host::VORN_Variable* dependent = source.GetVariable(static_cast<unsigned>(specs.DependentVariable()));
-  const host::OBS* cells = adapter.ValueForCode(specs.DependentVariable(), code);
-  const std::string label = host::FacSTDictionaryLookUp("Predicted Values for") + " " + dependent->GetName() +
-                            " = " + PrintedValue(*dependent, cells);
+  const std::string label =
+      host::FacSTDictionaryLookUp("Predicted Values for") + " " + dependent->GetName() + " = " + value;
   host::BpComposite note("^1 = ^2: ^3", false);
   note.Add(host::BpVariable{dependent, host::BpShow::kValue});
-  note.Add(host::BpDataValue(dependent, cells, host::BpShow::kValue));
+  note.Add(host::Plain(value));
   note.Add(host::Plain(name));
   host::AddNotes(kSavedVariables, "Predicted Probabilities", note);
 
@@ -123,10 +121,12 @@ bool MakePredictedVariables(const TavoValidSpecs& specs, host::ProcedureDataSour
   const std::vector<std::string> names =
       MakeProbabilityNames(specs.PredictedProbabilityRoot(), LimitedCount(specs, categories.size()), source);
   const std::vector<int> codes = SavedCodes(categories, names.size());
+  const OrvCategoryTexts texts(source, adapter);
   for (std::size_t i = 0; i < codes.size(); ++i) {
     const auto place = std::find(categories.begin(), categories.end(), codes[i]) - categories.begin();
     made.categories.push_back(static_cast<std::size_t>(place));
-    if (!MakeProbability(specs, source, adapter, codes[i], names[i], made)) return false;
+    const std::string value = texts.Printed(specs.DependentVariable(), codes[i]);
+    if (!MakeProbability(specs, source, value, names[i], made)) return false;
   }
   return true;
 }

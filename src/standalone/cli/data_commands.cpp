@@ -5,6 +5,7 @@
 #include "standalone/cli/commands.h"
 #include "standalone/files/data_reader.h"
 #include "standalone/files/data_writer.h"
+#include "standalone/files/run_inputs.h"
 #include "standalone/output/data_description.h"
 #include "standalone/output/message.h"
 
@@ -62,6 +63,13 @@ int DescribeDataFile(const DescribeArguments& arguments) {
 }
 
 int ConvertDataFile(const ConvertArguments& arguments) {
+  RunInputs inputs;
+  inputs.Add(arguments.in, "the file to read");
+  inputs.Add(SchemaPathOf({arguments.in, arguments.schema, 1}), "its schema");
+  if (const std::string input = inputs.ReplacedBy(arguments.out); !input.empty()) {
+    Show("Writing " + arguments.out + " would replace " + input + ". Give the output another name.", true);
+    return kBadCall;
+  }
   const std::optional<Table> table = ReadTable(arguments.in, arguments.schema);
   if (!table) return kBadCall;
   const std::string error = WriteDataFile(arguments.out, *table);

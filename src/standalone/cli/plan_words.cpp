@@ -12,7 +12,7 @@ namespace standalone {
 using tavo::PlanMethod;
 
 std::string StatusSentence(tavo::PlanStatus status, const std::string& detail) {
-  return FillTemplate(CatalogueText(tavo::OrvPlanMessages::Key(status)), {detail});
+  return FillMessage(CatalogueText(tavo::OrvPlanMessages::Key(status)), {detail});
 }
 
 std::string RemarkSentence(const tavo::PlanRemark& remark) {

@@ -6,11 +6,13 @@
 #include <optional>
 #include <sstream>
 #include <thread>
+#include <vector>
 
 #include "host/session.h"
 #include "standalone/cli/commands.h"
 #include "standalone/cli/program_files.h"
 #include "standalone/cli/terminal.h"
+#include "standalone/command/command_file.h"
 #include "standalone/files/atomic_file.h"
 #include "standalone/files/data_reader.h"
 #include "standalone/files/data_writer.h"
@@ -54,8 +56,50 @@ std::optional<SourceText> ReadSource(const RunArguments& arguments, Session& ses
   return SourceText(isStandardInput ? "<standard input>" : arguments.commands, std::move(text));
 }
 
+ReadOptions DataOptions(const RunArguments& arguments) {
+  return {arguments.data, arguments.schema, ThreadCount(arguments)};
+}
+
+/// The files that commands name with FILE=, plans and joint probabilities.
+std::vector<std::string> FilesReadBy(const SourceText& source) {
+  std::vector<std::string> names;
+  for (const CommandTokens& command : ReadCommands(source)) {
+    const std::vector<host::TokenInfoObj>& tokens = command.tokens;
+    for (std::size_t i = 2; i < tokens.size(); ++i) {
+      const bool isFile = tokens[i - 2].IsString() && tokens[i - 2].getUpperString() == "FILE" &&
+                          tokens[i - 1].getOperatorCode() == host::OperatorCode::kEquals;
+      if (isFile && (tokens[i].IsLiteral() || tokens[i].IsString())) names.push_back(tokens[i].text);
+    }
+  }
+  return names;
+}
+
+/// Tells the session all that will be read, before anything is.
+void EnterInputs(const RunArguments& arguments, const SourceText& source, Session& session) {
+  if (arguments.commands != kStandardInput) session.Inputs().Add(arguments.commands, "the command file");
+  session.Inputs().Add(arguments.data, "--data");
+  session.Inputs().Add(SchemaPathOf(DataOptions(arguments)), "the schema of the data");
+  for (const std::string& name : FilesReadBy(source))
+    session.Inputs().Add(session.InputPath(name), "a plan or joint probabilities");
+}
+
+/// False, with a message, when writing that file would replace one that the run reads.
+bool IsFreeToWrite(const std::string& path, const std::string& option, Session& session) {
+  const std::string input = path.empty() ? std::string() : session.Inputs().ReplacedBy(path);
+  if (input.empty()) return true;
+  session.AddTextMessage(true, "Output is an input...",
+                         "The file " + path + ", which " + option + " names, is read by the run (" + input +
+                             ") and would be replaced. Give the output another name.");
+  return false;
+}
+
+bool AreOutputsFree(const RunArguments& arguments, Session& session) {
+  return IsFreeToWrite(arguments.save, "--save", session) &&
+         IsFreeToWrite(arguments.output, "--output", session);
+}
+
 bool ReadData(const RunArguments& arguments, Session& session, Table& table) {
-  ReadResult result = ReadDataFile({arguments.data, arguments.schema, ThreadCount(arguments)});
+  ReadResult result = ReadDataFile(DataOptions(arguments));
   for (const std::string& warning : result.warnings)
     session.AddTextMessage(false, "Data file problem...", warning);
   if (!result.ok) {
@@ -89,13 +133,17 @@ int SaveData(const RunArguments& arguments, Session& session, const Table& table
         "The data were not saved to " + arguments.save + ", as not all commands ran well.");
     return status;
   }
+  if (!IsFreeToWrite(arguments.save, "--save", session)) return kOutputFailed;
   const std::string error = WriteDataFile(arguments.save, table);
   if (error.empty()) return status;
   session.AddTextMessage(true, "Data not saved...", "The data file " + error + ".");
   return kOutputFailed;
 }
 
-bool WriteOutput(const RunArguments& arguments, const Document& document) {
+bool WriteOutput(const RunArguments& arguments, Session& session) {
+  // Asked again: only its command and its plan say together which joint probabilities a run reads.
+  if (!IsFreeToWrite(arguments.output, "--output", session)) return false;
+  const Document& document = session.Output();
   TextOptions text;
   text.messagesStandAbove = arguments.output.empty() && OutputAndMessagesShareATerminal();
   const auto write = [&](std::ostream& out) { Render(out, document, *arguments.format, text); };
@@ -116,6 +164,8 @@ int RunCommandFile(const RunArguments& arguments) {
   Session session(OptionsFor(arguments));
   Table table;
   const std::optional<SourceText> source = ReadSource(arguments, session);
+  if (source) EnterInputs(arguments, *source, session);
+  if (!AreOutputsFree(arguments, session)) return kBadCall;
   const bool isReady = source && ReadData(arguments, session, table);
   // Until here an interrupt ends the program at once: there is nothing yet that could be left half done.
   const InterruptHandler handler(session.Stop());
@@ -124,7 +174,7 @@ int RunCommandFile(const RunArguments& arguments) {
   if (status == kInterrupted)
     return status;  // half a document is worth less than the one of the last whole run
   const int saved = SaveData(arguments, session, table, status);
-  return WriteOutput(arguments, session.Output()) ? saved : static_cast<int>(kOutputFailed);
+  return WriteOutput(arguments, session) ? saved : static_cast<int>(kOutputFailed);
 }
 
 }  // namespace standalone

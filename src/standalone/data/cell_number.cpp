@@ -50,4 +50,12 @@ bool ReadNumber(std::string_view text, CellNumber& number) {
   return true;
 }
 
+bool LooksLikeIdentifier(std::string_view number) {
+  number = Trimmed(number);
+  if (number.starts_with('-') || number.starts_with('+')) number.remove_prefix(1);
+  const std::size_t digits = std::min(number.find_first_not_of("0123456789"), number.size());
+  if (digits > 1 && number.front() == '0') return true;
+  return digits > kSureDigits && number.find_first_of("eE") == std::string_view::npos;
+}
+
 }  // namespace standalone

@@ -8,6 +8,7 @@
 namespace standalone {
 
 constexpr int kMostDecimals = 16;  // that a format shows
+constexpr int kSureDigits = 15;    // each whole number of so many digits is a double of its own
 
 /// A number and how it was written.
 struct CellNumber {
@@ -20,10 +21,16 @@ struct CellNumber {
 /// the largest double.
 bool ReadNumber(std::string_view text, CellNumber& number);
 
+/// True for the text of a number that looks like an identifier: a zero before other digits, as in 01 or 00.5,
+/// or more digits before the point, without an exponent, than a double surely holds. As numbers, 01 and 1
+/// would become one value, and so would 9007199254740993 and its neighbour.
+bool LooksLikeIdentifier(std::string_view number);
+
 /// Reads a plain decimal at `text`, the form that nearly all cells have, and returns the place behind it;
 /// null when there is none or it needs `ReadNumber`. The text must go on to a byte that is neither a digit
 /// nor a point. The digits make a whole number below 2^53 and the power of ten is at most 10^16; both are
-/// exact doubles, so their quotient is the nearest double (Clinger 1990).
+/// exact doubles, so their quotient is the nearest double (Clinger 1990). What looks like an identifier is
+/// none.
 inline const char* ReadPlainNumber(const char* text, CellNumber& number) {
   static constexpr std::array<double, kMostDecimals + 1> kPowers = {
       1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16};
@@ -38,6 +45,7 @@ inline const char* ReadPlainNumber(const char* text, CellNumber& number) {
     ++place;
   }
   auto count = place - start;
+  if (count > kSureDigits || (count > 1 && *start == '0')) return nullptr;
   number.decimals = 0;
   if (*place == '.') {
     const char* const fraction = ++place;

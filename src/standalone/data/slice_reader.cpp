@@ -124,6 +124,7 @@ bool SliceReader::ReadAsNumber(const Cell& cell, std::size_t column) {
     part.cells[fNRows].number = host::kSystemMissing;
     return true;
   }
+  if (fRules.columns[column].kind == ColumnRule::Kind::kGuess && LooksLikeIdentifier(text)) return false;
   if (!ReadNumber(text, number) || (part.isWhole && number.value != std::floor(number.value))) return false;
   part.cells[fNRows].number = number.value;
   part.decimals = std::max(part.decimals, number.decimals);

@@ -14,7 +14,8 @@
 
 namespace standalone {
 
-/// What a column must or may hold. A guessed column is numeric until a cell is met that is no number.
+/// What a column must or may hold. A guessed column is numeric until a cell is met that is no number, or one
+/// that looks like an identifier.
 struct ColumnRule {
   enum class Kind { kGuess, kNumber, kInteger, kText };
   Kind kind = Kind::kGuess;

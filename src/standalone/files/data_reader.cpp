@@ -16,6 +16,7 @@
 #include "standalone/data/row_slices.h"
 #include "standalone/data/schema_columns.h"
 #include "standalone/data/table_schema.h"
+#include "standalone/files/csv_writer.h"
 #include "standalone/files/vdt_file.h"
 #include "standalone/text/ascii.h"
 #include "standalone/text/utf8.h"
@@ -127,12 +128,7 @@ void DelimitedReader::WarnOfRenames() {
 }
 
 bool DelimitedReader::ReadSchema() {
-  std::string path = fOptions.schemaPath;
-  if (path.empty()) {
-    path = fs::path(fOptions.path).replace_extension(".schema.json").string();
-    std::error_code ignored;
-    if (!fs::exists(path, ignored)) path.clear();
-  }
+  const std::string path = SchemaPathOf(fOptions);
   if (!path.empty()) {
     SchemaResult read = ReadTableSchema(path);
     if (!read.error.empty()) return Fail(std::move(read.error));
@@ -197,6 +193,14 @@ DataFileForm DataFileFormOf(const std::string& path) {
   if (ending == ".TSV") return DataFileForm::kTabs;
   if (ending == ".VDT") return DataFileForm::kCaseFile;
   return DataFileForm::kUnknown;
+}
+
+std::string SchemaPathOf(const ReadOptions& options) {
+  if (!options.schemaPath.empty() || DataFileFormOf(options.path) == DataFileForm::kCaseFile)
+    return options.schemaPath;
+  std::string path = SchemaPathFor(options.path);
+  std::error_code ignored;
+  return fs::exists(path, ignored) ? path : std::string();
 }
 
 ReadResult ReadDataFile(const ReadOptions& options) {

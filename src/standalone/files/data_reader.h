@@ -30,6 +30,9 @@ struct ReadResult {
   Table table;
 };
 
+/// The schema that reading takes into account; empty for none.
+std::string SchemaPathOf(const ReadOptions& options);
+
 /// Reads by the file's ending: .csv, .tsv, .vdt. Never throws for bad data.
 ReadResult ReadDataFile(const ReadOptions& options);
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <fstream>
 #include <new>
 #include <system_error>
 
@@ -21,13 +22,28 @@ std::string Message(const std::string& path, const std::string& reason) {
   return reason.empty() ? reason : fmt::format("{} cannot be written: {}", path, reason);
 }
 
+/// True for a schema that this program has written: such a file goes with its data.
+bool IsWrittenSchema(const std::string& path) {
+  std::string begin(std::size_t{1} << 12, '\0');
+  std::ifstream stream(path, std::ios::binary);
+  stream.read(begin.data(), static_cast<std::streamsize>(begin.size()));
+  begin.resize(static_cast<std::size_t>(stream.gcount()));
+  return begin.starts_with("{\n  \"fields\": [\n    {\"name\":");
+}
+
 std::string NameFault(const std::string& path) {
   if (DataFileFormOf(path) == DataFileForm::kUnknown)
     return "the file's ending tells its form, and must be .csv, .tsv or .vdt";
   std::error_code ignored;
   const fs::file_status status = fs::status(path, ignored);
   if (fs::is_directory(status)) return "it is a folder";
-  return fs::exists(status) && !fs::is_regular_file(status) ? "it is no regular file" : "";
+  if (fs::exists(status)) return fs::is_regular_file(status) ? "" : "it is no regular file";
+  if (DataFileFormOf(path) == DataFileForm::kCaseFile) return "";
+  const std::string schema = SchemaPathFor(path);
+  if (!fs::is_regular_file(schema, ignored) || IsWrittenSchema(schema)) return "";
+  return fmt::format(
+      "its schema would replace {}, which somebody else has made; move that away, or choose another name",
+      schema);
 }
 
 std::string Write(const std::string& path, const Table& table) {

@@ -8,7 +8,8 @@
 namespace standalone {
 
 /// Why no table can be written under a name, before there is one: its ending (.csv, .tsv and .vdt name a
-/// form), or what there is at the path already. Empty when nothing is known against it.
+/// form), what there is at the path already, or a schema made by hand that its own would replace.
+/// Empty when nothing is known against it.
 std::string OutputNameFault(const std::string& path);
 
 /// Writes the whole table, with dictionary and documents, in the form that the file's ending names. The file,

@@ -3,8 +3,10 @@
 //   variables       one row a variable, in file order from position 1; width is 0 for a number, otherwise the
 //                   bytes of a string; format such as F8.2 or A12; measure is nominal, ordinal, scale or
 //                   unknown
-//   value_labels    one row a label; variable is a position, value a number or a text
-//   missing_values  one row a declaration: either a value, or both ends of a closed range
+//   value_labels    one row a label; variable is a name, value a number or a text
+//   missing_values  one row a declaration; variable is a name; either a value, or the ends of a closed range,
+//   of
+//                   which one is null when the range is open there
 //   documents       lines that say how the file came about
 //   cases           one row a case, one column a variable with the variable's name: REAL with null for
 //                   system-missing, or TEXT without the blanks behind it
@@ -12,6 +14,7 @@
 
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,10 +49,10 @@ inline TableLayout Variables() {
            {"measure", "TEXT"}}};
 }
 inline TableLayout ValueLabels() {
-  return {"value_labels", {{"variable", "INTEGER"}, {"value", ""}, {"label", "TEXT"}}};
+  return {"value_labels", {{"variable", "TEXT"}, {"value", ""}, {"label", "TEXT"}}};
 }
 inline TableLayout MissingValues() {
-  return {"missing_values", {{"variable", "INTEGER"}, {"value", ""}, {"low", "REAL"}, {"high", "REAL"}}};
+  return {"missing_values", {{"variable", "TEXT"}, {"value", ""}, {"low", "REAL"}, {"high", "REAL"}}};
 }
 inline TableLayout Documents() {
   return {"documents", {{"line", "INTEGER", true}, {"text", "TEXT"}}};
@@ -57,6 +60,9 @@ inline TableLayout Documents() {
 inline TableLayout Cases() {
   return {"cases", {}};  // the columns are the variables
 }
+
+/// What stands for the open end of a range in memory.
+constexpr double kOpenEnd = std::numeric_limits<double>::max();
 
 /// The names of the measurement levels, by host::MeasurementLevel.
 constexpr std::array<std::string_view, 4> kMeasures = {"unknown", "nominal", "ordinal", "scale"};

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <system_error>
+#include <unordered_map>
 
 #include "standalone/data/cells.h"
 #include "standalone/data/format_names.h"
@@ -16,6 +17,7 @@
 #include "standalone/files/dictionary_check.h"
 #include "standalone/files/vdt_cases.h"
 #include "standalone/files/vdt_layout.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 
@@ -25,6 +27,7 @@ namespace fs = std::filesystem;
 using host::VORN_Variable;
 using Kind = Statement::Kind;
 
+constexpr std::size_t kShownName = 64;                       // characters
 constexpr std::int64_t kExactWhole = std::int64_t{1} << 53;  // whole numbers up to here are doubles
 
 /// What the rows of value_labels and missing_values say of one variable.
@@ -70,9 +73,10 @@ class VdtReader {
   Database& fDatabase;
   const std::size_t fNBytes;
   Table& fTable;
-  std::vector<Attributes> fAttributes;  // by variable
-  std::size_t fAt = 0;                  // the variable of the row at hand
-  std::size_t fDictionaryBytes = 0;     // that labelled and missing values take
+  std::vector<Attributes> fAttributes;                      // by variable
+  std::unordered_map<std::string, std::size_t> fPositions;  // by name in upper case
+  std::size_t fAt = 0;                                      // the variable of the row at hand
+  std::size_t fDictionaryBytes = 0;                         // that labelled and missing values take
 };
 
 /// NOT INDEXED: an index is a second copy of a table's values, and in a damaged or hostile file it may say
@@ -125,15 +129,19 @@ void VdtReader::ReadVariables() {
     if (fTable.ColumnCount() > fDatabase.MostColumns()) fDatabase.Fail("it has too many variables");
   }
   fAttributes.resize(fTable.ColumnCount());
+  for (std::size_t i = 0; i < fTable.ColumnCount(); ++i)
+    fPositions.emplace(fTable.At(i).variable.GetUpperCaseName(), i);
 }
 
 VORN_Variable* VdtReader::VariableOf(const Statement& row, const char* table) {
-  const std::int64_t position = row.Whole(0);
-  if (position < 1 || position > static_cast<std::int64_t>(fTable.ColumnCount())) {
-    fDatabase.Fail(fmt::format("table {} speaks of variable {}, which there isn't", table, position));
+  const std::string_view name = row.KindOf(0) == Kind::kText ? row.Text(0) : std::string_view();
+  const auto known = fPositions.find(host::GetUpperVarName(name));
+  if (known == fPositions.end()) {
+    fDatabase.Fail(fmt::format("table {} speaks of a variable {}, which there isn't", table,
+                               Shortened(ValidUtf8(name), kShownName)));
     return nullptr;
   }
-  fAt = static_cast<std::size_t>(position - 1);
+  fAt = known->second;
   return &fTable.At(fAt).variable;
 }
 
@@ -175,7 +183,9 @@ bool VdtReader::ReadMissing(const Statement& row) {
   if (variable == nullptr) return false;
   host::VORN_MissingValues& missing = fAttributes[fAt].missing;
   const bool isValue = row.KindOf(1) != Kind::kNull;
-  const bool isRange = row.KindOf(2) == Kind::kNumber && row.KindOf(3) == Kind::kNumber;
+  const auto isEnd = [&](int column) { return row.KindOf(column) == Kind::kNumber; };
+  const auto isOpen = [&](int column) { return row.KindOf(column) == Kind::kNull; };
+  const bool isRange = (isEnd(2) || isOpen(2)) && (isEnd(3) || isOpen(3)) && (isEnd(2) || isEnd(3));
   if (!isValue && (!isRange || missing.hasRange)) {
     return fDatabase.Fail(fmt::format("table missing_values must have a value, or one range, for variable {}",
                                       variable->GetName()));
@@ -187,8 +197,8 @@ bool VdtReader::ReadMissing(const Statement& row) {
     return true;
   }
   missing.hasRange = true;
-  missing.rangeLow = row.Number(2);
-  missing.rangeHigh = row.Number(3);
+  missing.rangeLow = isOpen(2) ? -vdt::kOpenEnd : row.Number(2);
+  missing.rangeHigh = isOpen(3) ? vdt::kOpenEnd : row.Number(3);
   return true;
 }
 

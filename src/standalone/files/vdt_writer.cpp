@@ -106,7 +106,7 @@ void VdtWriter::WriteValueLabels() {
   for (std::size_t i = 0; i < fTable.ColumnCount(); ++i) {
     const VORN_Variable& variable = fTable.At(i).variable;
     for (const auto& [value, label] : variable.GetValueLabels().Pairs()) {
-      insert.BindWhole(1, static_cast<std::int64_t>(i + 1));
+      insert.BindText(1, variable.GetName());
       BindValue(insert, 2, variable, value);
       insert.BindText(3, label);
       if (!insert.Run()) return;
@@ -120,7 +120,7 @@ void VdtWriter::WriteMissingValues() {
   for (std::size_t i = 0; i < fTable.ColumnCount(); ++i) {
     const VORN_Variable& variable = fTable.At(i).variable;
     const host::VORN_MissingValues& missing = variable.GetMissingValues();
-    insert.BindWhole(1, static_cast<std::int64_t>(i + 1));
+    insert.BindText(1, variable.GetName());
     insert.BindNull(3);
     insert.BindNull(4);
     for (const std::vector<host::OBS>& value : missing.values) {
@@ -129,8 +129,11 @@ void VdtWriter::WriteMissingValues() {
     }
     if (!missing.hasRange) continue;
     insert.BindNull(2);
-    insert.BindNumber(3, missing.rangeLow);
-    insert.BindNumber(4, missing.rangeHigh);
+    // A row of nulls alone would declare nothing, so of two open ends the first is written as it is.
+    const bool isOpenAbove = missing.rangeHigh == vdt::kOpenEnd;
+    const bool isOpenBelow = missing.rangeLow == -vdt::kOpenEnd && !isOpenAbove;
+    if (!isOpenBelow) insert.BindNumber(3, missing.rangeLow);
+    if (!isOpenAbove) insert.BindNumber(4, missing.rangeHigh);
     if (!insert.Run()) return;
   }
 }

@@ -77,6 +77,7 @@ std::string WithLineFeeds(std::string text) {
 
 std::string DataValueText(const host::BpDataValue& value) {
   if (value.variable == nullptr || value.cells.empty()) return {};
+  if (!value.shown.empty()) return value.shown;
   const host::VORN_Variable& variable = *value.variable;
   if (value.preference != host::BpShow::kValue) {
     const std::string* label = variable.GetValueLabels().GetLabel(value.cells.data(), variable.GetType());
@@ -89,7 +90,7 @@ std::string StringText(const host::BpString& string) {
   return string.translate ? CatalogueText(string.text) : string.text;
 }
 
-std::string CompositeText(const host::BpComposite& composite) {
+std::string CompositeText(const host::BpComposite& composite, bool isMessage) {
   std::vector<TemplateArgument> arguments;
   for (const auto& argument : composite.Arguments()) {
     if (const auto* single = std::get_if<host::BpCellText>(&argument)) {
@@ -101,8 +102,8 @@ std::string CompositeText(const host::BpComposite& composite) {
       list.push_back(TextOf(element));
     arguments.emplace_back(std::move(list));
   }
-  return FillTemplate(composite.Translate() ? CatalogueText(composite.Template()) : composite.Template(),
-                      arguments);
+  const std::string text = composite.Translate() ? CatalogueText(composite.Template()) : composite.Template();
+  return isMessage ? FillMessage(text, std::move(arguments)) : FillTemplate(text, arguments);
 }
 
 /// Cells of a value as letters, so that values that print alike are still told apart. -0 is 0.
@@ -158,8 +159,14 @@ std::string TextOf(const host::BpCellText& content) {
                                                        : VariableText(*variable.variable, variable.show);
                  },
                  [](const host::BpDataValue& value) { return DataValueText(value); },
-                 [](const CompositePointer& composite) { return CompositeText(*composite); }},
+                 [](const CompositePointer& composite) { return CompositeText(*composite, false); }},
       content.Get()));
+}
+
+std::string MessageTextOf(const host::BpCellText& content) {
+  const auto* composite = std::get_if<CompositePointer>(&content.Get());
+  return composite == nullptr ? MessageArgument(TextOf(content))
+                              : WithLineFeeds(CompositeText(**composite, true));
 }
 
 std::string LabelOf(const host::BpCellText& content) {

@@ -12,6 +12,9 @@ namespace standalone {
 /// variables and values as they are labelled. Carriage returns become line feeds.
 std::string TextOf(const host::BpCellText& content);
 
+/// The text of a message: as TextOf, but with its arguments cut to what a message may hold.
+std::string MessageTextOf(const host::BpCellText& content);
+
 /// The text of a label: as TextOf, but a number keeps all its digits.
 std::string LabelOf(const host::BpCellText& content);
 

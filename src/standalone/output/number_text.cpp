@@ -15,6 +15,7 @@ namespace {
 using Kind = host::BpFormatSpec::Kind;
 
 constexpr int kMaxDecimals = 16;
+constexpr double kLarge = 1e15;  // from here on numbers are written with an exponent
 // The longest finite double has 309 digits before the point.
 using Buffer = std::array<char, 400>;
 
@@ -42,7 +43,7 @@ std::string Fixed(double value, int decimals) {
 
 std::string ThreeDecimals(double value) {
   const double size = std::fabs(value);
-  if (size >= 1e15) return Raw(value, std::chars_format::scientific, 3);
+  if (size >= kLarge) return Raw(value, std::chars_format::scientific, 3);
   if (size == 0 || size >= 0.01) return Fixed(value, 3);
   if (size < 1e-5) return Raw(value, std::chars_format::scientific, 2);
   const int leadingZeros = static_cast<int>(-std::floor(std::log10(size)));  // 3 for .00123
@@ -50,6 +51,7 @@ std::string ThreeDecimals(double value) {
 }
 
 std::string AtMostThreeDecimals(double value) {
+  if (std::fabs(value) >= kLarge) return ThreeDecimals(value);
   std::string text = Raw(value, std::chars_format::fixed, 3);
   while (text.back() == '0')
     text.pop_back();
@@ -77,7 +79,8 @@ std::string NumberText(double value, const host::BpFormatSpec& format) {
     case Kind::kSigDigit:
       return AtMostThreeDecimals(value);
     case Kind::kMean:
-      return Fixed(value, format.decimals < 0 ? 3 : format.decimals);
+      return std::fabs(value) >= kLarge ? Raw(value, std::chars_format::scientific, 3)
+                                        : Fixed(value, format.decimals < 0 ? 3 : format.decimals);
   }
   return ShortestText(value);
 }

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <utility>
 
 #include "standalone/text/ascii.h"
+#include "standalone/text/utf8.h"
 
 namespace standalone {
 
@@ -114,6 +116,29 @@ std::string FillTemplate(std::string_view text, const std::vector<TemplateArgume
     out += text[i++];
   }
   return out;
+}
+
+std::string MessageArgument(std::string text) {
+  // Above the longest names of files and variables, so that only what is no name is cut.
+  constexpr std::size_t kLongest = 1000;
+  constexpr std::size_t kHalf = 200;
+  if (text.size() <= kLongest) return text;
+  std::size_t tail = text.size() - kHalf;
+  while (tail < text.size() && (static_cast<unsigned char>(text[tail]) & 0xC0) == 0x80)
+    ++tail;
+  return std::string(CutText(text, kHalf)) + " ... " + text.substr(tail);
+}
+
+std::string FillMessage(std::string_view text, std::vector<TemplateArgument> arguments) {
+  for (TemplateArgument& argument : arguments) {
+    if (auto* single = std::get_if<std::string>(&argument)) {
+      *single = MessageArgument(std::move(*single));
+      continue;
+    }
+    for (std::string& element : std::get<std::vector<std::string>>(argument))
+      element = MessageArgument(std::move(element));
+  }
+  return FillTemplate(text, arguments);
 }
 
 }  // namespace standalone

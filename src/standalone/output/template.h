@@ -24,4 +24,11 @@ using TemplateArgument = std::variant<std::string, std::vector<std::string>>;
 /// for itself.
 std::string FillTemplate(std::string_view text, const std::vector<TemplateArgument>& arguments);
 
+/// An argument of a message: a text that would fill the screen is cut in the middle, since its ends tell best
+/// which one it is. Whatever is put into the sentence of a message goes through here.
+std::string MessageArgument(std::string text);
+
+/// The same for all arguments.
+std::string FillMessage(std::string_view text, std::vector<TemplateArgument> arguments);
+
 }  // namespace standalone

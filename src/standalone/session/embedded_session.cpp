@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/files.h"
+#include "standalone/files/data_reader.h"
 #include "standalone/output/pivot_builder.h"
 #include "standalone/threads/task_threads.h"
 
@@ -108,6 +109,20 @@ HostSession& CurrentSession() {
 
 std::string BEPesGetInputPath(std::string_view name) {
   return standalone::SessionScope::Current().InputPath(name);
+}
+
+void NoteInput(std::string_view name, std::string_view use) {
+  using standalone::DataFileForm;
+  standalone::RunInputs& inputs = standalone::SessionScope::Current().Inputs();
+  const std::string path = BEPesGetInputPath(name);
+  const DataFileForm form = standalone::DataFileFormOf(path);
+  if (form == DataFileForm::kCommas || form == DataFileForm::kTabs)
+    inputs.Add(standalone::SchemaPathOf({path, {}, 1}), "the schema of " + std::string(use));
+  inputs.Add(path, std::string(use));
+}
+
+std::string InputReplacedBy(std::string_view name) {
+  return standalone::SessionScope::Current().Inputs().ReplacedBy(BEPesGetInputPath(name));
 }
 
 }  // namespace host

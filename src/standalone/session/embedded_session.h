@@ -18,6 +18,7 @@
 #include "standalone/command/command_file.h"
 #include "standalone/command/source_text.h"
 #include "standalone/data/table.h"
+#include "standalone/files/run_inputs.h"
 #include "standalone/output/document.h"
 #include "standalone/session/messages.h"
 #include "standalone/session/run_report.h"
@@ -71,6 +72,9 @@ class Session final : public host::HostSession {
   void RequestStop() { fStop.Request(); }
   bool IsStopRequested() const { return fStop.IsRequested(); }
 
+  /// The files that the run reads. A command enters its own.
+  RunInputs& Inputs() { return fInputs; }
+
   /// A name as commands give it, as a path: absolute names stay, others start at the base folder.
   std::string InputPath(std::string_view name) const;
 
@@ -90,6 +94,7 @@ class Session final : public host::HostSession {
   host::CommonBlock fCommon;
   RunReport fReport;
   StopFlag fStop;
+  RunInputs fInputs;
   std::unique_ptr<host::TaskThreadService> fpThreads;
   Table fEmptyTable;
   Table* fpTable = nullptr;

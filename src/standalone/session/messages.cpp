@@ -17,10 +17,10 @@ namespace {
 std::string Sentence(std::string_view key, const std::vector<std::string>& arguments,
                      const MessageContext& context) {
   std::string text;
-  if (!context.groupText.empty()) text = CatalogueText(context.groupText) + ": ";
-  text += FillTemplate(CatalogueText(key), {arguments.begin(), arguments.end()});
+  if (!context.groupText.empty()) text = MessageArgument(CatalogueText(context.groupText)) + ": ";
+  text += FillMessage(CatalogueText(key), {arguments.begin(), arguments.end()});
   if (const std::string nearest = NearestWord(context.misspelt, context.candidates); !nearest.empty()) {
-    text += ' ' + FillTemplate(CatalogueText("Did you mean ^1?"), {nearest});
+    text += ' ' + FillMessage(CatalogueText("Did you mean ^1?"), {nearest});
   }
   return text;
 }
@@ -74,7 +74,7 @@ void ParserMessage::Send(std::string_view key, const std::vector<std::string>& a
 void BpError(const BpCellText& text, BpErrorLevel level) {
   const bool isError = level == BpErrorLevel::kError;
   standalone::SessionScope::Current().AddMessage(
-      {isError, standalone::KeyOf(text), standalone::TextOf(text), {}, {}});
+      {isError, standalone::KeyOf(text), standalone::MessageTextOf(text), {}, {}});
 }
 
 void AddNotes(int group, std::string_view label, const BpCellText& text) {

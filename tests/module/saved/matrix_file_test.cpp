@@ -296,5 +296,27 @@ TEST_F(MatrixFile, DocumentNamesThePopulationSizesOfAStage) {
   EXPECT_THAT(lines, testing::Contains("Model: y = x")) << "without an intercept and without a label";
 }
 
+TEST_F(MatrixFile, LogitsThatPrintTheSameAreToldApart) {
+  for (double& y : fRun["y3"])
+    y = y == 1 ? 0.41 : y == 2 ? 0.42 : 2;
+  fRun.prepare = [](standalone::Table& table) {
+    table.At(static_cast<std::size_t>(table.Find("y3"))).variable.SetFormat({5, 8, 1});
+  };
+  fRun.Run("y3 WITH x /OUTFILE COVB='out.vdt'");
+  Read("out.vdt");
+  EXPECT_EQ(Keys()[0], "COV P1 0.41,0.41");
+  EXPECT_EQ(Keys()[2], "COV P1 0.41,0.42");
+}
+
+TEST_F(MatrixFile, LogitsThatDifferBehindTheUsualWidthAreWhole) {
+  const std::string begin(64, 'v');
+  for (const double y : fRun["y3"])
+    fRun.Text("vote").push_back(y == 3 ? "none" : begin + (y == 1 ? "left" : "right"));
+  fRun.Run("vote (LOW) WITH x /OUTFILE COVB='out.vdt'");
+  Read("out.vdt");
+  EXPECT_EQ(Column("RowLogit_").variable.GetType(), 69);
+  EXPECT_EQ(Keys()[2], "COV P1 " + begin + "left," + begin + "right");
+}
+
 }  // namespace
 }  // namespace tavo

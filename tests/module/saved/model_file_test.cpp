@@ -286,4 +286,14 @@ TEST_F(Scoring, AStringResponseGivesTheSavedProbabilities) {
   ExpectSameProbabilities("vote BY a WITH x", {" none", "left", "middle"});
 }
 
+TEST_F(ModelFile, ACategoryThatItsFormatCutsIsWhole) {
+  for (const double a : fRun["a"])
+    fRun.Text("town").push_back(a == 1 ? "Bern-North" : a == 2 ? "Bern-South" : "Uri");
+  fRun.prepare = [](standalone::Table& table) {
+    table.At(static_cast<std::size_t>(table.Find("town"))).variable.SetFormat({1, 4, 0});
+  };
+  fRun.Run("y BY town /OUTFILE MODEL='m.xml'");
+  EXPECT_THAT(Each(Field("town"), "value"), ElementsAre("Bern-North", "Bern-South", "Uri"));
+}
+
 }  // namespace

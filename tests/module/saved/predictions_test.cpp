@@ -129,6 +129,18 @@ TEST_F(Predictions, StandByAscendingCategoriesWhateverTheReference) {
   }
 }
 
+TEST_F(Predictions, LabelsAndNotesTellCategoriesThatPrintTheSameApart) {
+  for (double& y : fRun["y"])
+    y = y == 0 ? 0.41 : 0.42;
+  fRun.prepare = [](standalone::Table& table) {
+    table.At(static_cast<std::size_t>(table.Find("y"))).variable.SetFormat({5, 8, 1});
+  };
+  fRun.Run("y WITH x /SAVE PREDPROB(p:10)");
+  EXPECT_EQ(Column("p_1").variable.GetLabel(), "Predicted Values for y = 0.41");
+  EXPECT_EQ(Column("p_2").variable.GetLabel(), "Predicted Values for y = 0.42");
+  EXPECT_THAT(Notes("Predicted Probabilities"), ElementsAre("y = 0.41: p_1", "y = 0.42: p_2"));
+}
+
 TEST_F(Predictions, VariablesHaveFormatsLabelsAndNotes) {
   fRun.prepare = [](standalone::Table& table) {
     host::VORN_Variable& y = table.At(static_cast<std::size_t>(table.Find("y"))).variable;

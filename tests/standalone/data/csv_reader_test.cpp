@@ -63,10 +63,37 @@ TEST(CsvReader, TheFormatShowsTheDecimalsSeen) {
 }
 
 TEST(CsvReader, AllWaysToWriteANumberAreRead) {
-  const ReadResult read = ReadText("x\n1e5\n+3\n-.5\n 7 \n\"8\"\n007\n5.\n-0\n1E-2\n12345678901234567890\n");
+  const ReadResult read =
+      ReadText("x\n1e5\n+3\n-.5\n 7 \n\"8\"\n0.7\n5.\n-0\n1E-2\n123456789012345\n1.2345678901234567890\n");
   ASSERT_TRUE(read.ok) << read.error;
-  EXPECT_EQ(Numbers(read.table.At(0)),
-            (std::vector<double>{1e5, 3, -0.5, 7, 8, 7, 5, 0, 0.01, 12345678901234567890.0}));
+  EXPECT_EQ(Numbers(read.table.At(0)), (std::vector<double>{1e5, 3, -0.5, 7, 8, 0.7, 5, 0, 0.01,
+                                                            123456789012345, 1.2345678901234567890}));
+}
+
+TEST(CsvReader, WhatLooksLikeAnIdentifierMakesAStringColumn) {
+  for (const std::string cell : {"01", "00", "-01", "+007", "01.5", "\"01\"", " 01 ", "9007199254740993",
+                                 "-1234567890123456", "1234567890123456.5", "00000000000000000001"}) {
+    const ReadResult read = ReadText("id,x\n1," + cell + "\n2,1\n3,0\n");
+    ASSERT_TRUE(read.ok) << read.error;
+    EXPECT_EQ(read.table.At(0).variable.GetType(), 0);
+    EXPECT_GT(read.table.At(1).variable.GetType(), 0) << cell;
+    EXPECT_EQ(Texts(read.table.At(1), 3)[1], "1") << cell;
+  }
+}
+
+TEST(CsvReader, AZeroAloneOrBeforeThePointAndManyDecimalsAreNumbers) {
+  for (const std::string cell : {"0", "-0", "+0", "0.5", "-0.25", "0e5", "0.1234567890123456789", "1e20",
+                                 "123456789012345", "123456789012345.25", "1234567890123456e2", "NA"}) {
+    const ReadResult read = ReadText("x\n" + cell + "\n1\n");
+    ASSERT_TRUE(read.ok) << read.error;
+    EXPECT_EQ(read.table.At(0).variable.GetType(), 0) << cell;
+  }
+}
+
+TEST(CsvReader, NeighboursAbove2To53StayTwo) {
+  const ReadResult read = ReadText("id\n9007199254740992\n9007199254740993\n");
+  ASSERT_TRUE(read.ok) << read.error;
+  EXPECT_EQ(Texts(read.table.At(0), 2), (std::vector<std::string>{"9007199254740992", "9007199254740993"}));
 }
 
 TEST(CsvReader, OneCellThatIsNoNumberMakesAStringColumn) {

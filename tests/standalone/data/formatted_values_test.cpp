@@ -206,8 +206,9 @@ TEST(ReadPlainNumber, GivesTheSameDoubleAsTheFullReader) {
 
 TEST(ReadPlainNumber, LeavesWhatItCannotReadExactly) {
   standalone::CellNumber number;
-  for (const char* text : {"\n", "-\n", ".\n", "-.\n", "+1\n", "9007199254740993\n", "1234567890123456789\n",
-                           "123456789012345678901234567890\n", "0.00000000000000000001\n", "x\n"}) {
+  for (const char* text :
+       {"\n", "-\n", ".\n", "-.\n", "+1\n", "9007199254740993\n", "1234567890123456\n", "01\n", "-00.5\n",
+        "1234567890123456789\n", "123456789012345678901234567890\n", "0.00000000000000000001\n", "x\n"}) {
     EXPECT_EQ(standalone::ReadPlainNumber(text, number), nullptr) << text;
   }
 }

@@ -83,6 +83,17 @@ TEST(TableSchema, TheTypeOverridesWhatTheCellsLookLike) {
   EXPECT_EQ(First(read).GetMissingValues().values.size(), 1u);  // the blank
 }
 
+TEST(TableSchema, IdentifiersAreNumbersWhenTheSchemaSaysSo) {
+  for (const char* type : {"number", "integer"}) {
+    const ReadResult read =
+        Read("x\n01\n9007199254740992\n", OneField(std::string(R"(, "type": ")") + type + "\""));
+    ASSERT_TRUE(read.ok) << read.error;
+    EXPECT_EQ(First(read).GetType(), 0);
+    EXPECT_EQ(read.table.At(0).cells[0].number, 1);
+    EXPECT_EQ(read.table.At(0).cells[1].number, 9007199254740992.0);
+  }
+}
+
 TEST(TableSchema, TitleFormatAndMeasureOverrideWhatWasGuessed) {
   const ReadResult read = Read("x,y,z\n1.23456,abc,AB\n", R"({"fields": [
       {"name": "x", "title": "A number", "x-format": "F10.2", "x-measure": "scale"},

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <random>
 
 #include "sample_tables.h"
@@ -41,6 +42,23 @@ class DamagedVdt : public testing::Test {
     EXPECT_EQ(status, SQLITE_OK) << sql << ": " << (error != nullptr ? error : "");
     sqlite3_free(error);
     sqlite3_close(database);
+  }
+
+  /// The rows that a query gives, "a|b" each, null as "null".
+  std::vector<std::string> Ask(const std::string& sql) const {
+    sqlite3* database = nullptr;
+    EXPECT_EQ(sqlite3_open(fPath.c_str(), &database), SQLITE_OK);
+    std::vector<std::string> rows;
+    const auto take = [](void* to, int count, char** values, char**) {
+      std::string row;
+      for (int i = 0; i < count; ++i)
+        row += std::string(i == 0 ? "" : "|") + (values[i] == nullptr ? "null" : values[i]);
+      static_cast<std::vector<std::string>*>(to)->push_back(row);
+      return 0;
+    };
+    EXPECT_EQ(sqlite3_exec(database, sql.c_str(), take, &rows, nullptr), SQLITE_OK) << sql;
+    sqlite3_close(database);
+    return rows;
   }
 
   /// What reading the file says; "fine" when it can be read.
@@ -90,25 +108,26 @@ TEST_F(DamagedVdt, WhatSqlCanSpoilIsToldWithItsPlace) {
       {"UPDATE variables SET measure='ratio' WHERE position=1", "variable 1: its measure is not known"},
       {"UPDATE variables SET label=CAST(x'ff' AS TEXT) WHERE position=1", "a label that is no text in UTF-8"},
       {"UPDATE variables SET label=NULL WHERE position=1", "variable 1: its label is no text"},
-      {"INSERT INTO value_labels VALUES (3, 1, 'l')",
-       "table value_labels speaks of variable 3, which there isn't"},
-      {"INSERT INTO value_labels VALUES (0, 1, 'l')", "table value_labels speaks of variable 0"},
-      {"INSERT INTO value_labels VALUES (1, 'one', 'l')",
+      {"INSERT INTO value_labels VALUES ('z', 1, 'l')",
+       "table value_labels speaks of a variable z, which there isn't"},
+      {"INSERT INTO value_labels VALUES (1, 1, 'l')", "table value_labels speaks of a variable 1"},
+      {"INSERT INTO value_labels VALUES (NULL, 1, 'l')", "table value_labels speaks of a variable "},
+      {"INSERT INTO value_labels VALUES ('x', 'one', 'l')",
        "table value_labels has a value that variable x can't have"},
-      {"INSERT INTO value_labels VALUES (1, 9007199254740993, 'l')", "a value that variable x can't have"},
-      {"INSERT INTO value_labels VALUES (1, 9e999, 'l')",
+      {"INSERT INTO value_labels VALUES ('x', 9007199254740993, 'l')", "a value that variable x can't have"},
+      {"INSERT INTO value_labels VALUES ('x', 9e999, 'l')",
        "a value label of a value that the variable can't have"},
-      {"INSERT INTO value_labels VALUES (2, 'fiver', 'l')",
+      {"INSERT INTO value_labels VALUES ('s', 'fiver', 'l')",
        "table value_labels has a value that variable s can't"},
-      {"INSERT INTO value_labels VALUES (2, 1, 'l')",
+      {"INSERT INTO value_labels VALUES ('s', 1, 'l')",
        "table value_labels has a value that variable s can't have"},
-      {"INSERT INTO missing_values VALUES (1, NULL, NULL, NULL)",
+      {"INSERT INTO missing_values VALUES ('x', NULL, NULL, NULL)",
        "must have a value, or one range, for variable x"},
-      {"INSERT INTO missing_values VALUES (1, NULL, 2, 1)",
+      {"INSERT INTO missing_values VALUES ('x', NULL, 2, 1)",
        "a range of missing values without a low and a high end"},
-      {"INSERT INTO missing_values VALUES (2, NULL, 1, 2)",
+      {"INSERT INTO missing_values VALUES ('s', NULL, 1, 2)",
        "a range of missing values, which only numbers can have"},
-      {"INSERT INTO missing_values VALUES (1, NULL, 1, 2), (1, NULL, 3, 4)",
+      {"INSERT INTO missing_values VALUES ('x', NULL, 1, 2), ('x', NULL, 3, 4)",
        "must have a value, or one range"},
       {"INSERT INTO documents VALUES (1, CAST(x'ff' AS TEXT))",
        "a line of the documents is no text in UTF-8"},
@@ -148,7 +167,7 @@ TEST_F(DamagedVdt, HarmlessAdditionsOfAnotherProgramAreIgnored) {
 
 TEST_F(DamagedVdt, CasesAndLabelsThatAnotherProgramHasChangedAreRead) {
   Run("DELETE FROM cases WHERE x=1; INSERT INTO cases VALUES (7, 'new'), (NULL, NULL); "
-      "INSERT INTO value_labels VALUES (1, 7, 'seven')");
+      "INSERT INTO value_labels VALUES ('x', 7, 'seven')");
   const ReadResult read = ReadDataFile({fPath, "", 1});
   ASSERT_TRUE(read.ok) << read.error;
   Table expected;
@@ -158,6 +177,40 @@ TEST_F(DamagedVdt, CasesAndLabelsThatAnotherProgramHasChangedAreRead) {
   labels.AddPair(std::vector<host::OBS>{expected.At(0).cells[2]}, "seven");
   expected.At(0).variable.SetValueLabels(labels);
   EXPECT_EQ(sample::Dump(read.table), sample::Dump(expected));
+}
+
+TEST_F(DamagedVdt, AnyClientCanJoinLabelsByTheNameOfTheirVariable) {
+  host::VORN_ValueLabelMap labels;
+  labels.AddPair({fTable.At(0).cells[1]}, "two");
+  fTable.At(0).variable.SetValueLabels(labels);
+  ASSERT_EQ(standalone::WriteDataFile(fPath, fTable), "");
+  EXPECT_EQ(Ask("SELECT s, l.label FROM cases c JOIN value_labels l ON l.variable='x' AND l.value=c.x"),
+            std::vector<std::string>{"b|two"});
+  EXPECT_EQ(Ask("SELECT name, l.label FROM variables JOIN value_labels l ON l.variable=name"),
+            std::vector<std::string>{"x|two"});
+}
+
+TEST_F(DamagedVdt, AnOpenEndOfARangeIsNull) {
+  constexpr double kLargest = std::numeric_limits<double>::max();
+  struct Range {
+    double low, high;
+    const char* row;
+  };
+  for (const Range& range :
+       {Range{-kLargest, 9, "null|9.0"}, Range{-9, kLargest, "-9.0|null"}, Range{1, 2, "1.0|2.0"}}) {
+    host::VORN_MissingValues missing;
+    missing.hasRange = true;
+    missing.rangeLow = range.low;
+    missing.rangeHigh = range.high;
+    fTable.At(0).variable.SetMissingValues(missing);
+    ASSERT_EQ(standalone::WriteDataFile(fPath, fTable), "");
+    EXPECT_EQ(Ask("SELECT low, high FROM missing_values WHERE variable='x'"),
+              std::vector<std::string>{range.row});
+    const ReadResult read = ReadDataFile({fPath, "", 1});
+    ASSERT_TRUE(read.ok) << read.error;
+    EXPECT_EQ(read.table.At(0).variable.GetMissingValues().rangeLow, range.low);
+    EXPECT_EQ(read.table.At(0).variable.GetMissingValues().rangeHigh, range.high);
+  }
 }
 
 TEST_F(DamagedVdt, VariablesMayHaveTheNamesOfRowNumbers) {
@@ -185,7 +238,7 @@ TEST_F(DamagedVdt, ValueLabelsThatAskForMuchMemoryAreRefused) {
   sample::AddTexts(wide, "s", 32767, {""});
   ASSERT_EQ(standalone::WriteDataFile(fPath, wide), "");
   Run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<9000) "
-      "INSERT INTO value_labels SELECT 1, 'v', 'l' FROM n");
+      "INSERT INTO value_labels SELECT 's', 'v', 'l' FROM n");
   EXPECT_NE(Answer().find("its value labels would fill the memory"), std::string::npos) << Answer();
 }
 

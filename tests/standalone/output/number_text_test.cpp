@@ -52,6 +52,9 @@ TEST(NumberText, PrintsEachKindInTheStyleOfTables) {
       {0.1, BpProcedure::SigDigit(), ".1"},
       {2.0 / 3, BpProcedure::SigDigit(), ".667"},
       {12.34567, mean, "12.3457"},
+      {999999999999999.0, mean, "999999999999999.0000"},
+      {-1e308, mean, "-1.000e+308"},
+      {1e308, BpProcedure::SigDigit(), "1.000e+308"},
   };
   for (const NumberCase& c : cases)
     EXPECT_EQ(NumberText(c.value, c.format), c.text) << c.value;

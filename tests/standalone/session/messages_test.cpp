@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "standalone/session/embedded_session.h"
+#include "standalone/text/utf8.h"
 
 namespace {
 
@@ -25,6 +26,38 @@ TEST_F(SessionMessages, CarryTheStageOfThePlanInFront) {
   context.groupText = "Stage 2 of the plan";
   standalone::SendMessage(true, "Variable ^1 for parameter ^2 is not numeric...", {"x", "STRATA"}, context);
   EXPECT_TRUE(Messages().at(0).text.starts_with("Stage 2 of the plan: Variable x")) << Messages().at(0).text;
+}
+
+TEST_F(SessionMessages, CutALongArgumentInTheMiddle) {
+  std::string token = "begin";
+  while (token.size() < 500000)
+    token += "\xC3\xA4";
+  token += "end";
+  standalone::SendMessage(true, "Empty label in subcommand ^1 ...", {token});
+  host::BpComposite composite("Duplicate effect in ^1 ...");
+  composite.Add(host::Plain(token));
+  host::BpError(composite, host::BpErrorLevel::kWarning);
+  host::BpError(host::Plain(token), host::BpErrorLevel::kWarning);
+  standalone::MessageContext context;
+  context.groupText = token;
+  standalone::SendMessage(false, "Empty label in subcommand ^1 ...", {"CUSTOM"}, context);
+  ASSERT_EQ(Messages().size(), 4u);
+  for (const Message& message : Messages()) {
+    EXPECT_LT(message.text.size(), 1000u);
+    EXPECT_NE(message.text.find("begin\xC3\xA4"), std::string::npos) << message.text;
+    EXPECT_NE(message.text.find(" ... \xC3\xA4"), std::string::npos) << message.text;
+    EXPECT_NE(message.text.find("\xC3\xA4"
+                                "end"),
+              std::string::npos)
+        << message.text;
+    EXPECT_EQ(standalone::FindBadByte(message.text), message.text.size());
+  }
+}
+
+TEST_F(SessionMessages, KeepAnArgumentOfTheLengthOfAPath) {
+  const std::string path(1000, 'p');
+  standalone::SendMessage(true, "Empty label in subcommand ^1 ...", {path});
+  EXPECT_NE(Messages().at(0).text.find(path), std::string::npos);
 }
 
 TEST_F(SessionMessages, OfAnInterpreterHaveTheirRankAndTheirArguments) {
