@@ -216,6 +216,20 @@ TEST(PlanCheck, WhatIsNoFaultIsNotFound) {
   }
 }
 
+TEST(PlanCheck, ALongCategoryOfAMatrixIsCutInTheMiddle) {
+  const std::string category = "begin" + std::string(500000, 'z') + "end";
+  const Checked run = Check(
+      SizedPlan("<PopulationSize><Matrix numberOfValues=\"1\"><MatrixVarList numberOfVariables=\"1\">"
+                "<Variable name=\"st\"/></MatrixVarList><MatrixValue sizeValue=\"20\"><Category value=\"" +
+                category + "\"/></MatrixValue></Matrix></PopulationSize>"),
+      SurveyData());
+  EXPECT_EQ(run.exitStatus, 1);
+  const std::string text = run.report["findings"].dump();
+  EXPECT_THAT(text, HasSubstr("row 1: beginzzz"));
+  EXPECT_THAT(text, HasSubstr("zzzend for st"));
+  EXPECT_LT(text.size(), 5000U);
+}
+
 TEST(PlanCheck, ListsTwentyStrataAndCountsTheOthers) {
   DataFile data = SurveyData(100);
   data.Fill("st", [](std::size_t i) { return std::to_string(i); });

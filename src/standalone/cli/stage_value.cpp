@@ -2,6 +2,7 @@
 
 #include "module/command/category_value.h"
 #include "standalone/output/content_text.h"
+#include "standalone/output/template.h"
 #include "standalone/text/numbers.h"
 
 namespace standalone {
@@ -61,7 +62,8 @@ void StageValue::EnterRow(const host::VarCatList::Row& row, std::size_t number) 
     const auto value = tavo::ReadCategoryValue(*fMatrixVariables[i], row.categories[i]);
     if (!value) {
       if (!fUnreadable.TakesExample()) return;
-      fUnreadable.examples.push_back("row " + std::to_string(number) + ": " + row.categories[i] + " for " +
+      fUnreadable.examples.push_back("row " + std::to_string(number) + ": " +
+                                     MessageArgument(row.categories[i]) + " for " +
                                      fMatrixVariables[i]->GetName());
       return;
     }
@@ -87,7 +89,7 @@ std::string StageValue::MatrixKey() const {
   std::string text;
   for (std::size_t i = 0; i < fMatrixValues.size(); ++i) {
     text += (text.empty() ? "" : ", ") + fMatrixVariables[i]->GetName() + "=" +
-            ValueText(*fMatrixVariables[i], fMatrixValues[i].Cells());
+            MessageArgument(ValueText(*fMatrixVariables[i], fMatrixValues[i].Cells()));
   }
   return text;
 }
