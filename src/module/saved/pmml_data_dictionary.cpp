@@ -37,10 +37,23 @@ void AddMissingValues(XMLElement& field, const OrvPMMLVariable& variable) {
     const std::string label = i < variable.missingLabels.size() ? variable.missingLabels[i] : std::string();
     AddValue(field, variable.missingValues[i], label, "missing");
   }
-  // The document type knows missing values one by one only; the bounds of a range go into extensions.
+}
+
+void AddInterval(XMLElement& field, const char* margin, const std::string& bound) {
+  field.AddChild("Interval").AddAttribute("closure", "openOpen").AddAttribute(margin, bound);
+}
+
+/// The document type knows missing values one by one only. The bounds of a range go into extensions, which
+/// stand before anything else in a field. What is left of the range is what other programs understand: the
+/// valid values of a scale are those outside it, as those of a factor are its categories, and the mining
+/// schema says that what is not valid is missing.
+void AddMissingRange(XMLElement& field, const OrvPMMLVariable& variable) {
   if (!variable.hasMissingInterval) return;
   AddExtension(field, "invalidRangeLower", variable.missingLow);
   AddExtension(field, "invalidRangeUpper", variable.missingHigh);
+  if (variable.IsCategorical()) return;
+  AddInterval(field, "rightMargin", variable.missingLow);
+  AddInterval(field, "leftMargin", variable.missingHigh);
 }
 
 XMLElement& StartField(XMLElement& dictionary, const OrvPMMLVariable& variable) {
@@ -49,6 +62,7 @@ XMLElement& StartField(XMLElement& dictionary, const OrvPMMLVariable& variable) 
   field.AddAttribute("displayName", variable.label);
   field.AddAttribute("optype", OperationType(variable.level));
   field.AddAttribute("dataType", variable.type == OrvPMMLVariable::DataType::kString ? "string" : "double");
+  AddMissingRange(field, variable);
   return field;
 }
 
@@ -103,6 +117,10 @@ void AddMiningField(XMLElement& schema, const PMMLSource& source, int variable, 
   field.AddAttribute("usageType", usage);
   // Nothing is imputed: a case that lacks a predictor gets no prediction, as in the run itself.
   field.AddAttribute("missingValueTreatment", "asIs");
+  const bool isPredictor = variable != source.model.dependent;
+  if (isPredictor && source.Variable(variable).hasMissingInterval) {
+    field.AddAttribute("invalidValueTreatment", "asMissing");
+  }
 }
 
 }  // namespace
