@@ -1,4 +1,6 @@
 // Header, data dictionary and mining schema of a model document.
+#include <algorithm>
+
 #include "module/saved/pmml_sections.h"
 
 namespace tavo {
@@ -123,6 +125,15 @@ void AddMiningField(XMLElement& schema, const PMMLSource& source, int variable, 
   }
 }
 
+/// A name that no field of the document has.
+std::string OutputName(std::string name, const PMMLSource& source) {
+  const auto isTaken = [&](const OrvPMMLVariable& variable) { return variable.name == name; };
+  const std::vector<OrvPMMLVariable>& variables = source.metadata.Variables();
+  while (std::any_of(variables.begin(), variables.end(), isTaken))
+    name += "_";
+  return name;
+}
+
 }  // namespace
 
 void AddExtension(XMLElement& parent, const char* name, const std::string& value) {
@@ -176,6 +187,26 @@ void AddMiningSchema(XMLElement& parent, const PMMLSource& source) {
   for (const int variable : CoxVariables(source, false))
     AddMiningField(schema, source, variable, "active");
   if (model.subpopulation >= 0) AddMiningField(schema, source, model.subpopulation, "active");
+}
+
+void AddOutput(XMLElement& parent, const PMMLSource& source) {
+  const OrvPMMLVariable& dependent = source.Variable(source.model.dependent);
+  XMLElement& output = parent.AddChild("Output");
+  XMLElement& category = output.AddChild("OutputField");
+  category.AddAttribute("name", OutputName("predicted_" + dependent.name, source));
+  category.AddAttribute("optype", OperationType(dependent.level));
+  category.AddAttribute("dataType",
+                        dependent.type == OrvPMMLVariable::DataType::kString ? "string" : "double");
+  category.AddAttribute("feature", "predictedValue");
+  for (std::size_t target = 0; target < source.targets.size(); ++target) {
+    const std::string& value = source.TargetValue(target);
+    XMLElement& probability = output.AddChild("OutputField");
+    probability.AddAttribute("name", OutputName("probability_" + value, source));
+    probability.AddAttribute("optype", "continuous");
+    probability.AddAttribute("dataType", "double");
+    probability.AddAttribute("feature", "probability");
+    probability.AddAttribute("value", value);
+  }
 }
 
 }  // namespace tavo

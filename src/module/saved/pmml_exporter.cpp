@@ -101,6 +101,7 @@ void AddModel(XMLElement& root, const PMMLSource& source, const MCSymMatrix* cov
     AddExtension(element, "subpopulationVariable", source.Variable(model.subpopulation).name);
   }
   AddMiningSchema(element, source);
+  if (model.kind == ModelKind::kMultinomialLogistic) AddOutput(element, source);
   AddParameterList(element, source);
   AddPredictorLists(element, source);
   AddPPMatrix(element, source);

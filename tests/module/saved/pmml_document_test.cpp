@@ -33,6 +33,8 @@ const std::map<std::string, std::vector<std::string>> kAttributes = {
       "functionName", "cumulativeLink", "subjectIDVariable", "startTimeVariable", "endTimeVariable",
       "statusVariable", "baselineStrataVariable", "modelDF"}},
     {"MiningSchema", {}},
+    {"Output", {}},
+    {"OutputField", {"name", "optype", "dataType", "feature", "value"}},
     {"MiningField", {"name", "usageType", "missingValueTreatment", "invalidValueTreatment"}},
     {"ParameterList", {}},
     {"Parameter", {"name", "label", "referencePoint"}},
@@ -186,6 +188,19 @@ TEST_F(Pmml, ValuesOfAMissingRangeAreMissingToThoseWhoScore) {
   const XmlNode root = Model();
   EXPECT_THAT(Each(root.Child("MiningSchema"), "invalidValueTreatment"),
               ElementsAre("", "asMissing", "asMissing"));
+}
+
+TEST_F(Pmml, OutputFieldsAreThePredictedCategoryAndTheProbabilityOfEach) {
+  variables[3].name = "predicted_y";
+  const XmlNode root = Model();
+  const XmlNode* output = root.Child("Output");
+  ASSERT_NE(output, nullptr);
+  EXPECT_THAT(Each(output, "name"),
+              ElementsAre("predicted_y_", "probability_no", "probability_maybe", "probability_yes"));
+  EXPECT_THAT(Each(output, "feature"),
+              ElementsAre("predictedValue", "probability", "probability", "probability"));
+  EXPECT_THAT(Each(output, "value"), ElementsAre("", "no", "maybe", "yes"));
+  EXPECT_THAT(Each(output, "dataType"), ElementsAre("string", "double", "double", "double"));
 }
 
 TEST_F(Pmml, DegreesOfFreedomKeepTheirFraction) {
