@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include "module/reporting/status_messages.h"
 #include "module/reporting/test_tables.h"
 
 namespace tavo {
@@ -66,6 +67,8 @@ const char* FailureMessage(std::uint32_t code) {
 }
 
 void ReportFailure(const OrvStatus& status, int number) {
+  ReportLackOfMemory(status, "Custom test ^1 not done for lack of memory...",
+                     BpNumber{static_cast<double>(number), BpProcedure::Count()});
   const char* key = FailureMessage(status.Code());
   if (key == nullptr) return;
   host::BpError(TestLabel(key, number).Add(host::Plain("\r")), host::BpErrorLevel::kWarning);

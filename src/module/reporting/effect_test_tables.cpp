@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "component/inference/inference.h"
+#include "module/reporting/status_messages.h"
 #include "module/reporting/test_tables.h"
 
 namespace tavo {
@@ -37,7 +38,8 @@ class EffectTestRows {
     EffectHypothesis hypothesis;
     hypothesis.title = label;
     OrvTestStats overall;
-    fFrame.Stats()->TestEffect(effect, hypothesis.L, hypothesis.columns, overall);
+    const OrvStatus status = fFrame.Stats()->TestEffect(effect, hypothesis.L, hypothesis.columns, overall);
+    ReportLackOfMemory(status, "Test of effect ^1 not done for lack of memory...", label);
     if (show) {
       fRows.Category(label);
       FillTestColumns(fFrame.Specs(), fStatistics, overall, false);

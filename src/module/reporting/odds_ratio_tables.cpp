@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "module/reporting/status_messages.h"
 #include "module/reporting/test_tables.h"
 
 namespace tavo {
@@ -109,6 +110,8 @@ void OutputOneRequest(const TavoOutputFrame& frame, const OrvOddsRatioSpec& requ
   statistics.Position(BpPlace::kColumn, 1, true, false);
 
   if (result.status.IsError()) {
+    ReportLackOfMemory(result.status, "Odds ratios ^1 not estimated for lack of memory...",
+                       BpNumber{static_cast<double>(number), BpProcedure::Count()});
     if (result.status.Code() == StatusCode::kOddsFactorOneLevel) ReportOneLevel(number);
     return;
   }

@@ -54,8 +54,10 @@ std::string PlainStatusKey(const OrvStatus& status, const TavoComponent* compone
                  ? "Parameter variance for SRS design is zero"
                  : "";
     case StatusCode::kTooManyParameters:
-      return status.Integer(1) >= 1 ? "Number of parameters ^1 exceeds limit ^2"
-                                    : "Number params ^1 too large for available memory";
+      if (status.Integer(1) >= 1) return "Number of parameters ^1 exceeds limit ^2";
+      // Memory that ends before the model is known can't be blamed on a number of parameters.
+      return status.Integer(0) >= 1 ? "Number params ^1 too large for available memory"
+                                    : "Not enough memory...";
     case StatusCode::kDesignCovarianceSingular:
       return "Design based covariance matrix is singular";
     default:
@@ -89,7 +91,7 @@ void ReportStatusMessage(const OrvStatus& status, const TavoComponent* component
   if (message.key.empty()) return;
   const host::BpErrorLevel level =
       status.IsError() ? host::BpErrorLevel::kError : host::BpErrorLevel::kWarning;
-  if (status.Code() == StatusCode::kTooManyParameters) {
+  if (status.Code() == StatusCode::kTooManyParameters && status.Integer(0) >= 1) {
     SendParameterLimit(status, message.key, level);
   } else if (message.stage > 0) {
     host::BpComposite text(message.key);
@@ -98,6 +100,13 @@ void ReportStatusMessage(const OrvStatus& status, const TavoComponent* component
   } else {
     host::BpError(host::Key(message.key), level);
   }
+}
+
+void ReportLackOfMemory(const OrvStatus& status, const char* key, const host::BpCellText& part) {
+  if (!status.IsError() || status.Code() != StatusCode::kTooManyParameters) return;
+  host::BpComposite message(key);
+  message.Add(part);
+  host::BpError(message, host::BpErrorLevel::kWarning);
 }
 
 }  // namespace tavo

@@ -5,6 +5,7 @@
 
 #include "component/frame/orv_status.h"
 #include "component/run/component.h"
+#include "host/output.h"
 
 namespace tavo {
 
@@ -21,5 +22,9 @@ StatusMessage MessageOfStatus(const OrvStatus& status, const TavoComponent* comp
 /// Sends the message of a status: an error for an error, a warning for a warning, nothing for OK and for
 /// statuses that were reported where they arose.
 void ReportStatusMessage(const OrvStatus& status, const TavoComponent* component);
+
+/// Warns that one part of the output was not done because memory ran out; the rest goes on. Any other status
+/// sends nothing. `key` is the message for parts of its kind, `part` its argument.
+void ReportLackOfMemory(const OrvStatus& status, const char* key, const host::BpCellText& part);
 
 }  // namespace tavo

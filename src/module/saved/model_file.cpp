@@ -131,7 +131,7 @@ class ModelDocument {
     fModel.nonRedundant = &fNonRedundant;
     fModel.effects = &specs.Effects();
     // Scoring programs take it for the t quantile of confidence intervals, so it is the design's.
-    fModel.degreesOfFreedom = static_cast<int>(stats.DegreesOfFreedom());
+    fModel.degreesOfFreedom = stats.DegreesOfFreedom();
   }
 
   OrvStatus Write(std::ostream& out, bool withCovariance) const {

@@ -1,4 +1,6 @@
 // Header, data dictionary and mining schema of a model document.
+#include <algorithm>
+
 #include "module/saved/pmml_sections.h"
 
 namespace tavo {
@@ -37,10 +39,23 @@ void AddMissingValues(XMLElement& field, const OrvPMMLVariable& variable) {
     const std::string label = i < variable.missingLabels.size() ? variable.missingLabels[i] : std::string();
     AddValue(field, variable.missingValues[i], label, "missing");
   }
-  // The document type knows missing values one by one only; the bounds of a range go into extensions.
+}
+
+void AddInterval(XMLElement& field, const char* margin, const std::string& bound) {
+  field.AddChild("Interval").AddAttribute("closure", "openOpen").AddAttribute(margin, bound);
+}
+
+/// The document type knows missing values one by one only. The bounds of a range go into extensions, which
+/// stand before anything else in a field. What is left of the range is what other programs understand: the
+/// valid values of a scale are those outside it, as those of a factor are its categories, and the mining
+/// schema says that what is not valid is missing.
+void AddMissingRange(XMLElement& field, const OrvPMMLVariable& variable) {
   if (!variable.hasMissingInterval) return;
   AddExtension(field, "invalidRangeLower", variable.missingLow);
   AddExtension(field, "invalidRangeUpper", variable.missingHigh);
+  if (variable.IsCategorical()) return;
+  AddInterval(field, "rightMargin", variable.missingLow);
+  AddInterval(field, "leftMargin", variable.missingHigh);
 }
 
 XMLElement& StartField(XMLElement& dictionary, const OrvPMMLVariable& variable) {
@@ -49,6 +64,7 @@ XMLElement& StartField(XMLElement& dictionary, const OrvPMMLVariable& variable) 
   field.AddAttribute("displayName", variable.label);
   field.AddAttribute("optype", OperationType(variable.level));
   field.AddAttribute("dataType", variable.type == OrvPMMLVariable::DataType::kString ? "string" : "double");
+  AddMissingRange(field, variable);
   return field;
 }
 
@@ -103,6 +119,19 @@ void AddMiningField(XMLElement& schema, const PMMLSource& source, int variable, 
   field.AddAttribute("usageType", usage);
   // Nothing is imputed: a case that lacks a predictor gets no prediction, as in the run itself.
   field.AddAttribute("missingValueTreatment", "asIs");
+  const bool isPredictor = variable != source.model.dependent;
+  if (isPredictor && source.Variable(variable).hasMissingInterval) {
+    field.AddAttribute("invalidValueTreatment", "asMissing");
+  }
+}
+
+/// A name that no field of the document has.
+std::string OutputName(std::string name, const PMMLSource& source) {
+  const auto isTaken = [&](const OrvPMMLVariable& variable) { return variable.name == name; };
+  const std::vector<OrvPMMLVariable>& variables = source.metadata.Variables();
+  while (std::any_of(variables.begin(), variables.end(), isTaken))
+    name += "_";
+  return name;
 }
 
 }  // namespace
@@ -158,6 +187,26 @@ void AddMiningSchema(XMLElement& parent, const PMMLSource& source) {
   for (const int variable : CoxVariables(source, false))
     AddMiningField(schema, source, variable, "active");
   if (model.subpopulation >= 0) AddMiningField(schema, source, model.subpopulation, "active");
+}
+
+void AddOutput(XMLElement& parent, const PMMLSource& source) {
+  const OrvPMMLVariable& dependent = source.Variable(source.model.dependent);
+  XMLElement& output = parent.AddChild("Output");
+  XMLElement& category = output.AddChild("OutputField");
+  category.AddAttribute("name", OutputName("predicted_" + dependent.name, source));
+  category.AddAttribute("optype", OperationType(dependent.level));
+  category.AddAttribute("dataType",
+                        dependent.type == OrvPMMLVariable::DataType::kString ? "string" : "double");
+  category.AddAttribute("feature", "predictedValue");
+  for (std::size_t target = 0; target < source.targets.size(); ++target) {
+    const std::string& value = source.TargetValue(target);
+    XMLElement& probability = output.AddChild("OutputField");
+    probability.AddAttribute("name", OutputName("probability_" + value, source));
+    probability.AddAttribute("optype", "continuous");
+    probability.AddAttribute("dataType", "double");
+    probability.AddAttribute("feature", "probability");
+    probability.AddAttribute("value", value);
+  }
 }
 
 }  // namespace tavo

@@ -89,7 +89,7 @@ void AddModelAttributes(XMLElement& element, const PMMLSource& source) {
     element.AddAttribute("cumulativeLink", LinkText(source.model.link));
   }
   if (source.model.kind == ModelKind::kCox) AddCoxAttributes(element, source);
-  element.AddAttribute("modelDF", static_cast<double>(source.model.degreesOfFreedom));
+  element.AddAttribute("modelDF", source.model.degreesOfFreedom);
 }
 
 void AddModel(XMLElement& root, const PMMLSource& source, const MCSymMatrix* covariance) {
@@ -101,6 +101,7 @@ void AddModel(XMLElement& root, const PMMLSource& source, const MCSymMatrix* cov
     AddExtension(element, "subpopulationVariable", source.Variable(model.subpopulation).name);
   }
   AddMiningSchema(element, source);
+  if (model.kind == ModelKind::kMultinomialLogistic) AddOutput(element, source);
   AddParameterList(element, source);
   AddPredictorLists(element, source);
   AddPPMatrix(element, source);

@@ -46,7 +46,7 @@ struct OrvPMMLModel {
   const std::vector<double>* estimates = nullptr;
   const MCCommonMath::MCBitSet* nonRedundant = nullptr;  // one bit per estimate
   const std::vector<OrvModelEffect>* effects = nullptr;
-  int degreesOfFreedom = 0;
+  double degreesOfFreedom = 0;
   OrvPMMLCox cox;
 };
 

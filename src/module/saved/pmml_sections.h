@@ -52,6 +52,8 @@ void AddHeader(MCCommonXML::XMLElement& parent, const OrvPMMLMetadata& metadata)
 void AddDataDictionary(MCCommonXML::XMLElement& parent, const PMMLSource& source,
                        const std::vector<std::vector<double>>& categoryCounts);
 void AddMiningSchema(MCCommonXML::XMLElement& parent, const PMMLSource& source);
+/// The predicted category and the probability of each, for who scores with a multinomial model.
+void AddOutput(MCCommonXML::XMLElement& parent, const PMMLSource& source);
 void AddParameterList(MCCommonXML::XMLElement& parent, const PMMLSource& source);
 /// Those of both lists that have something in them.
 void AddPredictorLists(MCCommonXML::XMLElement& parent, const PMMLSource& source);

@@ -89,6 +89,17 @@ constexpr std::array kEntries = {
         "The memory does not suffice for a model with ^1 parameters. Remove interactions, or merge "
         "categories."},
 
+    CatalogueEntry{"Custom test ^1 not done for lack of memory...",
+                   "Custom test ^1 was not done: the memory does not suffice for its matrices. Give it fewer "
+                   "rows, or use a smaller model."},
+    CatalogueEntry{
+        "Odds ratios ^1 not estimated for lack of memory...",
+        "Odds ratios ^1 were not estimated: the memory does not suffice. Ask for fewer of them, or "
+        "use a smaller model."},
+    CatalogueEntry{"Test of effect ^1 not done for lack of memory...",
+                   "The test of effect ^1 of the model was not done: the memory does not suffice for its "
+                   "matrices. Remove interactions, or merge categories."},
+
     CatalogueEntry{
         "The joint inclusion probabilities cannot be used ...",
         "The analysis needs joint inclusion probabilities, but their file cannot be used. Correct what the "

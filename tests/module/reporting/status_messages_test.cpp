@@ -84,6 +84,32 @@ TEST_F(StatusReport, WithoutALimitTheMemoryIsTooSmall) {
   EXPECT_THAT(messages[0].text, HasSubstr("9000"));
 }
 
+TEST_F(StatusReport, MemoryThatEndsBeforeTheParametersAreKnownIsNotBlamedOnTheirNumber) {
+  const auto& messages = Send(OutOfMemory(0));
+  ASSERT_EQ(messages.size(), 1U);
+  EXPECT_EQ(messages[0].key, "Not enough memory...");
+  EXPECT_THAT(messages[0].text, ::testing::Not(HasSubstr("0 parameters")));
+  EXPECT_TRUE(messages[0].isError);
+}
+
+TEST_F(StatusReport, APartThatMemoryDoesNotSufficeForIsNamedInAWarning) {
+  const struct {
+    const char* key;
+    const char* says;
+  } parts[] = {{"Custom test ^1 not done for lack of memory...", "Custom test 2 was not done"},
+               {"Odds ratios ^1 not estimated for lack of memory...", "Odds ratios 2 were not estimated"},
+               {"Test of effect ^1 not done for lack of memory...", "test of effect 2 of the model"}};
+  for (const auto& [key, says] : parts) {
+    ReportLackOfMemory(OutOfMemory(9000), key, host::Plain("2"));
+    ReportLackOfMemory(OrvStatus::Error(StatusCode::kNotEstimable), key, host::Plain("2"));
+    const standalone::Message& last = fSession.CurrentOutput()->messages.back();
+    EXPECT_EQ(last.key, key);
+    EXPECT_THAT(last.text, HasSubstr(says));
+    EXPECT_FALSE(last.isError);
+  }
+  EXPECT_EQ(fSession.CurrentOutput()->messages.size(), 3U);
+}
+
 TEST_F(StatusReport, OKAndCodesWithoutATextAreSilent) {
   Send(OrvStatus());
   Send(OrvStatus::Error(StatusCode::kCancelled));

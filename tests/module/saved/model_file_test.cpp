@@ -119,6 +119,8 @@ TEST_F(ModelFile, ModelDfIsTheDesignsDegreesOfFreedomForConfidenceIntervals) {
   EXPECT_EQ(ReadModel().At("modelDF"), "6");  // 8 units in 2 strata
   fRun.Run("y WITH x /CRITERIA DF=11 /OUTFILE MODEL='m.xml'");
   EXPECT_EQ(ReadModel().At("modelDF"), "11");
+  fRun.Run("y WITH x /CRITERIA DF=12.5 /OUTFILE MODEL='m.xml'");
+  EXPECT_EQ(ReadModel().At("modelDF"), "12.5");
 }
 
 TEST_F(ModelFile, ASubpopulationIsAFieldWithTheDomainValueOnly) {
@@ -163,9 +165,9 @@ TEST_F(ModelFile, LabelsLevelsAndMissingValuesOfTheDictionaryAreTold) {
   EXPECT_EQ(a.At("displayName"), "Age group");
   EXPECT_EQ(a.At("optype"), "ordinal");
   EXPECT_EQ(a.At("dataType"), "double");
-  EXPECT_THAT(Each(a, "value"), ElementsAre("1", "2", "3", "9", "97", "99.5"));
-  EXPECT_THAT(Each(a, "displayValue"), ElementsAre("young", "", "", "refused", "", ""));
-  EXPECT_THAT(Each(a, "property"), ElementsAre("valid", "valid", "valid", "missing", "", ""));
+  EXPECT_THAT(Each(a, "value"), ElementsAre("97", "99.5", "1", "2", "3", "9"));
+  EXPECT_THAT(Each(a, "displayValue"), ElementsAre("", "", "young", "", "", "refused"));
+  EXPECT_THAT(Each(a, "property"), ElementsAre("", "", "valid", "valid", "valid", "missing"));
 
   fRun["a"][0] = 9;
   fRun.Run("y BY a /MISSING CLASSMISSING=INCLUDE /OUTFILE MODEL='m.xml'");

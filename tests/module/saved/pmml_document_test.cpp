@@ -26,13 +26,16 @@ const std::map<std::string, std::vector<std::string>> kAttributes = {
     {"DataDictionary", {"numberOfFields"}},
     {"DataField", {"name", "displayName", "optype", "dataType", "taxonomy", "isCyclic"}},
     {"Value", {"value", "displayValue", "property"}},
+    {"Interval", {"closure", "leftMargin", "rightMargin"}},
     {"Extension", {"extender", "name", "value"}},
     {"GeneralRegressionModel",
      {"targetVariableName", "targetReferenceCategory", "modelType", "modelName", "algorithmName",
       "functionName", "cumulativeLink", "subjectIDVariable", "startTimeVariable", "endTimeVariable",
       "statusVariable", "baselineStrataVariable", "modelDF"}},
     {"MiningSchema", {}},
-    {"MiningField", {"name", "usageType", "missingValueTreatment"}},
+    {"Output", {}},
+    {"OutputField", {"name", "optype", "dataType", "feature", "value"}},
+    {"MiningField", {"name", "usageType", "missingValueTreatment", "invalidValueTreatment"}},
     {"ParameterList", {}},
     {"Parameter", {"name", "label", "referencePoint"}},
     {"FactorList", {}},
@@ -144,7 +147,7 @@ TEST_F(Pmml, AFactorLevelWithNoCaseIsAbsentFromTheDataField) {
   EXPECT_THAT(Each(&field, "value"), ElementsAre("1", "3"));
 }
 
-TEST_F(Pmml, MissingValuesFollowTheCategoriesAndAnIntervalIsToldInExtensions) {
+TEST_F(Pmml, MissingValuesFollowTheCategoriesAndAnIntervalStandsInExtensionsBeforeThem) {
   OrvPMMLVariable& a = variables[1];
   a.missingValues = {"8", "9"};
   a.missingLabels = {"refused", ""};
@@ -153,14 +156,56 @@ TEST_F(Pmml, MissingValuesFollowTheCategoriesAndAnIntervalIsToldInExtensions) {
   a.missingHigh = "99";
   const XmlNode field = Field("a");
   EXPECT_THAT(field.Names(),
-              ElementsAre("Value", "Value", "Value", "Value", "Value", "Extension", "Extension"));
-  EXPECT_THAT(Each(&field, "value"), ElementsAre("1", "2", "3", "8", "9", "97", "99"));
-  EXPECT_THAT(Each(&field, "property"), ElementsAre("valid", "valid", "valid", "missing", "missing", "", ""));
-  EXPECT_EQ(field.children[3].At("displayValue"), "refused");
-  EXPECT_FALSE(field.children[4].Has("displayValue"));
-  EXPECT_EQ(field.children[5].At("name"), "invalidRangeLower");
-  EXPECT_EQ(field.children[6].At("name"), "invalidRangeUpper");
-  EXPECT_EQ(field.children[6].At("extender"), "tavoreg");
+              ElementsAre("Extension", "Extension", "Value", "Value", "Value", "Value", "Value"));
+  EXPECT_THAT(Each(&field, "value"), ElementsAre("97", "99", "1", "2", "3", "8", "9"));
+  EXPECT_THAT(Each(&field, "property"), ElementsAre("", "", "valid", "valid", "valid", "missing", "missing"));
+  EXPECT_EQ(field.children[5].At("displayValue"), "refused");
+  EXPECT_FALSE(field.children[6].Has("displayValue"));
+  EXPECT_EQ(field.children[0].At("name"), "invalidRangeLower");
+  EXPECT_EQ(field.children[1].At("name"), "invalidRangeUpper");
+  EXPECT_EQ(field.children[1].At("extender"), "tavoreg");
+}
+
+TEST_F(Pmml, AMissingRangeOfACovariateLeavesTheValidValuesAsIntervalsInTheOrderOfTheSchema) {
+  OrvPMMLVariable& x = variables[3];
+  x.missingValues = {"-1"};
+  x.hasMissingInterval = true;
+  x.missingLow = "97";
+  x.missingHigh = "99.5";
+  const XmlNode field = Field("x");
+  EXPECT_THAT(field.Names(), ElementsAre("Extension", "Extension", "Interval", "Interval", "Value"));
+  EXPECT_THAT(Each(&field, "closure"), ElementsAre("", "", "openOpen", "openOpen", ""));
+  EXPECT_THAT(Each(&field, "rightMargin"), ElementsAre("", "", "97", "", ""));
+  EXPECT_THAT(Each(&field, "leftMargin"), ElementsAre("", "", "", "99.5", ""));
+}
+
+TEST_F(Pmml, ValuesOfAMissingRangeAreMissingToThoseWhoScore) {
+  for (const std::size_t variable : {0U, 1U, 3U}) {  // y, a, x
+    variables[variable].hasMissingInterval = true;
+    variables[variable].missingLow = "97";
+    variables[variable].missingHigh = "99";
+  }
+  const XmlNode root = Model();
+  EXPECT_THAT(Each(root.Child("MiningSchema"), "invalidValueTreatment"),
+              ElementsAre("", "asMissing", "asMissing"));
+}
+
+TEST_F(Pmml, OutputFieldsAreThePredictedCategoryAndTheProbabilityOfEach) {
+  variables[3].name = "predicted_y";
+  const XmlNode root = Model();
+  const XmlNode* output = root.Child("Output");
+  ASSERT_NE(output, nullptr);
+  EXPECT_THAT(Each(output, "name"),
+              ElementsAre("predicted_y_", "probability_no", "probability_maybe", "probability_yes"));
+  EXPECT_THAT(Each(output, "feature"),
+              ElementsAre("predictedValue", "probability", "probability", "probability"));
+  EXPECT_THAT(Each(output, "value"), ElementsAre("", "no", "maybe", "yes"));
+  EXPECT_THAT(Each(output, "dataType"), ElementsAre("string", "double", "double", "double"));
+}
+
+TEST_F(Pmml, DegreesOfFreedomKeepTheirFraction) {
+  model.degreesOfFreedom = 12.5;
+  EXPECT_EQ(Model().At("modelDF"), "12.5");
 }
 
 TEST_F(Pmml, TheMiningSchemaHoldsOnlyVariablesOfTheModel) {

@@ -189,6 +189,9 @@ inline constexpr const char* kRunKeys[] = {
     "Run was interrupted...",
     "Messages of the same kind were left out...",
     "Not enough memory...",
+    "Custom test ^1 not done for lack of memory...",
+    "Odds ratios ^1 not estimated for lack of memory...",
+    "Test of effect ^1 not done for lack of memory...",
     "Fault of the program ^1...",
 };
 
