@@ -71,53 +71,18 @@ std::vector<std::string> RowsOfRankByRounding(const Comparison& comparison) {
   return rows;
 }
 
-/// The cells of the intercept when the program has no test of it where there is one. It looks for what the
-/// intercept has of its own beside columns of which some are centred and some are not: two columns that are
-/// one, of which the model centres only the first, then differ by the intercept and take it.
-std::vector<std::string> CellsOfLostIntercept(const Comparison& comparison) {
-  static const std::string kContrasts = "EffectsContrast (Intercept)|";
-  for (const Mismatch& mismatch : comparison.mismatches) {
-    if (StartsWith(mismatch.cell, kContrasts) &&
-        mismatch.text.find("the program has no such cell") != std::string::npos)
-      return {kContrasts, "TestsOfModelEffects|(Intercept)|"};
-  }
-  return {};
-}
-
-/// The cells of effects that the program tests with more rows than are estimable. A column of the effect that
-/// depends on those before it is dropped when what is left of it is below a share of 1e-12; where covariates
-/// in front are nearly dependent, rounding leaves more.
-std::vector<std::string> CellsOfGainedRows(const Comparison& comparison) {
-  static const std::string kTable = "EffectsContrast ";
-  std::vector<std::string> cells;
-  for (const Mismatch& mismatch : comparison.mismatches) {
-    if (!StartsWith(mismatch.cell, kTable) ||
-        mismatch.text.find("the twin has no such cell") == std::string::npos)
-      continue;
-    const std::string effect = mismatch.cell.substr(kTable.size(), mismatch.cell.find('|') - kTable.size());
-    cells.push_back(kTable + effect + "|");
-    cells.push_back("TestsOfModelEffects|" + effect + "|");
-  }
-  return cells;
-}
-
 /// The faults that are known and open, when they account for all differences; otherwise nothing.
 std::string KnownFault(const std::map<std::string, Value>& twin, const Comparison& comparison) {
   if (comparison.mismatches.empty()) return "";
   if (IsHalvedByRounding(twin, comparison)) return "a step halved by rounding";
   if (IsVarianceOfRounding(twin, comparison)) return "rounding taken for a variance";
   if (IsVarianceCleared(comparison)) return "a variance taken for rounding";
-  const std::vector<std::string> intercept = CellsOfLostIntercept(comparison);
-  std::vector<std::string> explained = RowsOfRankByRounding(comparison);
-  const std::vector<std::string> gained = CellsOfGainedRows(comparison);
-  explained.insert(explained.end(), intercept.begin(), intercept.end());
-  explained.insert(explained.end(), gained.begin(), gained.end());
+  const std::vector<std::string> explained = RowsOfRankByRounding(comparison);
   for (const Mismatch& mismatch : comparison.mismatches) {
     const auto isOf = [&](const std::string& start) { return StartsWith(mismatch.cell, start); };
     if (std::none_of(explained.begin(), explained.end(), isOf)) return "";
   }
-  if (!gained.empty()) return "a row of a contrast gained by rounding";
-  return intercept.empty() ? "a rank raised by rounding" : "a test of the intercept lost";
+  return "a rank raised by rounding";
 }
 
 }  // namespace

@@ -41,6 +41,22 @@ void ForEachCoefficient(MCSymMatrix& matrix, const MCBitSet& pivots, Visitor vis
   }
 }
 
+/// False when memory ran out.
+bool CopyColumns(const MCRectMatrix& source, const std::vector<int>& columns, MCRectMatrix& result) {
+  if (!result.SetNRowsCols(source.GetNRows(), static_cast<int>(columns.size()))) return false;
+  for (int i = 0; i < result.GetNRows(); ++i) {
+    for (int j = 0; j < result.GetNCols(); ++j)
+      result.SetElem(i, j, source.GetElem(i, columns[static_cast<std::size_t>(j)]));
+  }
+  return true;
+}
+
+/// A number that is whole but for rounding, as that whole number.
+double WholeWithin(double rounding, double number) {
+  const double whole = std::nearbyint(number);
+  return std::abs(number - whole) <= rounding ? whole : number;
+}
+
 }  // namespace
 
 EffectContrasts::EffectContrasts(const TavoModel& model, const OrvCancelInfo& cancel)
@@ -57,40 +73,24 @@ int EffectContrasts::ParameterCount() const {
   return fModel.BasicParameterCount();
 }
 
-/// Why a sequence of sweeps ended early.
-OrvStatus EffectContrasts::Unfinished() const {
-  return fCancel.IsCancelled() ? OrvStatus::Error(StatusCode::kCancelled)
-                               : OutOfMemory(fModel.ParameterCount());
-}
-
 OrvStatus EffectContrasts::Prepare(bool withEffects) {
   if (fModel.XPrimeX() == nullptr || fModel.XPrimeX()->GetNRows() != ParameterCount() ||
       fModel.BasicBits().Size() != ParameterCount()) {
     return OrvStatus::Error(StatusCode::kUserError);
   }
-  // The model leaves X'WX as its own search for redundant columns swept it, in list order: what an effect
-  // needs differs from that by a few sweeps, so nothing is swept twice from the start.
-  fTolerance = fModel.Settings().Tolerance();
+  // The model leaves X'WX as its own search for redundant columns swept it, in list order.
   fDiagonal = fModel.XPrimeXDiagonal();
-  for (int k = 0; k < ParameterCount(); ++k) {
-    const auto index = static_cast<std::size_t>(k);
-    const double size = std::hypot(fModel.Scales()[index], fModel.Centres()[index]);
-    const bool hasCovariate = !fModel.BasicParameters()[index].covariates.empty();
-    fUnits.push_back(hasCovariate && size > 0.0 ? size : 1.0);
-  }
-
-  fSwept = {*fModel.XPrimeX(), fModel.BasicBits()};
-  if (!fSwept.matrix.IsValidMatrix()) return OutOfMemory(fModel.ParameterCount());
-  fRounding = RoundingOf(fSwept);
-  Swept onDataScale = fSwept;
+  Swept swept = {*fModel.XPrimeX(), fModel.BasicBits()};
+  if (!swept.matrix.IsValidMatrix()) return OutOfMemory(fModel.ParameterCount());
+  fRounding = RoundingOf(swept);
+  fInterceptTerms = InterceptTerms(swept);
   MCBitSet taken(ParameterCount());
   int column = 0;
-  if (!onDataScale.matrix.IsValidMatrix() || !BringToDataScale(onDataScale) ||
-      !fBasis.SetNRowsCols(ParameterCount(), fSwept.pivots.InSet()) ||
-      !onDataScale.matrix.ExtractH(0, ParameterCount() - 1, fSwept.pivots, fBasis, column, taken, -1)) {
+  if (!BringToDataScale(swept) || !fBasis.SetNRowsCols(ParameterCount(), swept.pivots.InSet()) ||
+      !swept.matrix.ExtractH(0, ParameterCount() - 1, swept.pivots, fBasis, column, taken, -1)) {
     return OutOfMemory(fModel.ParameterCount());
   }
-  if (!withEffects) fSwept = Swept();
+  if (withEffects) fNonRedundant = swept.pivots;
   return fCancel.IsCancelled() ? OrvStatus::Error(StatusCode::kCancelled) : OrvStatus();
 }
 
@@ -106,18 +106,31 @@ double EffectContrasts::RoundingOf(const Swept& swept) const {
   return std::clamp(kRoundingShare * MCPower::gMachineEpsilon * inflation, kTolerance, kCoarsest);
 }
 
-/// The length of the column left out over that of the pivot, on the scale of the fit.
+/// The length of a column over that of a pivot, on the scale of the fit.
 double EffectContrasts::LengthRatio(int pivot, int column) const {
   return std::sqrt(fDiagonal[static_cast<std::size_t>(column)] / fDiagonal[static_cast<std::size_t>(pivot)]);
 }
 
-/// For each column left out the size of the terms that make up its coefficient on the intercept's column.
+/// The length of a column, in the units of the data but about the centre.
+double EffectContrasts::Length(int column) const {
+  const auto index = static_cast<std::size_t>(column);
+  return fModel.Scales()[index] * std::sqrt(fDiagonal[index]);
+}
+
+/// The size of the terms that make up a column's coefficient on a pivot, in the units of the data: what its
+/// rounding error is relative to.
+double EffectContrasts::CoefficientSize(int pivot, int column) const {
+  const auto u = static_cast<std::size_t>(column);
+  if (pivot == 0 && fModel.HasIntercept()) return fInterceptTerms[u];
+  return LengthRatio(pivot, column) * fModel.Scales()[u] / fModel.Scales()[static_cast<std::size_t>(pivot)];
+}
+
+/// For each column the size of the terms that make up its coefficient on the intercept's column.
 std::vector<double> EffectContrasts::InterceptTerms(const Swept& swept) const {
   std::vector<double> size(static_cast<std::size_t>(ParameterCount()), 0.0);
   for (int u = 0; u < ParameterCount(); ++u) {
-    if (swept.pivots.IsIn(u)) continue;
     double sum = 1.0;
-    for (int s = 1; s < ParameterCount(); ++s) {
+    for (int s = 1; s < ParameterCount() && !swept.pivots.IsIn(u); ++s) {
       const double centre = fModel.Centres()[static_cast<std::size_t>(s)];
       if (centre == 0.0 || !swept.pivots.IsIn(s)) continue;
       sum += std::abs(swept.matrix.GetElem(s, u) * centre / fModel.Scales()[static_cast<std::size_t>(s)]);
@@ -132,22 +145,15 @@ std::vector<double> EffectContrasts::InterceptTerms(const Swept& swept) const {
 /// rounding, as most are between columns of factors, becomes that number; 0 does so before the centres of
 /// columns add up in the coefficients of the intercept.
 bool EffectContrasts::BringToDataScale(Swept& swept) const {
-  const double rounding = RoundingOf(swept);
   ForEachCoefficient(swept.matrix, swept.pivots, [&](int pivot, int column, double& coefficient) {
-    if (std::abs(coefficient) <= rounding * LengthRatio(pivot, column)) coefficient = 0.0;
+    if (std::abs(coefficient) <= fRounding * LengthRatio(pivot, column)) coefficient = 0.0;
   });
-  const bool isCentred = fModel.HasIntercept() && swept.pivots.IsIn(0);
-  const std::vector<double> terms = isCentred ? InterceptTerms(swept) : std::vector<double>();
   if (!swept.matrix.TransformParameterMatrix(fModel.Centres(), fModel.Scales(), swept.pivots,
                                              fModel.InterceptCount())) {
     return false;
   }
   ForEachCoefficient(swept.matrix, swept.pivots, [&](int pivot, int column, double& coefficient) {
-    const auto u = static_cast<std::size_t>(column);
-    const double units = fModel.Scales()[u] / fModel.Scales()[static_cast<std::size_t>(pivot)];
-    const double size = pivot == 0 && isCentred ? terms[u] : LengthRatio(pivot, column) * units;
-    const double whole = std::nearbyint(coefficient);
-    if (std::abs(coefficient - whole) <= rounding * size) coefficient = whole;
+    coefficient = WholeWithin(fRounding * CoefficientSize(pivot, column), coefficient);
   });
   return true;
 }
@@ -164,119 +170,139 @@ std::vector<int> EffectContrasts::ContainingEffects(int effect) const {
   return containing;
 }
 
-/// Undoes the sweeps of an effect's columns, the last one first: so the rounding of each is undone in the
-/// state in which it arose.
-bool EffectContrasts::SweepBackEffect(Swept& swept, int effect) const {
+/// The functions of the basis that belong to the parameters of some effects. All functions without a
+/// coefficient on other effects are combinations of them, since each function of the basis has a coefficient
+/// on its own parameter that no other one has.
+bool EffectContrasts::TakeFunctions(const std::vector<int>& effects, Functions& functions) const {
+  for (const int effect : effects) {
+    int first = 0;
+    int count = 0;
+    fModel.GetEffectParameters(effect, first, count);
+    for (int k = first; k < first + count; ++k) {
+      if (fNonRedundant.IsIn(k)) functions.owners.push_back(k);
+    }
+  }
+  std::vector<int> columns;
+  for (const int k : functions.owners)
+    columns.push_back(fNonRedundant.InRange(0, k - 1));
+  functions.open.Resize(static_cast<int>(columns.size()), true);
+  functions.inUse = functions.open;
+  return CopyColumns(fBasis, columns, functions.matrix);
+}
+
+/// The open function with the largest coefficient on a parameter, measured by the length of what the
+/// parameter's column has from it; -1 when none has one. What is below a millionth of the column's length
+/// counts for nothing, as in the search for redundant columns, and becomes 0: the digits that a file keeps of
+/// a covariate that is another one in other units leave as much.
+int EffectContrasts::FindPivot(Functions& functions, int parameter) const {
+  int pivot = -1;
+  double largest = 0.0;
+  for (int j = 0; j < functions.matrix.GetNCols(); ++j) {
+    const double coefficient = functions.matrix.GetElem(parameter, j);
+    if (coefficient == 0.0 || !functions.open.IsIn(j)) continue;
+    const double length = std::abs(coefficient) * Length(functions.owners[static_cast<std::size_t>(j)]);
+    if (length > largest) {
+      largest = length;
+      pivot = j;
+    }
+  }
+  if (largest > kCoarsest * Length(parameter)) return pivot;
+  for (int j = 0; j < functions.matrix.GetNCols(); ++j) {
+    if (functions.open.IsIn(j)) functions.matrix.SetElem(parameter, j, 0.0);
+  }
+  return -1;
+}
+
+/// Takes the pivot's function out of all others, so that they have no coefficient on the parameter.
+void EffectContrasts::TakeOutOfOthers(Functions& functions, int parameter, int pivot) const {
+  MCRectMatrix& matrix = functions.matrix;
+  const double divisor = matrix.GetElem(parameter, pivot);
+  std::vector<std::pair<int, double>> multipliers;
+  for (int j = 0; j < matrix.GetNCols(); ++j) {
+    const double coefficient = matrix.GetElem(parameter, j);
+    if (j != pivot && coefficient != 0.0 && functions.inUse.IsIn(j))
+      multipliers.emplace_back(j, coefficient / divisor);
+  }
+  for (int i = 0; i < ParameterCount(); ++i) {
+    const double element = matrix.GetElem(i, pivot);
+    if (element == 0.0) continue;
+    for (const auto& [j, multiplier] : multipliers) {
+      const double before = matrix.GetElem(i, j);
+      const double term = multiplier * element;
+      const double size = std::abs(before) + std::abs(term) +
+                          CoefficientSize(functions.owners[static_cast<std::size_t>(j)], i);
+      matrix.SetElem(i, j, i == parameter ? 0.0 : WholeWithin(fRounding * size, before - term));
+    }
+  }
+}
+
+/// Makes a function that of the parameter, with a 1 there.
+void EffectContrasts::GiveTo(Functions& functions, int parameter, int column) const {
+  MCRectMatrix& matrix = functions.matrix;
+  const double divisor = matrix.GetElem(parameter, column);
+  functions.owners[static_cast<std::size_t>(column)] = parameter;
+  functions.open.Set(column, false);
+  for (int i = 0; i < ParameterCount() && divisor != 1.0; ++i) {
+    const double element = matrix.GetElem(i, column) / divisor;
+    const double size = std::abs(element) + CoefficientSize(parameter, i);
+    matrix.SetElem(i, column, i == parameter ? 1.0 : WholeWithin(fRounding * size, element));
+  }
+}
+
+/// Leaves the functions that have no coefficient on an effect.
+void EffectContrasts::DropFunctionsOn(int effect, Functions& functions) const {
   int first = 0;
   int count = 0;
   fModel.GetEffectParameters(effect, first, count);
-  for (int k = first + count - 1; k >= first; --k) {
-    if (fCancel.IsCancelled()) return false;
-    if (swept.pivots.IsIn(k) && !swept.matrix.Sweep(k, fTolerance, fDiagonal, swept.pivots, true)) {
-      return false;
-    }
+  for (int k = first; k < first + count && !fCancel.IsCancelled(); ++k) {
+    const int pivot = FindPivot(functions, k);
+    if (pivot < 0) continue;
+    TakeOutOfOthers(functions, k, pivot);
+    functions.open.Set(pivot, false);
+    functions.inUse.Set(pivot, false);
   }
-  return true;
 }
 
-/// Sweeps those columns of an effect that aren't swept and don't depend on swept ones. Returns how many, or
-/// -1 when nothing more can be done.
-int EffectContrasts::SweepEffect(Swept& swept, int effect) const {
+/// Gives each parameter of an effect, in order, a function of its own if one is left that has a coefficient
+/// on it. Adds them to `given`, by their columns.
+void EffectContrasts::GiveFunctionsTo(int effect, Functions& functions, std::vector<int>& given) const {
   int first = 0;
   int count = 0;
   fModel.GetEffectParameters(effect, first, count);
-  int done = 0;
-  for (int k = first; k < first + count; ++k) {
-    if (fCancel.IsCancelled()) return -1;
-    if (swept.pivots.IsIn(k)) continue;
-    if (swept.matrix.Sweep(k, fTolerance, fDiagonal, swept.pivots, true)) {
-      ++done;
-      continue;
-    }
-    // What is left of a dependent column is rounding. Left as it is, a later sweep on a small pivot would
-    // blow it up into coefficients.
-    if (!swept.matrix.ClearResidual(k, swept.pivots)) return -1;  // a matrix that is lost has no column k
+  for (int k = first; k < first + count && !fCancel.IsCancelled(); ++k) {
+    const int pivot = FindPivot(functions, k);
+    if (pivot < 0) continue;
+    TakeOutOfOthers(functions, k, pivot);
+    GiveTo(functions, k, pivot);
+    given.push_back(pivot);
   }
-  return done;
 }
 
-/// First the effects that don't contain this one, then it, then those that contain it. All columns are swept
-/// already but the redundant ones of the model. Only this effect and those that contain it have to go back;
-/// of the others, columns that depended on them alone come in. What is kept is the same as in a fresh
-/// sequence: a column kept in list order is independent of all others before it, whatever becomes of later
-/// ones.
-bool EffectContrasts::SweepInOrder(Swept& swept, int effect, const std::vector<int>& containing, int& own,
-                                   int& above) const {
-  own = above = 0;
-  for (const int other : containing) {
-    if (!SweepBackEffect(swept, other)) return false;
-  }
-  if (!SweepBackEffect(swept, effect)) return false;
+OrvStatus EffectContrasts::BuildEffectContrast(int effect, EffectFunctions& result) const {
+  const std::vector<int> containing = ContainingEffects(effect);
+  std::vector<int> later = {effect};
+  later.insert(later.end(), containing.begin(), containing.end());
+  Functions functions;
+  if (!TakeFunctions(later, functions)) return OutOfMemory(fModel.ParameterCount());
 
   for (int other = 0; other < static_cast<int>(fEffects.size()); ++other) {
-    const bool isLater = other == effect || std::binary_search(containing.begin(), containing.end(), other);
-    if (!isLater && SweepEffect(swept, other) < 0) return false;
+    if (std::find(later.begin(), later.end(), other) == later.end()) DropFunctionsOn(other, functions);
   }
-  own = SweepEffect(swept, effect);
-  if (own < 1) return own == 0;
-  for (const int other : containing) {
-    const int count = SweepEffect(swept, other);
-    if (count < 0) return false;
-    above += count;
-  }
-  return true;
-}
-
-OrvStatus EffectContrasts::BuildEffectContrast(int effect, Functions& functions) const {
-  const std::vector<int> containing = ContainingEffects(effect);
-  Swept swept = fSwept;  // a copy, since each effect needs its own order
-  if (!swept.matrix.IsValidMatrix()) return OutOfMemory(fModel.ParameterCount());
-  int own = 0;
-  int above = 0;
-  if (!SweepInOrder(swept, effect, containing, own, above)) return Unfinished();
-  functions.parameters.Resize(ParameterCount(), false);
-  if (own < 1) return OrvStatus();  // all its columns depend on other effects: nothing to be tested
-
-  if (!BringToDataScale(swept) || !functions.H.SetNRowsCols(ParameterCount(), own) ||
-      !functions.G.SetNRowsCols(ParameterCount(), above)) {
+  std::vector<int> own;
+  std::vector<int> above;
+  GiveFunctionsTo(effect, functions, own);
+  for (const int other : containing)
+    GiveFunctionsTo(other, functions, above);
+  if (fCancel.IsCancelled()) return OrvStatus::Error(StatusCode::kCancelled);
+  if (!CopyColumns(functions.matrix, own, result.H) || !CopyColumns(functions.matrix, above, result.G))
     return OutOfMemory(fModel.ParameterCount());
-  }
-  int first = 0;
-  int count = 0;
-  int column = 0;
-  fModel.GetEffectParameters(effect, first, count);
-  swept.matrix.ExtractH(first, first + count - 1, swept.pivots, functions.H, column, functions.parameters,
-                        -1);
-  MCBitSet taken(ParameterCount());
-  column = 0;
-  for (const int other : containing) {
-    fModel.GetEffectParameters(other, first, count);
-    swept.matrix.ExtractH(first, first + count - 1, swept.pivots, functions.G, column, taken, -1);
-  }
-  ScaleToUnits(functions);
+  for (const int j : own)
+    result.parameters.push_back(functions.owners[static_cast<std::size_t>(j)]);
   return OrvStatus();
 }
 
-/// Rows of covariates in the units of their columns, relative to the effect's own. Those of the effect and of
-/// the effects that contain it, which have the same covariates, stay as they are.
-void EffectContrasts::ScaleToUnits(Functions& functions) const {
-  // A projection compares lengths, so an income in cents must not outweigh the level beside it. The
-  // hypothesis doesn't depend on the scale of the rows, and the effect's own stay in its units, as they are
-  // reported.
-  int own = 0;
-  while (!functions.parameters.IsIn(own))
-    ++own;
-  for (MCRectMatrix* matrix : {&functions.H, &functions.G}) {
-    for (int i = 0; i < matrix->GetNRows(); ++i) {
-      const double ratio = fUnits[static_cast<std::size_t>(own)] / fUnits[static_cast<std::size_t>(i)];
-      for (int j = 0; j < matrix->GetNCols(); ++j)
-        matrix->SetElem(i, j, matrix->GetElem(i, j) * ratio);
-    }
-  }
-}
-
 /// False when memory ran out.
-bool EffectContrasts::ReduceEffectContrast(int effect, Functions& functions, MCRectMatrix& L,
+bool EffectContrasts::ReduceEffectContrast(EffectFunctions& functions, MCRectMatrix& L,
                                            std::vector<int>& columns) const {
   MCRectMatrix& H = functions.H;
   MCBitSet live(H.GetNCols());
@@ -285,46 +311,25 @@ bool EffectContrasts::ReduceEffectContrast(int effect, Functions& functions, MCR
   if (functions.G.GetNCols() > 0 && !H.ResidOfOrthProjection(functions.G, kTolerance, spanning, live)) {
     return false;
   }
-  // A function with a coefficient on another effect doesn't belong to this one alone: columns that give no
-  // new direction on the centred scale may still hold the intercept on the scale of the data.
-  const std::vector<int> containing = ContainingEffects(effect);
-  for (int other = 0; other < static_cast<int>(fEffects.size()); ++other) {
-    if (other == effect || std::binary_search(containing.begin(), containing.end(), other)) continue;
-    int first = 0;
-    int count = 0;
-    fModel.GetEffectParameters(other, first, count);
-    for (int row = first; row < first + count; ++row) {
-      int pivot = -1;
-      H.ZeroOutPivotRow(row, kTolerance, live, pivot);
-      live.Set(pivot, false);
-    }
-  }
-
   if (!L.SetNRowsCols(live.InSet(), ParameterCount())) return false;
-  int column = 0;
   int row = 0;
-  for (int parameter = 0; parameter < ParameterCount(); ++parameter) {
-    if (!functions.parameters.IsIn(parameter)) continue;
-    if (live.IsIn(column)) {
-      H.ColClean(column, ParameterCount());
-      L.CopyColToRow(H, column, row++);
-      columns.push_back(parameter + 1);
-    }
-    ++column;
+  for (const int column : live.Members()) {
+    H.ColClean(column, ParameterCount());
+    L.CopyColToRow(H, column, row++);
+    columns.push_back(functions.parameters[static_cast<std::size_t>(column)] + 1);
   }
   return true;
 }
 
 OrvStatus EffectContrasts::Build(int effect, MCRectMatrix& L, std::vector<int>& columns) const {
   assert(effect >= 0 && effect < static_cast<int>(fEffects.size()));
-  assert(fSwept.matrix.GetNRows() == ParameterCount());
+  assert(fNonRedundant.Size() == ParameterCount());
   columns.clear();
   L.SetNRowsCols(0, ParameterCount());
-  Functions functions;
+  EffectFunctions functions;
   const OrvStatus status = BuildEffectContrast(effect, functions);
   if (!status.IsOK() || functions.H.GetNCols() == 0) return status;
-  return ReduceEffectContrast(effect, functions, L, columns) ? OrvStatus()
-                                                             : OutOfMemory(fModel.ParameterCount());
+  return ReduceEffectContrast(functions, L, columns) ? OrvStatus() : OutOfMemory(fModel.ParameterCount());
 }
 
 }  // namespace tavo

@@ -333,6 +333,76 @@ TEST(EffectTests, OfAnInterceptThatCovariatesHoldHaveNoTestableRow) {
             StatusCode::kNothingEstimable);
 }
 
+// The product of an indicator and a covariate is the covariate's slope in one level. The model centres the
+// product, which has no factor, but not the slopes; on the scale of the data they are one column all the
+// same, and hold nothing of the intercept.
+TEST(EffectTests, OfAnInterceptStandBesideACentredAndAnUncentredCopyOfAColumn) {
+  auto cases = Survey(300, {2}, 1);
+  for (Case& c : cases) {
+    c.covariates[0] -= 12;
+    c.covariates.push_back(c.factors[0] == 1 ? 1 : 0);
+  }
+  const std::vector<Effect> effects = {{{}, {0, 1}}, {{0}, {0}}};
+  const FittedModel run(cases, effects);
+  const EffectTest intercept = run.Test(kIntercept);
+  ASSERT_TRUE(intercept.status.IsOK());
+  ASSERT_EQ(intercept.L.GetNRows(), 1);
+  ExpectRow(intercept, 0, {1, 0, 0, 0});
+  const tavo::OrvParamStats& row = run.Output().ParamStats()[0];
+  EXPECT_NEAR(intercept.overall.wald, row.t * row.t, 1e-10 * row.t * row.t);
+  for (const int effect : {kIntercept, 0, 1})
+    ExpectTypeThree(run, cases, effects, effect, "effect " + std::to_string(effect));
+}
+
+// Beside a factor without an intercept the two covariates hold the constant, so the levels can only be
+// compared. The covariates are so nearly proportional that rounding decides what a search by their
+// cross-products leaves of the last level.
+TEST(EffectTests, OfAFactorHaveNoRowThatNearlyProportionalCovariatesHold) {
+  const std::vector<Effect> effects = {{{0}, {}}, {{}, {0}}, {{}, {1}}};
+  Options options;
+  options.hasIntercept = false;
+  for (int levels = 2; levels <= 6; ++levels) {
+    for (std::int64_t seed = 1; seed <= 8; ++seed) {
+      effect_bench::Dice dice(seed);
+      auto cases = Survey(150, {levels}, 1, 2, seed);
+      for (Case& c : cases) {
+        c.covariates[0] = std::nearbyint(1000 * (80 * dice.Uniform() - 30)) / 1000;
+        c.covariates.push_back(2 * c.covariates[0] + 1);
+      }
+      const std::string what = std::to_string(levels) + " levels, seed " + std::to_string(seed);
+      const FittedModel run(cases, effects, options);
+      ASSERT_TRUE(run.IsBuilt()) << what;
+      const EffectTest factor = run.Test(0);
+      ASSERT_EQ(factor.L.GetNRows(), levels - 1) << what;
+      for (int i = 0; i < levels - 1; ++i) {
+        Values expected(static_cast<std::size_t>(levels) + 2, 0.0);
+        expected[static_cast<std::size_t>(i)] = 1;
+        expected[static_cast<std::size_t>(levels) - 1] = -1;
+        ExpectRow(factor, i, expected);
+      }
+      for (const int effect : {1, 2})
+        EXPECT_EQ(run.Test(effect).status.Code(), StatusCode::kNothingEstimable) << what;
+    }
+  }
+}
+
+// A weight in kilograms, and in pounds with the digits that a file keeps of it: what they differ by is
+// nothing that a factor's levels could be mistaken for.
+TEST(EffectTests, OfAFactorKeepTheirRowsBesideACovariateInTwoRoundedUnits) {
+  auto cases = Survey(300, {3}, 1);
+  for (Case& c : cases) {
+    c.covariates[0] = std::nearbyint(1e5 * (60 + c.covariates[0])) / 1e5;
+    c.covariates.push_back(std::nearbyint(1e5 * 2.20462 * c.covariates[0]) / 1e5);
+  }
+  const FittedModel run(cases, {{{0}, {}}, {{}, {0}}, {{}, {1}}});
+  const EffectTest factor = run.Test(0);
+  ASSERT_TRUE(factor.status.IsOK());
+  ASSERT_EQ(factor.L.GetNRows(), 2);
+  EXPECT_EQ(factor.overall.df1, 2);
+  const FittedModel kilograms(cases, {{{0}, {}}, {{}, {0}}});
+  EXPECT_NEAR(factor.overall.wald, kilograms.Test(0).overall.wald, 1e-6 * factor.overall.wald);
+}
+
 TEST(EffectTests, OfAnInterceptOnlyModelHaveNoRowForTheModelAndOneForTheIntercept) {
   const FittedModel run(Survey(200, {2}, 0), {});
   const EffectTest model = run.Test(kWholeModel);
