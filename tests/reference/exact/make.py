@@ -249,9 +249,11 @@ def outliers():
     commands = []
     for k in (2, 5, 8):
         s[f'x{k}'] = [10.0**k if i == at else a for i, a in enumerate(z)]
-        commands.append(Command(f'one value of 1e{k}', [Covariate(f'x{k}'), Covariate('v')]))
+        # Of the column's information less than 1e-12 is beside the outlier in the last one.
+        criteria = ' SINGULAR=1E-20' if k == 8 else ''
+        commands.append(Command(f'one value of 1e{k}', [Covariate(f'x{k}'), Covariate('v')], criteria=criteria))
         commands.append(Command(f'one value of 1e{k}, response opposed', [Covariate(f'x{k}'), Covariate('v')],
-                                dependent='yopp'))
+                                dependent='yopp', criteria=criteria))
     s['inc'] = ['99999999' if i == at else f'{50 + 10 * a:.2f}' for i, a in enumerate(z)]
     commands.append(Command('an undeclared 99999999 near 50', [Covariate('inc'), Covariate('v')]))
     return s.data, commands
@@ -285,7 +287,7 @@ def rare():
         s[column] = [float(f'{w:.3f}e-{k}') if is_rare(i) else w for i, w in enumerate(weights)]
         commands.append(Command(name, terms, dependent=dependent, weight=column, plan_file=f'plan_{column}.xml'))
 
-    for k in (4, 8, 12):
+    for k in (4, 6, 8, 10):
         for dependent, reference, other in (('y', 'yes', 'no'), ('y3', 'c', 'a')):
             count = 'two' if dependent == 'y' else 'three'
             add(f'reference of {count} categories with a share of 1e-{k}', dependent, [Covariate('x')], k,
@@ -336,8 +338,9 @@ def rows():
                ('x 1E160; v 1E-160', [[0, 1e160, 0], [0, 0, 1e-160]], None),
                ('x 1E300; v 1', [[0, 1e300, 0], [0, 0, 1]], None),
                ('x 1E-300; v 1E-300', [[0, 1e-300, 0], [0, 0, 1e-300]], None),
-               ('x 1E9 v 1; x 1E9 v -1', [[0, 1e9, 1], [0, 1e9, -1]], None),
-               ('1 x 1E12; 0 x 1E12', [[1, 1e12, 0], [0, 1e12, 0]], None)]
+               # nearly parallel rows: less than 1e-6 and 1e-10 of the second row's variance is its own
+               ('x 1E3 v 1; x 1E3 v -1', [[0, 1e3, 1], [0, 1e3, -1]], None),
+               ('1 x 1E5; 0 x 1E5', [[1, 1e5, 0], [0, 1e5, 0]], None)]
     return s.data, [Command('rows of any size', [Covariate('x'), Covariate('v')], customs=customs)]
 
 
