@@ -23,65 +23,24 @@ constexpr long double kGoal = 1e-9L;
 
 /// What misses the goal, and why. A problem that meets it has to leave the list.
 const std::map<std::string, std::string>& KnownProblems() {
-  static const std::string kNoise =
-      "a variance below a fixed share of the terms that cancel in it counts as rounding noise";
-  static const std::string kInformation =
-      "nearly dependent columns: the information is inverted in a basis in which it is nearly singular";
-  static const std::string kDataScale =
-      "contrasts are formed from the covariance on the scale of the data, where their terms cancel";
-  static const std::string kConstant =
-      "a column whose spread or square a double can't hold counts as constant";
+  static const std::string kParallel =
+      "of rows whose contrasts are correlated by more than 1 - 5e-13 a joint test keeps the first";
   static const std::string kOutlier =
       "beside one huge value the others look constant, and their column's information counts as singular";
   static const std::string kCentre =
       "a column that isn't centred looks dependent beside the factor's columns";
-  static const std::string kRows = "rows of contrasts are scaled with squares that over- or underflow";
+  static const std::string kReference = "the logits of a rare reference cancel in the iteration";
+  static const std::string kConstant =
+      "a column whose spread or square a double can't hold counts as constant";
   static const std::string kWeights =
       "sums of weights and their squares over- or underflow, or fall below fixed limits";
-  static const std::string kLikelihood =
-      "the log-likelihood of probabilities near 1 is a difference of large terms, and its noise ends the fit";
-  static const std::string kReference =
-      "probabilities near 1 are taken from 1, and logits of a rare reference cancel";
-  static const std::string kPivot =
-      "a redundant level's pivot is rounding noise above the tolerance, and is kept";
   static const std::map<std::string, std::string> kKnown = {
-      {"collinear: two columns 1e-4 apart", kInformation},
-      {"collinear: two columns 1e-5 apart", kInformation},
-      {"powers: cubic in a calendar year", kInformation},
-      {"powers: cubic in a calendar year, three categories", kInformation},
-      {"no_intercept: no intercept, offset of 1e3 beside a factor", kInformation},
-      {"collinear: two columns 1e-6 apart", kNoise},
-      {"collinear: two columns 1e-7 apart", kNoise},
-      {"outliers: one value of 1e5", kNoise},
-      {"outliers: one value of 1e8, response opposed", kNoise},
-      {"outliers: an undeclared 99999999 near 50", kNoise},
-      {"powers: quartic in a calendar year", kNoise},
-      {"outliers: one value of 1e8", kOutlier},
-      {"interactions: nested slopes, offset of 1e6", kCentre},
-      {"no_intercept: no intercept, offset of 1e6 beside a factor", kCentre},
-      {"offsets: offset of 1e6 standard deviations", kDataScale},
-      {"offsets: offset of 1e9 standard deviations", kDataScale},
-      {"offsets: offset of 1e12 standard deviations", kDataScale},
       {"offsets: offset of 1e14 standard deviations", kConstant},
       {"sizes: a column of order 1e-300", kConstant},
       {"sizes: a column of order 1e-170", kConstant},
-      {"sizes: a column of order 1e-155", kConstant},
       {"sizes: a column of order 1e155", kConstant},
       {"sizes: a column of order 1e170", kConstant},
       {"sizes: a column of order 1e300", kConstant},
-      {"rare: reference of two categories with a share of 1e-4", kLikelihood},
-      {"rare: reference of two categories with a share of 1e-6", kLikelihood},
-      {"rare: reference of two categories with a share of 1e-10", kLikelihood},
-      {"rare: reference of three categories with a share of 1e-6", kReference},
-      {"rare: reference of three categories with a share of 1e-10", kReference},
-      {"rare: last level of a factor with a share of 1e-6", kPivot},
-      {"rare: last level of a factor with a share of 1e-10", kPivot},
-      {"rare: reference of two categories with a share of 1e-8", kLikelihood},
-      {"rare: reference of three categories with a share of 1e-4", kReference},
-      {"rare: reference of three categories with a share of 1e-8", kReference},
-      {"rare: last level of a factor with a share of 1e-4", kPivot},
-      {"rare: last level of a factor with a share of 1e-8", kPivot},
-      {"rows: rows of any size", kRows},
       {"units: weights in units of 1e-300", kWeights},
       {"units: weights in units of 1e-200", kWeights},
       {"units: weights in units of 1e-100", kWeights},
@@ -89,6 +48,15 @@ const std::map<std::string, std::string>& KnownProblems() {
       {"units: weights in units of 1e200", kWeights},
       {"units: weights in units of 1e300", kWeights},
       {"units: weights in units of 1e305", kWeights},
+      {"collinear: two columns 1e-6 apart", kParallel},
+      {"collinear: two columns 1e-7 apart", kParallel},
+      {"powers: quartic in a calendar year", kParallel},
+      {"outliers: one value of 1e8", kOutlier},
+      {"interactions: nested slopes, offset of 1e6", kCentre},
+      {"no_intercept: no intercept, offset of 1e6 beside a factor", kCentre},
+      {"rare: reference of three categories with a share of 1e-10", kReference},
+      {"rare: reference of three categories with a share of 1e-4", kReference},
+      {"rare: reference of three categories with a share of 1e-8", kReference},
   };
   return kKnown;
 }

@@ -6,6 +6,8 @@
 
 #include "component/estimation/estimation_method.h"
 #include "component/frame/orv_status.h"
+#include "component/numerics/precise_sym_matrix.h"
+#include "component/numerics/precise_vectors.h"
 #include "component/numerics/sym_matrix.h"
 
 namespace tavo {
@@ -38,6 +40,12 @@ class TavoEvaluator {
   /// ran out. With `separationCheck` the extremes of the probabilities are filled.
   virtual OrvStatus EvaluateAll(EstimationMethod method, bool separationCheck, TavoEvaluation& sums,
                                 MCCommonMath::MCSymMatrix& information) = 0;
+  /// Score and information at `estimates`, in twice the precision. It costs many times as much, and is asked
+  /// when a fit has ended with an information matrix in which most digits cancel. An error also when a
+  /// predictor isn't finite.
+  virtual OrvStatus EvaluatePrecisely(const MCCommonMath::PreciseColumn& estimates,
+                                      MCCommonMath::PreciseColumn& scores,
+                                      MCCommonMath::PreciseSymMatrix& information) = 0;
 };
 
 }  // namespace tavo

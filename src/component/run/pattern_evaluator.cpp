@@ -38,4 +38,10 @@ OrvStatus TavoPatternEvaluator::EvaluateAll(EstimationMethod method, bool separa
   return status;
 }
 
+OrvStatus TavoPatternEvaluator::EvaluatePrecisely(const MCCommonMath::PreciseColumn& estimates,
+                                                  MCCommonMath::PreciseColumn& scores,
+                                                  MCCommonMath::PreciseSymMatrix& information) {
+  return fTabulator.EvaluatePrecisely(estimates, scores, information);
+}
+
 }  // namespace tavo

@@ -25,6 +25,9 @@ class TavoPatternEvaluator final : public TavoEvaluator {
   OrvStatus EvaluateLikelihood(double& logLikelihood) override;
   OrvStatus EvaluateAll(EstimationMethod method, bool separationCheck, TavoEvaluation& sums,
                         MCCommonMath::MCSymMatrix& information) override;
+  OrvStatus EvaluatePrecisely(const MCCommonMath::PreciseColumn& estimates,
+                              MCCommonMath::PreciseColumn& scores,
+                              MCCommonMath::PreciseSymMatrix& information) override;
 
  private:
   TavoPatternTabulator& fTabulator;
