@@ -12,10 +12,12 @@
 
 namespace tavo {
 
-/// The sums over all cases at one vector of estimates, beside the information matrix.
+/// The sums over all cases at one vector of estimates, beside the information matrix. Score and information
+/// are divided by a unit of weights that the evaluator chooses, so that they neither over- nor underflow;
+/// steps don't depend on it.
 struct TavoEvaluation {
   double logLikelihood = 0;    // sum of w log(probability of the observed category); missing when unknown
-  std::vector<double> scores;  // its gradient, (K-1) p' values, logit by logit
+  std::vector<double> scores;  // its gradient, (K-1) p' values, logit by logit, over the unit of weights
   double weight = 0;           // of the cases summed
   // Extremes over the cases, when the evaluation was asked to follow them: of the probability of a case's own
   // category, and of all categories' probabilities.

@@ -213,7 +213,10 @@ OrvStatus TavoModel::ScaleSRSCovariance() {
   // Of all valid records, those outside the subpopulation included: they belong to the sample.
   const double n = fTables.SampleSize();
   const double population = fTables.PopulationEstimate();
-  if (fpSRSCentre != nullptr) fpSRSCentre->Scale(n, population, fSettings.GetSRSEstimator());
+  const double unit = fDataRow.WeightUnit();
+  if (fpSRSCentre != nullptr) fpSRSCentre->Scale(n, population, fSettings.GetSRSEstimator(), unit);
+  for (double& count : fClassification.AsVector())
+    count *= unit;
   if (fpScorer->WeightedCaseCount() == 0 || n == 0 || !(population > 0)) {
     return Fail(StatusCode::kEmptySubpopulation);
   }

@@ -94,6 +94,8 @@ OrvStatus TavoAlgorithm::ProcessData(MCCommon::RecordIterator& iterator) {
   Merge(status);
   if (fStatus.IsError()) return fStatus;
   fMeanValues = fFactorTables.CovariateMeans();
+  fPatternExtractor.SetWeightUnit(fFactorTables.WeightUnit());
+  fDataExtractor.SetWeightUnit(fFactorTables.WeightUnit());
   fbFactorTableFilled = true;
   return status;
 }

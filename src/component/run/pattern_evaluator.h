@@ -13,7 +13,7 @@ class TavoPatternTabulator;
 
 /// Lives as long as one fit: from its construction to its end the tabulator has accumulator and model
 /// attached, and a clone of the accumulator for each slice. Evaluates at the estimates that the accumulator
-/// was made over.
+/// was made over. The unit of weights is that of the tabulator's rows.
 class TavoPatternEvaluator final : public TavoEvaluator {
  public:
   /// Nothing is owned. The tabulator has its patterns already. Memory that runs out throws std::bad_alloc.
@@ -30,6 +30,8 @@ class TavoPatternEvaluator final : public TavoEvaluator {
                               MCCommonMath::PreciseSymMatrix& information) override;
 
  private:
+  double InUnitsOfData(double sum) const;
+
   TavoPatternTabulator& fTabulator;
   TavoAccumStats& fAccumulator;
 };

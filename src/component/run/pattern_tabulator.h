@@ -56,6 +56,9 @@ class TavoPatternTabulator {
   /// The same in twice the precision.
   OrvStatus ReplayPatternsPrecisely(TavoModel& model) const;
 
+  /// Of the weights in the rows.
+  double WeightUnit() const { return fRowExtractor.WeightUnit(); }
+
   /// Cuts the rows into min(rows, count) slices, at least one, and prepares as many workers. One slice
   /// without a thread service, or when it has no threads to give.
   void SetThreads(int count);

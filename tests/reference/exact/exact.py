@@ -3,7 +3,7 @@
 The estimates, design-based standard errors and Wald tests of a baseline-category logit, computed from the doubles
 that a program reads out of a text file. Every step is written from its formula and none is tuned: with 120 digits
 nothing that cancels here loses what is recorded (30 digits). Estimates: Newton's method on orthonormal columns until
-the step is below 1e-90. Covariance: G M G (Binder 1983), G the inverse of the information, M the covariance of the
+the step is below 1e-90 of them. Covariance: G M G (Binder 1983), G the inverse of the information, M the covariance of the
 totals of the scores by stages (Cochran 1977, chapter 11). Wald F with d - r + 1 degrees of freedom (Korn and Graubard
 1990).
 """
@@ -205,7 +205,7 @@ class Fit:
                     break
                 length /= 2
             value = now
-            if max(abs(s) for s in step) < mpf(10)**-90 * max(1, max(abs(b) for b in self.beta)):
+            if max(abs(s) for s in step) <= mpf(10)**-90 * max(abs(b) for b in self.beta):
                 return
         raise RuntimeError('no convergence')
 
