@@ -5,6 +5,7 @@
 #include <limits>
 #include <new>
 
+#include "component/estimation/probabilities.h"
 #include "component/numerics/machine_constants.h"
 #include "component/numerics/missing_value.h"
 
@@ -153,15 +154,20 @@ int TavoAccumStats::UpdateForRow(const std::vector<int>& indices, const std::vec
   fWeight += weight;
   if (fbSeparationCheck) NoteProbabilities(fProbabilities[static_cast<std::size_t>(category)]);
 
-  // The logarithm of the observed probability by way of the predictors: that of a probability that has become
-  // 0 or 1 in doubles would be infinite or 0.
-  const bool isReference = category == fNCategories - 1;
-  double logObserved = logReference;
-  if (!isReference && fNParameters > 0)
-    logObserved += row.LinearPredictor(fEstimates, category * fNParameters);
-  AddToLogLikelihood(weight * logObserved);
+  AddToLogLikelihood(weight * LogObserved(row, category, logReference));
   if (!likelihoodOnly && fNParameters > 0) AddScoresAndInformation(row, category, weight);
   return 0;
+}
+
+// By way of the predictors, as the logarithm of a probability that has become 0 or 1 in doubles would be
+// infinite or 0. A probability near 1 is better known by that of the others: its predictor less the logarithm
+// of the sum of the exponentials is a small difference of terms that may be large.
+double TavoAccumStats::LogObserved(const OrvSparseVector& row, int category, double logReference) const {
+  const double others = ProbabilityOfOthers(fProbabilities, static_cast<std::size_t>(category));
+  if (fNParameters > 0 && others < 0.5) return std::log1p(-others);
+  const bool isReference = category == fNCategories - 1;
+  if (isReference || fNParameters == 0) return logReference;
+  return logReference + row.LinearPredictor(fEstimates, category * fNParameters);
 }
 
 // Neumaier (1974): what the larger of sum and term took from the smaller is summed apart.
@@ -185,12 +191,13 @@ void TavoAccumStats::NoteProbabilities(double observed) {
 void TavoAccumStats::AddScoresAndInformation(const OrvSparseVector& row, int category, double weight) {
   const double* probability = fProbabilities.data();
   for (int i = 0; i < fNCategories - 1; ++i) {
-    const double residual = i == category ? 1 - probability[i] : -probability[i];
+    const double others = ProbabilityOfOthers(fProbabilities, static_cast<std::size_t>(i));
+    const double residual = i == category ? others : -probability[i];
     row.AddScaledTo(fScores, i * fNParameters, weight * residual);
     const double wp = weight * probability[i];
     for (int j = 0; j < i; ++j)
       row.AddOuterTo(fHessian.Block(i, j), -wp * probability[j]);
-    row.AddOuterTo(fHessian.Block(i, i), wp * (1 - probability[i]));
+    row.AddOuterTo(fHessian.Block(i, i), wp * others);
   }
 }
 

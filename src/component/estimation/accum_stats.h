@@ -116,6 +116,7 @@ class TavoAccumStats {
   std::vector<double> fProbabilities;  // work
 
  private:
+  double LogObserved(const OrvSparseVector& row, int category, double logReference) const;
   void AddToLogLikelihood(double term);
   void NoteProbabilities(double observed);
   void AddScoresAndInformation(const OrvSparseVector& row, int category, double weight);

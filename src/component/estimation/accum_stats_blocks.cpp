@@ -97,9 +97,9 @@ void TavoAccumStats::AddScoresAndInformationOf(const TavoRowBlock& block) {
   std::array<double, TavoRowBlock::kMaxRows> factors;
   for (int i = 0; i < fNCategories - 1; ++i) {
     const double* const probability = fBlockProbabilities.Of(static_cast<std::size_t>(i));
+    const double* const others = fBlockProbabilities.OfOthers(static_cast<std::size_t>(i));
     for (std::size_t r = 0; r < rows; ++r) {
-      const double residual = (categories[r] == i ? 1.0 : 0.0) - probability[r];
-      factors[r] = weights[r] * residual;
+      factors[r] = weights[r] * (categories[r] == i ? others[r] : -probability[r]);
       weighted[r] = weights[r] * probability[r];
     }
     block.AddScaledTo(fScores.data() + static_cast<std::ptrdiff_t>(i) * fNParameters, factors.data());
@@ -110,7 +110,7 @@ void TavoAccumStats::AddScoresAndInformationOf(const TavoRowBlock& block) {
       block.AddOuterTo(fHessian.Block(i, j), factors.data());
     }
     for (std::size_t r = 0; r < rows; ++r)
-      factors[r] = weighted[r] * (1 - probability[r]);
+      factors[r] = weighted[r] * others[r];
     block.AddOuterTo(fHessian.Block(i, i), factors.data());
   }
 }

@@ -15,13 +15,30 @@ namespace vectors = MCCommonMath::vectors;
 
 bool TavoBlockProbabilities::Evaluate(const TavoRowBlock& block, const double* parameters,
                                       std::size_t categories, std::size_t parameterCount) {
+  SetShape(block, categories);
+  for (std::size_t j = 0; j + 1 < categories; ++j)
+    block.LinearPredictors(parameters + j * parameterCount, Values(j));
+  return EvaluatePredictors(block);
+}
+
+bool TavoBlockProbabilities::EvaluatePredictors(const TavoRowBlock& block,
+                                                const std::vector<const double*>& predictors) {
+  SetShape(block, predictors.size() + 1);
+  for (std::size_t j = 0; j < predictors.size(); ++j)
+    std::copy(predictors[j], predictors[j] + fNRows, Values(j));
+  return EvaluatePredictors(block);
+}
+
+void TavoBlockProbabilities::SetShape(const TavoRowBlock& block, std::size_t categories) {
   fNRows = block.RowCount();
   fNCategories = categories;
   fValues.resize(std::max(fValues.size(), categories * TavoRowBlock::kMaxRows));
-  const std::size_t logits = categories - 1;
-  for (std::size_t j = 0; j < logits; ++j)
-    block.LinearPredictors(parameters + j * parameterCount, Values(j));
-  std::fill(Values(logits), Values(logits) + fNRows, 0.0);
+}
+
+// From the predictors of the logits, where the probabilities will be.
+bool TavoBlockProbabilities::EvaluatePredictors(const TavoRowBlock& block) {
+  const std::size_t reference = fNCategories - 1;
+  std::fill(Values(reference), Values(reference) + fNRows, 0.0);
   if (!FindHighestPredictors()) return false;
   CopyObserved(block, fLogObserved);  // the predictors, before they are overwritten
   TakeExponentials();
@@ -89,13 +106,14 @@ void TavoBlockProbabilities::TakeOneExponential() {
   }
 }
 
-// On entry the predictors of the observed categories.
+// On entry the predictors of the observed categories. Where the observed category has the highest one, the
+// first difference is 0, and a logarithm near 0 keeps its digits.
 void TavoBlockProbabilities::TakeLogObserved() {
   double* const logs = fTies.data();  // free again
   std::copy(fOthers.data(), fOthers.data() + fNRows, logs);
   vectors::Log1p(logs, fNRows);
   for (std::size_t r = 0; r < fNRows; ++r)
-    fLogObserved[r] -= logs[r] + fHighest[r];
+    fLogObserved[r] = (fLogObserved[r] - fHighest[r]) - logs[r];
 }
 
 // As in the row-wise form a probability below the normal range is 0: denormal numbers have few digits and are
@@ -109,6 +127,18 @@ void TavoBlockProbabilities::Normalise() {
       values[r] = probability < std::numeric_limits<double>::min() ? 0.0 : probability;
     }
   }
+}
+
+const double* TavoBlockProbabilities::OfOthers(std::size_t category) {
+  if (fNCategories == 2) return Of(1 - category);
+  std::fill(fComplement.begin(), fComplement.end(), 0.0);
+  for (std::size_t c = 0; c < fNCategories; ++c) {
+    if (c == category) continue;
+    const double* const probability = Of(c);
+    for (std::size_t r = 0; r < fNRows; ++r)
+      fComplement[r] += probability[r];
+  }
+  return fComplement.data();
 }
 
 void TavoBlockProbabilities::CopyObserved(const TavoRowBlock& block, RowVector& observed) const {

@@ -2,13 +2,17 @@
 
 #include <cassert>
 #include <cmath>
+#include <numeric>
 
+#include "component/estimation/probabilities.h"
 #include "component/numerics/machine_constants.h"
 
 namespace tavo {
 
+using MCCommonMath::DoubleDouble;
 using MCCommonMath::MCPower;
 using MCCommonMath::MCRectMatrix;
+using MCCommonMath::PreciseColumn;
 
 OrvCaseScorer::OrvCaseScorer(const OrvResponseCategories& response, const OrvParameterList& parameters,
                              const OrvDesignColumns& columns, OrvFactorTables& tables,
@@ -36,20 +40,27 @@ bool OrvCaseScorer::FillRow(const double* dataRow) {
   return true;
 }
 
-// A predictor within machine epsilon of the highest so far is tied with it, and the tie is broken afterwards:
-// rounding doesn't choose the category. Exponentials are taken relative to the highest predictor, that of the
-// reference being 0, so that none overflows.
 void OrvCaseScorer::EvaluateRow(std::vector<double>& probabilities, int& predicted) {
   probabilities.resize(fNLogits + 1);
-  probabilities[fNLogits] = 0;
-  double highest = 0;
-  fTied.assign(1, static_cast<int>(fNLogits));
   const double* block = fEstimates.data();
   for (std::size_t j = 0; j < fNLogits; ++j, block += fNBasic) {
     double eta = 0;
     for (std::size_t e = 0; e < fParameters.size(); ++e)
       eta += fValues[e] * block[fParameters[e]];
     probabilities[j] = eta;
+  }
+  TakeProbabilities(probabilities, predicted);
+}
+
+// From the predictors of the logits, in place. A predictor within machine epsilon of the highest so far is
+// tied with it, and the tie is broken afterwards: rounding doesn't choose the category. Exponentials are
+// taken relative to the highest predictor, that of the reference being 0, so that none overflows.
+void OrvCaseScorer::TakeProbabilities(std::vector<double>& probabilities, int& predicted) {
+  probabilities[fNLogits] = 0;
+  double highest = 0;
+  fTied.assign(1, static_cast<int>(fNLogits));
+  for (std::size_t j = 0; j < fNLogits; ++j) {
+    const double eta = probabilities[j];
     if (eta > highest + MCPower::gMachineEpsilon) {
       highest = eta;
       fTied.assign(1, static_cast<int>(j));
@@ -84,7 +95,8 @@ void OrvCaseScorer::AddScores(const double* dataRow, std::vector<double>& sums, 
   fScoreIndices.clear();
   fScoreValues.clear();
   for (std::size_t j = 0; j < fNLogits; ++j) {
-    const double residual = (static_cast<int>(j) == observed ? 1.0 : 0.0) - fProbabilities[j];
+    const double residual =
+        static_cast<int>(j) == observed ? ProbabilityOfOthers(fProbabilities, j) : -fProbabilities[j];
     for (std::size_t e = 0; e < fParameters.size(); ++e) {
       const std::size_t k = j * fNBasic + static_cast<std::size_t>(fParameters[e]);
       const double value = residual * fValues[e];
@@ -94,11 +106,64 @@ void OrvCaseScorer::AddScores(const double* dataRow, std::vector<double>& sums, 
     }
   }
   // The covariance divides the squared score by the weight: a case without one has no share in it.
-  if (weight != 0) {
-    ++fNCasesWithWeight;
-    if (centre != nullptr) centre->Add(fScoreIndices, fScoreValues, weight);
-  }
+  if (weight != 0 && centre != nullptr) centre->Add(fScoreIndices, fScoreValues, weight);
+  Count(observed, predicted, weight, classification);
+}
+
+void OrvCaseScorer::Count(int observed, int predicted, double weight, MCRectMatrix& classification) {
+  if (weight != 0) ++fNCasesWithWeight;
   classification.SetElem(observed, predicted, classification.GetElem(observed, predicted) + weight);
+}
+
+void OrvCaseScorer::FillPreciseRow(const double* dataRow, const std::vector<int>& compressed) {
+  fPreciseIndices.clear();
+  fPreciseValues.clear();
+  for (std::size_t e = 0; e < fParameters.size(); ++e) {
+    const int index = compressed[static_cast<std::size_t>(fParameters[e])];
+    if (index < 0) continue;
+    fPreciseIndices.push_back(index);
+    fPreciseValues.push_back(fColumns.PreciseValue(dataRow, e, RowKind::kData));
+  }
+}
+
+void OrvCaseScorer::AddPreciseScores(const double* dataRow, const TavoPreciseFit& fit,
+                                     const std::vector<int>& compressed, PreciseColumn& sums,
+                                     MCRectMatrix& classification, OrvSRSCentre* centre) {
+  const int observed = fResponse.LocalIndexOf(fColumns.Response(dataRow));
+  if (observed < 0 || !fTables.ParameterIndices(dataRow, fParameters)) return;
+  FillPreciseRow(dataRow, compressed);
+  const std::size_t parameters = sums.Size() / fNLogits;
+  fProbabilities.resize(fNLogits + 1);
+  for (std::size_t j = 0; j < fNLogits; ++j) {
+    DoubleDouble eta;
+    for (std::size_t e = 0; e < fPreciseValues.size(); ++e)
+      eta += fPreciseValues[e] *
+             fit.estimates.Get(j * parameters + static_cast<std::size_t>(fPreciseIndices[e]));
+    fProbabilities[j] = eta.Value();
+  }
+  int predicted = 0;
+  TakeProbabilities(fProbabilities, predicted);
+
+  const double weight = fColumns.Weight(dataRow, RowKind::kData);
+  const bool isWanted = weight != 0 && centre != nullptr;
+  if (isWanted) fPreciseScore.Assign(sums.Size());
+  for (std::size_t j = 0; j < fNLogits; ++j) {
+    const double residual =
+        static_cast<int>(j) == observed ? ProbabilityOfOthers(fProbabilities, j) : -fProbabilities[j];
+    for (std::size_t e = 0; e < fPreciseValues.size(); ++e) {
+      const std::size_t k = j * parameters + static_cast<std::size_t>(fPreciseIndices[e]);
+      const DoubleDouble value = fPreciseValues[e] * residual;
+      sums.AddTo(k, value * weight);
+      if (isWanted) fPreciseScore.Set(k, value);
+    }
+  }
+  if (isWanted) {
+    fit.factor.ForwardSolve(fPreciseScore);
+    fScoreIndices.resize(sums.Size());
+    std::iota(fScoreIndices.begin(), fScoreIndices.end(), 0);
+    centre->Add(fScoreIndices, fPreciseScore.high, weight);
+  }
+  Count(observed, predicted, weight, classification);
 }
 
 }  // namespace tavo

@@ -5,6 +5,7 @@
 
 #include "component/estimation/design_columns.h"
 #include "component/estimation/parameter_list.h"
+#include "component/estimation/precise_fit.h"
 #include "component/estimation/response_categories.h"
 #include "component/estimation/srs_centre.h"
 #include "component/numerics/rect_matrix.h"
@@ -32,12 +33,21 @@ class OrvCaseScorer {
   /// inverse information take it out later. An unknown level combination or response adds nothing.
   void AddScores(const double* dataRow, std::vector<double>& sums, MCCommonMath::MCRectMatrix& classification,
                  OrvSRSCentre* centre);
+  /// The same in twice the precision, with the estimates of `fit`. `sums` are over the non-redundant
+  /// parameters, logit by logit; `compressed` gives, by basic parameter, its place among them, -1 for none.
+  /// The centre gets the score in the basis of the fit's factor.
+  void AddPreciseScores(const double* dataRow, const TavoPreciseFit& fit, const std::vector<int>& compressed,
+                        MCCommonMath::PreciseColumn& sums, MCCommonMath::MCRectMatrix& classification,
+                        OrvSRSCentre* centre);
   /// Rows with a weight that is not 0 (a NaN is not) among those that AddScores added.
   long WeightedCaseCount() const { return fNCasesWithWeight; }
 
  private:
   bool FillRow(const double* dataRow);
   void EvaluateRow(std::vector<double>& probabilities, int& predicted);
+  void TakeProbabilities(std::vector<double>& predictors, int& predicted);
+  void FillPreciseRow(const double* dataRow, const std::vector<int>& compressed);
+  void Count(int observed, int predicted, double weight, MCCommonMath::MCRectMatrix& classification);
 
   const OrvResponseCategories& fResponse;
   const OrvDesignColumns& fColumns;
@@ -54,6 +64,10 @@ class OrvCaseScorer {
   // … and its score over all logits, without the weight.
   std::vector<int> fScoreIndices;
   std::vector<double> fScoreValues;
+  // Of a refined fit: the entries of the design row, and the score in the basis of the factor.
+  std::vector<int> fPreciseIndices;
+  std::vector<MCCommonMath::DoubleDouble> fPreciseValues;
+  MCCommonMath::PreciseColumn fPreciseScore;
 };
 
 }  // namespace tavo

@@ -10,6 +10,7 @@
 
 namespace tavo {
 
+using MCCommonMath::DoubleDouble;
 using MCCommonMath::MCMV;
 
 namespace {
@@ -106,6 +107,26 @@ double OrvDesignColumns::Value(const double* row, std::size_t effect, RowKind ki
   return value / scale;
 }
 
+DoubleDouble OrvDesignColumns::PreciseValue(const double* row, std::size_t effect, RowKind kind) const {
+  const std::size_t first = fFirstTerm[effect];
+  const std::size_t end = fFirstTerm[effect + 1];
+  if (first == end) return fConstantValues[effect];
+  const double scale = fScales[effect];
+  if (scale == 0) return {};
+  DoubleDouble value = 1;
+  bool isFirst = true;
+  for (std::size_t t = first; t < end; ++t) {
+    const CovariateTerm& term = fTerms[t];
+    const double cell = row[kind == RowKind::kPattern ? term.patternOffset : term.dataOffset];
+    for (int power = 0; power < term.power; ++power) {
+      value = isFirst ? DoubleDouble(cell) : value * cell;
+      isFirst = false;
+    }
+  }
+  if (fbIntercept) value -= fCentres[effect];
+  return Quotient(value, scale);
+}
+
 void OrvDesignColumns::BuildSparseRow(const double* patternRow, const std::vector<int>& parameters,
                                       const OrvRedundancy& redundancy, std::vector<int>& indices,
                                       std::vector<double>& values) const {
@@ -170,6 +191,16 @@ void OrvDesignColumns::FillColumn(const double* patternRows, std::size_t rowLeng
   const double centre = fbIntercept ? fCentres[effect] : 0.0;
   for (std::size_t r = 0; r < rows; ++r)
     column[r] = (column[r] - centre) / scale;
+}
+
+void OrvDesignColumns::FillPreciseBlock(const double* patternRows, std::size_t rowLength,
+                                        OrvPreciseBlock& block) const {
+  const TavoRowBlock& rounded = block.Block();
+  for (std::size_t v = 0; v < rounded.ColumnCount(); ++v) {
+    const double* row = patternRows;
+    for (std::size_t r = 0; r < rounded.RowCount(); ++r, row += rowLength)
+      block.Column(v).Set(r, PreciseValue(row, rounded.Source(v), RowKind::kPattern));
+  }
 }
 
 }  // namespace tavo

@@ -5,10 +5,12 @@
 #include <vector>
 
 #include "component/estimation/parameter_list.h"
+#include "component/estimation/precise_block.h"
 #include "component/estimation/redundancy.h"
 #include "component/estimation/row_block.h"
 #include "component/input/model_effect.h"
 #include "component/input/record_extractor.h"
+#include "component/numerics/double_double.h"
 
 namespace tavo {
 
@@ -37,6 +39,9 @@ class OrvDesignColumns {
   double ParameterValue(const double* row, const OrvRegrParameter& parameter, RowKind kind) const;
   /// The value of a model effect's column, (v - centre)/scale.
   double Value(const double* row, std::size_t effect, RowKind kind) const;
+  /// The same in twice the precision: powers and products of covariates that are far from 0 leave little of
+  /// themselves when their centre is taken away.
+  MCCommonMath::DoubleDouble PreciseValue(const double* row, std::size_t effect, RowKind kind) const;
   double Response(const double* dataRow) const { return dataRow[fData.response]; }
   double Weight(const double* row, RowKind kind) const { return row[LayoutOf(kind).weight]; }
 
@@ -54,6 +59,8 @@ class OrvDesignColumns {
   /// of `rowLength` cells. A row's zeros stay among its entries.
   void FillBlock(const double* patternRows, std::size_t rowLength, std::size_t rows,
                  TavoRowBlock& block) const;
+  /// Gives a block that FillBlock has filled its columns in twice the precision.
+  void FillPreciseBlock(const double* patternRows, std::size_t rowLength, OrvPreciseBlock& block) const;
 
  private:
   struct RowLayout {

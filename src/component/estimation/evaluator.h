@@ -6,14 +6,18 @@
 
 #include "component/estimation/estimation_method.h"
 #include "component/frame/orv_status.h"
+#include "component/numerics/precise_sym_matrix.h"
+#include "component/numerics/precise_vectors.h"
 #include "component/numerics/sym_matrix.h"
 
 namespace tavo {
 
-/// The sums over all cases at one vector of estimates, beside the information matrix.
+/// The sums over all cases at one vector of estimates, beside the information matrix. Score and information
+/// are divided by a unit of weights that the evaluator chooses, so that they neither over- nor underflow;
+/// steps don't depend on it.
 struct TavoEvaluation {
   double logLikelihood = 0;    // sum of w log(probability of the observed category); missing when unknown
-  std::vector<double> scores;  // its gradient, (K-1) p' values, logit by logit
+  std::vector<double> scores;  // its gradient, (K-1) p' values, logit by logit, over the unit of weights
   double weight = 0;           // of the cases summed
   // Extremes over the cases, when the evaluation was asked to follow them: of the probability of a case's own
   // category, and of all categories' probabilities.
@@ -38,6 +42,12 @@ class TavoEvaluator {
   /// ran out. With `separationCheck` the extremes of the probabilities are filled.
   virtual OrvStatus EvaluateAll(EstimationMethod method, bool separationCheck, TavoEvaluation& sums,
                                 MCCommonMath::MCSymMatrix& information) = 0;
+  /// Score and information at `estimates`, in twice the precision. It costs many times as much, and is asked
+  /// when a fit has ended with an information matrix in which most digits cancel. An error also when a
+  /// predictor isn't finite.
+  virtual OrvStatus EvaluatePrecisely(const MCCommonMath::PreciseColumn& estimates,
+                                      MCCommonMath::PreciseColumn& scores,
+                                      MCCommonMath::PreciseSymMatrix& information) = 0;
 };
 
 }  // namespace tavo

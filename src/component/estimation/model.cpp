@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cassert>
 #include <limits>
+#include <utility>
 
 #include "component/estimation/factor_levels.h"
 #include "component/estimation/hypothesis_rows.h"
@@ -15,6 +16,7 @@ namespace tavo {
 
 using MCCommonMath::MCMathFun;
 using MCCommonMath::MCMV;
+using MCCommonMath::PreciseColumn;
 
 namespace {
 
@@ -111,9 +113,14 @@ bool TavoModel::AddBlockToXPrimeX(const TavoRowBlock& block) {
 }
 
 OrvStatus TavoModel::FindRedundancies() {
-  assert(fStage == Stage::kParameters);
+  assert(fStage == Stage::kParameters || !fbRedundancyCertain);
   if (!fRedundancy.HasRows()) return Fail(StatusCode::kDataNotProcessed);
-  fRedundancy.Find(fSettings.Tolerance(), fCancel);
+  if (fbRedundancyCertain) {
+    fbRedundancyCertain = fRedundancy.Find(fSettings.Tolerance(), fCancel);
+  } else {
+    fRedundancy.FindPrecisely(fSettings.Tolerance(), fCancel);
+    fbRedundancyCertain = true;
+  }
   // All logits have the same columns, so what is redundant in one is so in all.
   fAllBits = fRedundancy.BitsOfAllLogits(EquationCount());
   fLayout = {EquationCount(),
@@ -167,6 +174,20 @@ OrvStatus TavoModel::SetEstimates(const std::vector<double>& estimates, const MC
   return fStatus;
 }
 
+OrvStatus TavoModel::SetPreciseFit(std::unique_ptr<TavoPreciseFit> fit) {
+  assert(fStage == Stage::kEstimates);
+  assert(fit->factor.GetNRows() == AllNonRedundantCount());
+  fpPreciseFit = std::move(fit);
+  if (fpSRSCentre != nullptr) {
+    fpSRSCentre = std::make_unique<OrvSRSCentre>(AllNonRedundantCount(), AllNonRedundantCount());
+    if (!fpSRSCentre->IsValid()) {
+      fpSRSCentre.reset();
+      return FailWithCount(ParameterCount(), 0);
+    }
+  }
+  return fStatus;
+}
+
 // ---- cases ----
 
 void TavoModel::ComputeCaseScores(std::vector<double>& scores, const double* dataRow) {
@@ -180,12 +201,22 @@ void TavoModel::AddCaseScores(std::vector<double>& sums, const double* dataRow) 
   fpScorer->AddScores(dataRow, sums, fClassification, fpSRSCentre.get());
 }
 
+void TavoModel::AddPreciseCaseScores(PreciseColumn& sums, const double* dataRow) {
+  if (fCancel.IsCancelled()) return;
+  assert(fpScorer != nullptr && fpPreciseFit != nullptr);
+  fpScorer->AddPreciseScores(dataRow, *fpPreciseFit, fRedundancy.CompressedIndices(), sums, fClassification,
+                             fpSRSCentre.get());
+}
+
 OrvStatus TavoModel::ScaleSRSCovariance() {
   assert(fStage == Stage::kEstimates);
   // Of all valid records, those outside the subpopulation included: they belong to the sample.
   const double n = fTables.SampleSize();
   const double population = fTables.PopulationEstimate();
-  if (fpSRSCentre != nullptr) fpSRSCentre->Scale(n, population, fSettings.GetSRSEstimator());
+  const double unit = fDataRow.WeightUnit();
+  if (fpSRSCentre != nullptr) fpSRSCentre->Scale(n, population, fSettings.GetSRSEstimator(), unit);
+  for (double& count : fClassification.AsVector())
+    count *= unit;
   if (fpScorer->WeightedCaseCount() == 0 || n == 0 || !(population > 0)) {
     return Fail(StatusCode::kEmptySubpopulation);
   }

@@ -10,6 +10,7 @@
 #include "component/estimation/design_columns.h"
 #include "component/estimation/fit_layout.h"
 #include "component/estimation/parameter_list.h"
+#include "component/estimation/precise_fit.h"
 #include "component/estimation/redundancy.h"
 #include "component/estimation/response_categories.h"
 #include "component/estimation/row_block.h"
@@ -66,8 +67,12 @@ class TavoModel {
   bool AddPatternToXPrimeX(const double* patternRow, const std::vector<int>& parameters);
   /// The same for the rows of a block that was started with all columns.
   bool AddBlockToXPrimeX(const TavoRowBlock& block);
-  /// Sweeps X'WX. StatusCode::kDataNotProcessed when no row was added, StatusCode::kCancelled.
+  /// Sweeps X'WX. StatusCode::kDataNotProcessed when no row was added, StatusCode::kCancelled. When
+  /// `IsRedundancyCertain` says no, all rows go through AddPreciseBlockToXPrimeX, and this is called again.
   OrvStatus FindRedundancies();
+  bool IsRedundancyCertain() const { return fbRedundancyCertain; }
+  /// Adds the rows of a block that was started with all columns, in twice the precision.
+  void AddPreciseBlockToXPrimeX(OrvPreciseBlock& block) { fRedundancy.AddPrecisely(block); }
   /// The non-redundant parameters as the iteration sees them; known from FindRedundancies on.
   const TavoFitLayout& FitLayout() const { return fLayout; }
   /// See StartValues.
@@ -85,14 +90,28 @@ class TavoModel {
                  TavoRowBlock& block) const {
     fColumns.FillBlock(patternRows, rowLength, rows, block);
   }
+  /// See OrvDesignColumns.
+  void FillPreciseBlock(const double* patternRows, std::size_t rowLength, OrvPreciseBlock& block) const {
+    fColumns.FillPreciseBlock(patternRows, rowLength, block);
+  }
   /// Takes the estimates of the non-redundant parameters and the inverse of their information, both on the
   /// internal scale. StatusCode::kTooManyParameters when memory ran out, StatusCode::kCancelled.
   OrvStatus SetEstimates(const std::vector<double>& estimates, const MCSymMatrix& hessianInverse);
+  /// Takes the refined end of the same fit, in place of the inverse information. kTooManyParameters when
+  /// memory ran out.
+  OrvStatus SetPreciseFit(std::unique_ptr<TavoPreciseFit> fit);
+  /// Null when the fit was not refined.
+  const TavoPreciseFit* PreciseFit() const { return fpPreciseFit.get(); }
+  /// Elements of a score total, see OrvUnitScores.
+  int ScoreCount() const { return fpPreciseFit == nullptr ? ParameterCount() : AllNonRedundantCount(); }
   /// Score of one data row over all parameters; see OrvCaseScorer::AddScores. Also adds to the centre of the
   /// covariance under simple random sampling and to the classification table. Zero after a cancel.
   void ComputeCaseScores(std::vector<double>& scores, const double* dataRow);
   /// Adds the same values to running sums.
   void AddCaseScores(std::vector<double>& sums, const double* dataRow);
+  /// Adds the score of a data row over the non-redundant parameters, of a refined fit. The centre of the
+  /// covariance under simple random sampling is then in the basis of its factor.
+  void AddPreciseCaseScores(MCCommonMath::PreciseColumn& sums, const double* dataRow);
   /// Scales the SRS centre, see OrvSRSCentre::Scale, and completes the model.
   /// StatusCode::kEmptySubpopulation when no case with weight was scored.
   OrvStatus ScaleSRSCovariance();
@@ -190,11 +209,13 @@ class TavoModel {
   OrvParameterList fParameters;
   OrvDesignColumns fColumns;
   OrvRedundancy fRedundancy;
+  bool fbRedundancyCertain = true;
   MCBitSet fAllBits;
   TavoFitLayout fLayout;
   std::vector<double> fEstimates;
   std::vector<double> fTransformedEstimates;
   std::unique_ptr<MCSymMatrix> fpHessianGI;
+  std::unique_ptr<TavoPreciseFit> fpPreciseFit;
   std::unique_ptr<OrvCaseScorer> fpScorer;
   std::unique_ptr<OrvSRSCentre> fpSRSCentre;
   MCRectMatrix fClassification;

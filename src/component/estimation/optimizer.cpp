@@ -16,6 +16,8 @@ using MCCommonMath::IsMissing;
 using MCCommonMath::MCMathFun;
 using MCCommonMath::MCMV;
 using MCCommonMath::MCPower;
+using MCCommonMath::PreciseColumn;
+namespace precise = MCCommonMath::precise;
 
 namespace {
 
@@ -36,19 +38,18 @@ bool IsSettled(TerminationState state) {
          state == TerminationState::kParametersConverged || state == TerminationState::kBothConverged;
 }
 
-// A sum of logarithms is known to a few units in its last place. Near the maximum a good step raises it by
-// less than that, and may seem to lower it.
+// A sum of logarithms, and of the terms of the predictors behind them, is known to a few units in its last
+// place. Near the maximum a good step raises it by less than that, and may seem to lower it.
 constexpr double kRounding = 8 * std::numeric_limits<double>::epsilon();
+
+// From this variance inflation on the inverse of the information has 12 digits at most, and the fit is
+// refined in twice the precision, with as many parameters as it takes seconds for.
+constexpr double kLargestInflation = 1e4;
+constexpr int kMostPrecise = 1000;
 
 // A positive sum is rounding: no likelihood is above 1. Written so that NaN stays NaN.
 double AtMostZero(double logLikelihood) {
   return logLikelihood > 0 ? 0.0 : logLikelihood;
-}
-
-// Not worse than before, as far as rounding lets one tell. A NaN is never accepted.
-bool IsAcceptable(double before, double now) {
-  if (IsMissing(now)) return false;
-  return IsMissing(before) || now >= before - kRounding * std::abs(before);
 }
 
 }  // namespace
@@ -83,6 +84,7 @@ OrvStatus TavoOptimizer::Estimate() {
     }
   }
   InvertInformation();
+  if (!fStatus.IsError() && IsIllConditioned()) RefineFit();
   if (!fStatus.IsError() && fReportCountdown != fReportPeriod) Report();
   return fStatus;
 }
@@ -162,7 +164,7 @@ TavoOptimizer::StepResult TavoOptimizer::TakeStep() {
     double trial = 0;
     fStatus = fEvaluator.EvaluateLikelihood(trial);
     if (fStatus.IsError()) return StepResult::kInterrupted;
-    if (IsAcceptable(fLogLikelihood, AtMostZero(trial))) return StepResult::kTaken;
+    if (IsAcceptable(AtMostZero(trial))) return StepResult::kTaken;
     fvBeta = fPrevious;
     if (fNStepHalvings >= fSettings.MaxStepHalving()) {
       fSummary.logLikelihoodChange = fSummary.parameterChange = 0;
@@ -170,6 +172,25 @@ TavoOptimizer::StepResult TavoOptimizer::TakeStep() {
     }
   }
   return StepResult::kInterrupted;
+}
+
+// Not worse than before, as far as rounding lets one tell. A NaN is never accepted.
+bool TavoOptimizer::IsAcceptable(double trial) const {
+  if (IsMissing(trial)) return false;
+  return IsMissing(fLogLikelihood) || trial >= fLogLikelihood - LikelihoodRounding();
+}
+
+// A column has a mean square of 1, or is the value of an indicator: so this bounds the sum over the cases of
+// the absolute terms of their predictors. With nearly dependent columns these are far larger than the
+// log-likelihood.
+double TavoOptimizer::LikelihoodRounding() const {
+  const std::size_t columns = fLayout.scales.size();
+  double terms = 0;
+  for (std::size_t i = 0; i < fvBeta.size(); ++i) {
+    const double size = fLayout.isIndicator[i % columns] ? 1 / fLayout.scales[i % columns] : 1.0;
+    terms += size * std::abs(fvBeta[i]);
+  }
+  return kRounding * (std::abs(fLogLikelihood) + fSums.weight * terms);
 }
 
 void TavoOptimizer::EvaluateAll(bool separationCheck) {
@@ -180,11 +201,10 @@ void TavoOptimizer::EvaluateAll(bool separationCheck) {
 void TavoOptimizer::FactorInformation() {
   if (fStatus.IsError() || fNParameters == 0) return;
   if (fHessian.GetNRows() == fNParameters) {
-    std::vector<double> diagonal;
-    if (!fPivotUnits.empty()) fHessian.GetDiagonal(diagonal);
+    fHessian.GetDiagonal(fDiagonal);
     fNSingularPivots = fHessian.LTChol(fSettings.Tolerance(), fMeasure, false);
     if (fHessian.IsValidMatrix()) {
-      if (!fPivotUnits.empty()) fMeasure = MeasureInUnits(diagonal);
+      if (!fPivotUnits.empty()) fMeasure = MeasureInUnits();
       return;
     }
   }
@@ -207,14 +227,14 @@ void TavoOptimizer::SetPivotUnits() {
 
 // What the factorisation's own measure would be with the columns in their units: the root of the smallest
 // reduced pivot over the largest element of the information's diagonal.
-double TavoOptimizer::MeasureInUnits(const std::vector<double>& diagonal) const {
+double TavoOptimizer::MeasureInUnits() const {
   if (fNSingularPivots > 0) return 0;
   double smallest = std::numeric_limits<double>::max();
   double largest = 0;
   for (std::size_t i = 0; i < fPivotUnits.size(); ++i) {
     const double root = fHessian.GetElem(static_cast<int>(i), static_cast<int>(i));
     smallest = std::min(smallest, root * root / fPivotUnits[i]);
-    largest = std::max(largest, diagonal[i] / fPivotUnits[i]);
+    largest = std::max(largest, fDiagonal[i] / fPivotUnits[i]);
   }
   return std::sqrt(smallest / largest);
 }
@@ -307,6 +327,44 @@ void TavoOptimizer::InvertInformation() {
     return;
   }
   fWeight = fSums.weight;
+}
+
+// By the largest variance inflation (Marquardt 1970), which is about the share of the digits that cancel in
+// the inverse. A singular information says too little to be refined.
+bool TavoOptimizer::IsIllConditioned() const {
+  if (fNParameters == 0 || fNParameters > kMostPrecise || fNSingularPivots > 0) return false;
+  if (fHessian.GetNRows() != fNParameters) return false;
+  for (int k = 0; k < fNParameters; ++k) {
+    if (fHessian.GetElem(k, k) * fDiagonal[static_cast<std::size_t>(k)] > kLargestInflation) return true;
+  }
+  return false;
+}
+
+// Takes the last digits of a converged fit, which rounding kept from the iteration, by Newton steps in twice
+// the precision, and the factor of the information there. The length of a score in the basis of the factor is
+// how far the estimates are from their limit, in units of a standard error without a design. A fit that ended
+// otherwise stays where it is. When the precise sums can't be had the fit is as good as it was.
+void TavoOptimizer::RefineFit() {
+  constexpr int kMostSteps = 5;
+  constexpr double kNear = 1e-13;
+  auto pFit = std::make_unique<TavoPreciseFit>();
+  pFit->estimates = PreciseColumn(fvBeta.size());
+  pFit->estimates.high = fvBeta;
+  PreciseColumn step;
+  double distance = std::numeric_limits<double>::infinity();
+  for (int steps = 0;; ++steps) {
+    const OrvStatus status = fEvaluator.EvaluatePrecisely(pFit->estimates, step, pFit->factor);
+    if (status.Code() == StatusCode::kCancelled) fStatus = status;
+    if (status.IsError() || pFit->factor.Factor(fSettings.Tolerance()) > 0) return;
+    pFit->factor.ForwardSolve(step);
+    const double before = distance;
+    distance = std::sqrt(precise::Dot(step, step, step.Size()).Value());
+    if (!IsSettled(fState) || !(distance > kNear) || !(distance < before / 2) || steps == kMostSteps) break;
+    pFit->factor.BackSolve(step);
+    precise::AddScaled(1.0, step, step.Size(), pFit->estimates);
+  }
+  fvBeta = pFit->estimates.high;
+  fpPreciseFit = std::move(pFit);
 }
 
 void TavoOptimizer::Report() {

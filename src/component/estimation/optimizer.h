@@ -3,12 +3,15 @@
 
 #include <atomic>
 #include <chrono>
+#include <memory>
+#include <utility>
 #include <vector>
 
 #include "component/estimation/estimation_method.h"
 #include "component/estimation/evaluator.h"
 #include "component/estimation/fit_layout.h"
 #include "component/estimation/fit_progress.h"
+#include "component/estimation/precise_fit.h"
 #include "component/frame/orv_cancel_info.h"
 #include "component/frame/orv_status.h"
 #include "component/input/comp_settings.h"
@@ -66,6 +69,9 @@ class TavoOptimizer {
   /// The generalised inverse of the information; of no rows when the fit was interrupted or failed.
   const MCCommonMath::MCSymMatrix& Hessian() const { return fHessian; }
   const std::vector<double>& Estimates() const { return fvBeta; }
+  /// The end of the fit in twice the precision, where the information is so close to singular that its
+  /// inverse has lost half its digits; null where it isn't.
+  std::unique_ptr<TavoPreciseFit> TakePreciseFit() { return std::move(fpPreciseFit); }
   /// Iterations of a hybrid fit before its switch; 0 for the other methods.
   int FisherIterationsUsed() const;
   /// Of the cases of the last evaluation.
@@ -89,12 +95,16 @@ class TavoOptimizer {
   void Iterate();
   bool DoIteration();
   void InvertInformation();
+  bool IsIllConditioned() const;
+  void RefineFit();
   bool MustStop() const;
+  bool IsAcceptable(double trial) const;
+  double LikelihoodRounding() const;
   void EvaluateAll(bool separationCheck);
   StepResult TakeStep();
   void FactorInformation();
   void SetPivotUnits();
-  double MeasureInUnits(const std::vector<double>& diagonal) const;
+  double MeasureInUnits() const;
   bool HasNothingToIterate() const;
   bool ChecksSeparation() const;
   TerminationState CheckConvergence(double logLikelihoodBefore, bool separationCheck);
@@ -117,9 +127,11 @@ class TavoOptimizer {
   int fNParameters;
   TavoEvaluation fSums;                // at the estimates, of the last full evaluation
   MCCommonMath::MCSymMatrix fHessian;  // the information, then its factor, at last its inverse
-  int fNSingularPivots = 0;            // of the last factorisation
-  double fMeasure = 0;                 // its distance from singularity
-  std::vector<double> fPivotUnits;     // by parameter, see SetPivotUnits; empty in a model with an intercept
+  std::vector<double> fDiagonal;       // of the information that was factored last
+  std::unique_ptr<TavoPreciseFit> fpPreciseFit;
+  int fNSingularPivots = 0;         // of the last factorisation
+  double fMeasure = 0;              // its distance from singularity
+  std::vector<double> fPivotUnits;  // by parameter, see SetPivotUnits; empty in a model with an intercept
   TerminationState fState = TerminationState::kNoIterations;
   EstimationMethod fCurrentMethod = EstimationMethod::kFisherScoring;
   std::vector<double> fStep;      // direction: inverse information times score

@@ -11,12 +11,12 @@ using MCCommonMath::MCPower;
 
 namespace {
 
-// The mean of a constant is only as exact as its running update, and the spread about it is rounding. A
-// spread of no more than this share of the mean is none.
-constexpr double kSpreadOfConstant = 64 * MCPower::gMachineEpsilon;
+// Neighbouring doubles are apart by up to a machine epsilon of their size. Values within two of them are
+// those of a constant that was computed, such as 0.1 + 0.2 beside 0.3.
+constexpr double kSpreadOfConstant = 2 * MCPower::gMachineEpsilon;
 
 bool HasSpread(double centre, double scale) {
-  return std::isfinite(centre) && scale > kSpreadOfConstant * std::abs(centre);
+  return std::isfinite(centre) && std::isfinite(scale) && scale > kSpreadOfConstant * std::abs(centre);
 }
 
 }  // namespace

@@ -4,9 +4,11 @@
 #include <memory>
 #include <vector>
 
+#include "component/estimation/precise_block.h"
 #include "component/estimation/row_block.h"
 #include "component/frame/orv_cancel_info.h"
 #include "component/numerics/bit_set.h"
+#include "component/numerics/precise_sym_matrix.h"
 #include "component/numerics/sym_matrix.h"
 
 namespace tavo {
@@ -31,7 +33,17 @@ class OrvRedundancy {
 
   /// Sweeps the matrix; a column stays when its pivot exceeds `tolerance` times its diagonal element. A
   /// cancel ends it early; what was found is incomplete then. Once, after the last row.
-  void Find(double tolerance, const OrvCancelInfo& cancel);
+  ///
+  /// False when it is not certain: a pivot is as near to its limit as rounding may have brought it there, or
+  /// the coefficients of dependent columns have lost half their digits. Then all rows may be added once more
+  /// with `AddPrecisely`, and `FindPrecisely` answers again.
+  bool Find(double tolerance, const OrvCancelInfo& cancel);
+  /// Adds the rows of a block of all columns in twice the precision. Memory that runs out throws
+  /// std::bad_alloc.
+  void AddPrecisely(OrvPreciseBlock& block);
+  /// The same as `Find` from the rows that were added in twice the precision. What was found before is
+  /// replaced.
+  void FindPrecisely(double tolerance, const OrvCancelInfo& cancel);
 
   /// A set bit marks a non-redundant column.
   const MCCommonMath::MCBitSet& Bits() const { return fBits; }
@@ -52,9 +64,11 @@ class OrvRedundancy {
   void ReleaseXPrimeX() { fpXPrimeX.reset(); }
 
  private:
+  bool IsCertain(const std::vector<double>& pivots, double tolerance) const;
   void NumberNonRedundant();
 
   std::unique_ptr<MCCommonMath::MCSymMatrix> fpXPrimeX;
+  std::unique_ptr<MCCommonMath::PreciseSymMatrix> fpPrecise;  // only between the two calls that use it
   std::vector<double> fDiagonal;
   bool fbHasRows = false;
   MCCommonMath::MCBitSet fBits;

@@ -33,6 +33,10 @@ class TavoRowBlock {
   std::size_t RowCount() const { return fNRows; }
   std::size_t ColumnCount() const { return fColumnIndices.size(); }
   std::size_t Source(std::size_t column) const { return fSources[column]; }
+  std::size_t ConstantCount() const { return fConstantIndices.size(); }
+  int ConstantIndex(std::size_t constant) const { return fConstantIndices[constant]; }
+  double ConstantValue(std::size_t constant) const { return fConstantValues[constant]; }
+  int ColumnIndex(std::size_t column) const { return fColumnIndices[column]; }
   double* Column(std::size_t column) { return fColumns.data() + column * kMaxRows; }
   const double* Column(std::size_t column) const { return fColumns.data() + column * kMaxRows; }
   double* Categories() { return fCategories.data(); }

@@ -27,10 +27,11 @@ const MCSymMatrix& OrvSRSCentre::Matrix() const {
   return fMatrix;
 }
 
-void OrvSRSCentre::Scale(double sampleSize, double populationTotal, SRSEstimator estimator) {
+void OrvSRSCentre::Scale(double sampleSize, double populationTotal, SRSEstimator estimator,
+                         double weightUnit) {
   fRows.FlushInto(fMatrix);
   if (sampleSize > 1 && populationTotal > 0) {
-    double factor = populationTotal / (sampleSize - 1);
+    double factor = populationTotal / weightUnit / (sampleSize - 1);
     if (estimator == SRSEstimator::kWithoutReplacement) {
       factor = populationTotal > sampleSize ? factor * (1 - sampleSize / populationTotal) : 0.0;
     }

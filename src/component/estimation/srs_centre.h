@@ -22,7 +22,9 @@ class OrvSRSCentre {
   void Add(const std::vector<int>& indices, const std::vector<double>& values, double weight);
   /// Scales the sum as above; a sample larger than the population counts as the whole of it. The sum of a
   /// sample of one has no spread and becomes 0.
-  void Scale(double sampleSize, double populationTotal, SRSEstimator estimator);
+  /// `weightUnit`: what the weights of the sum were divided by, and the result is divided by its square, as
+  /// are products of scores.
+  void Scale(double sampleSize, double populationTotal, SRSEstimator estimator, double weightUnit = 1.0);
   /// All that was added so far. Not while another thread adds.
   const MCCommonMath::MCSymMatrix& Matrix() const;
 

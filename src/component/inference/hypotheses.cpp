@@ -41,7 +41,7 @@ OrvStatus TavoInference::PrepareTests(bool withEffects) {
 }
 
 OrvModelTests TavoInference::ModelTests(TestType type, PAdjustMethod method) const {
-  OrvModelTests tests(fModel.Estimates(), *fpPECovar, fpPECovarSRS.get(), fNDegFreedom);
+  OrvModelTests tests(fBasis.Estimates(), *fpInBasis, fpInBasisSRS.get(), fNDegFreedom, &fBasis);
   tests.SetTestType(type);
   tests.SetPAdjustMethod(method);
   return tests;

@@ -6,6 +6,7 @@
 
 #include "component/frame/orv_cancel_info.h"
 #include "component/frame/orv_status.h"
+#include "component/inference/estimate_basis.h"
 #include "component/inference/param_stats.h"
 #include "component/inference/test_stats.h"
 #include "component/input/comp_settings.h"
@@ -84,6 +85,9 @@ class TavoInference {
                        MCCommonMath::MCRectMatrix& L, std::vector<OrvTestStats>& rows,
                        OrvTestStats& overall) const;
 
+  /// The estimate of a contrast of one logit's parameters, on the scale of the data, and its standard error:
+  /// missing before ComputePECovar, 0 when its variance isn't above 0.
+  void TestContrast(int logit, const std::vector<double>& row, double& estimate, double& standardError) const;
   /// Covariance of all parameters, data scale, K-1 blocks; null before ComputePECovar. Rows of redundant
   /// parameters are 0.
   const MCCommonMath::MCSymMatrix* PECovar() const { return fpPECovar.get(); }
@@ -98,7 +102,11 @@ class TavoInference {
  private:
   using SymMatrixPtr = std::unique_ptr<MCCommonMath::MCSymMatrix>;
 
-  SymMatrixPtr ComputeSandwich(const std::vector<double>& central) const;
+  SymMatrixPtr InBasis(const std::vector<double>& central) const;
+  SymMatrixPtr OnDataScale(const MCCommonMath::MCSymMatrix& inBasis) const;
+  std::vector<double> RowOfParameter(int parameter) const;
+  void SetRounding(const std::vector<double>& central, int units);
+  std::vector<double> StandardErrors(const MCCommonMath::MCSymMatrix& inBasis) const;
   OrvStatus CheckCovariance(const std::vector<double>& central);
   void FillTest(OrvParamStats& row) const;
   OrvStatus EffectTestStatus(int effect) const;
@@ -115,8 +123,13 @@ class TavoInference {
   const OrvCancelInfo& fCancel;
   OrvStatus fStatus;                             // what stands against all tests
   std::unique_ptr<EffectContrasts> fpContrasts;  // null until PrepareTests
+  OrvEstimateBasis fBasis;
+  SymMatrixPtr fpInBasis;  // the covariance in the basis
+  SymMatrixPtr fpInBasisSRS;
   SymMatrixPtr fpPECovar;
   SymMatrixPtr fpPECovarSRS;
+  std::vector<double> fStandardErrors;  // by parameter, 0 without a variance above 0
+  std::vector<double> fStandardErrorsSRS;
   MCCommonMath::MCBitSet fBadVariances;
   double fNDegFreedom = 0;
   double fTPercentile = 0;

@@ -81,11 +81,13 @@ double Trace(const MCRectMatrix& d) {
 }  // namespace
 
 OrvModelTests::OrvModelTests(const std::vector<double>& estimates, const MCSymMatrix& covariance,
-                             const MCSymMatrix* covarianceSRS, double degreesOfFreedom)
+                             const MCSymMatrix* covarianceSRS, double degreesOfFreedom,
+                             const OrvEstimateBasis* basis)
     : fEstimates(estimates),
       fCovariance(covariance),
       fpCovarianceSRS(covarianceSRS),
-      fNDegFreedom(degreesOfFreedom) {}
+      fNDegFreedom(degreesOfFreedom),
+      fpBasis(basis) {}
 
 bool OrvModelTests::IsAdjusted() const {
   return fTestType == TestType::AdjustedWaldF || fTestType == TestType::AdjustedWaldChiSquare;
@@ -99,39 +101,58 @@ OrvStatus OrvModelTests::Check(const MCRectMatrix& L) const {
   if (IsAdjusted() && fpCovarianceSRS == nullptr) {
     return OrvStatus::Error(StatusCode::kNoDesignCovariance).SetInteger(0, static_cast<int>(fTestType));
   }
-  if (static_cast<std::size_t>(L.GetNCols()) != fEstimates.size()) {
+  const int parameters = fpBasis == nullptr ? static_cast<int>(fEstimates.size()) : fpBasis->ParameterCount();
+  if (L.GetNCols() != parameters) {
     return OrvStatus::Error(StatusCode::kWrongLMatrixWidth)
         .SetInteger(0, L.GetNCols())
-        .SetInteger(1, static_cast<int>(fEstimates.size()));
+        .SetInteger(1, parameters);
   }
   return OrvStatus();
 }
 
 // ---- statistics ----
 
-/// The rows of L on a common scale, and L b - K on the same.
-MCRectMatrix OrvModelTests::ScaleRows(const MCRectMatrix& L, const std::vector<double>* K,
-                                      std::vector<double>& difference) const {
-  // By the variance that the row would have with independent parameters, not by its own: that may be 0, and a
-  // row that is rounding would be blown up to the size of the others. A row that is 0 or overflows stays as
-  // it is.
-  MCRectMatrix scaled(L);
-  scaled.ComputeRV(fEstimates, difference);
-  std::vector<double> variances;
-  fCovariance.GetDiagonal(variances);
-  double* element = scaled.AsVector().data();
-  for (std::size_t i = 0; i < difference.size(); ++i, element += scaled.GetNCols()) {
-    if (K != nullptr) difference[i] -= (*K)[i];
-    double size = 0.0;
-    for (std::size_t j = 0; j < variances.size(); ++j)
-      size += element[j] * element[j] * variances[j];
-    size = std::sqrt(size);
-    if (!(size > 0.0) || !std::isfinite(size)) continue;
-    difference[i] /= size;
-    for (std::size_t j = 0; j < variances.size(); ++j)
-      element[j] /= size;
+OrvModelTests::Contrast OrvModelTests::TakeContrast(const MCRectMatrix& L, int row) const {
+  Contrast contrast;
+  L.GetRow(row, contrast.row);
+  contrast.exponent = ScaleByPowerOfTwo(contrast.row);
+  if (fpBasis != nullptr) contrast.row = fpBasis->Transform(contrast.row);
+  const int size = static_cast<int>(contrast.row.size());
+  contrast.estimate = MCMathFun::DDot(size, contrast.row, 0, 1, fEstimates, 0, 1);
+  contrast.standardError = fpBasis == nullptr
+                               ? fCovariance.SquareRootVSV(contrast.row)
+                               : std::max(0.0, fpBasis->SignedDeviation(fCovariance, contrast.row));
+  return contrast;
+}
+
+/// False when memory ran out.
+bool OrvModelTests::ScaleRows(const MCRectMatrix& L, const std::vector<double>* K, ScaledRows& scaled) const {
+  const int n = L.GetNRows();
+  if (!scaled.rows.SetNRowsCols(n, static_cast<int>(fEstimates.size()))) return false;
+  double* element = scaled.rows.AsVector().data();
+  for (int i = 0; i < n; ++i, element += scaled.rows.GetNCols()) {
+    const Contrast contrast = TakeContrast(L, i);
+    const bool hasVariance = contrast.standardError > 0.0;
+    const double unit = hasVariance ? contrast.standardError : 1.0;
+    if (!hasVariance) scaled.withoutVariance.push_back(i);
+    const double hypothesized =
+        K == nullptr ? 0.0 : std::ldexp((*K)[static_cast<std::size_t>(i)], -contrast.exponent);
+    scaled.difference.push_back((contrast.estimate - hypothesized) / unit);
+    for (std::size_t j = 0; j < contrast.row.size(); ++j)
+      element[j] = contrast.row[j] / unit;
   }
-  return scaled;
+  return true;
+}
+
+/// The design-based covariance of scaled rows. What rounding left of a variance would look like one beside
+/// those of the others. False when memory ran out.
+bool OrvModelTests::CovarianceOf(const ScaledRows& scaled, MCSymMatrix& result) const {
+  if (!fCovariance.ComputeRSRTrans(scaled.rows, result)) return false;
+  for (const int i : scaled.withoutVariance) {
+    for (int j = 0; j < result.GetNRows(); ++j)
+      result.SetElem(i, j, 0.0);
+  }
+  return true;
 }
 
 int OrvModelTests::InvertContrastCovariance(const MCSymMatrix& A, MCSymMatrix& inverse, MCBitSet& used) {
@@ -148,32 +169,75 @@ int OrvModelTests::InvertContrastCovariance(const MCSymMatrix& A, MCSymMatrix& i
 
 double OrvModelTests::ComputeChiSquare(const MCRectMatrix& L, const std::vector<double>* K, int& rank,
                                        MCBitSet& used) const {
-  std::vector<double> difference;
-  const MCRectMatrix scaled = ScaleRows(L, K, difference);
+  ScaledRows scaled;
   MCSymMatrix contrastCovariance;
   MCSymMatrix inverse;
   rank = -1;
-  if (!fCovariance.ComputeRSRTrans(scaled, contrastCovariance)) return MCMV::gMissingValue;
+  if (!ScaleRows(L, K, scaled) || !CovarianceOf(scaled, contrastCovariance)) return MCMV::gMissingValue;
   rank = InvertContrastCovariance(contrastCovariance, inverse, used);
-  return rank < 0 ? MCMV::gMissingValue : inverse.ComputeVSV(difference);
+  if (rank < 0) return MCMV::gMissingValue;
+  if (rank < 2 || contrastCovariance.IsSafelyRegular(used)) return inverse.ComputeVSV(scaled.difference);
+  const double chiSquare = ChiSquareOfOrthogonal(scaled, used);
+  return IsMissing(chiSquare) ? inverse.ComputeVSV(scaled.difference) : chiSquare;
+}
+
+/// The same statistic over the rows in `used`, which are independent. It depends on the space alone that they
+/// span, so nearly parallel ones are made orthogonal first: what they share would be squared in their
+/// covariance, and cancel only there. Missing when it can't be had that way. Gram and Schmidt, twice (Giraud,
+/// Langou and Rozloznik 2005).
+double OrvModelTests::ChiSquareOfOrthogonal(const ScaledRows& scaled, const MCBitSet& used) const {
+  const std::vector<int> kept = used.Members();
+  const int columns = scaled.rows.GetNCols();
+  std::vector<std::vector<double>> rows;
+  std::vector<double> difference;
+  for (const int i : kept) {
+    std::vector<double>& row = rows.emplace_back();
+    scaled.rows.GetRow(i, row);
+    double rest = scaled.difference[static_cast<std::size_t>(i)];
+    for (const int pass : {1, 2}) {
+      for (std::size_t other = 0; other + 1 < rows.size(); ++other) {
+        const double shared = MCMathFun::DDot(columns, row, 0, 1, rows[other], 0, 1);
+        MCMathFun::Daxpy(columns, -shared, rows[other], 0, 1, row, 0, 1);
+        rest -= shared * difference[other];
+      }
+      const double length = std::sqrt(MCMathFun::DDot(columns, row, 0, 1, row, 0, 1));
+      if (!(length > 0.0)) return MCMV::gMissingValue;
+      for (double& element : row)
+        element /= length;
+      rest /= length;
+      if (pass == 2) difference.push_back(rest);
+    }
+  }
+  MCRectMatrix orthogonal;
+  MCSymMatrix covariance;
+  MCSymMatrix inverse;
+  MCBitSet all;
+  if (!orthogonal.SetNRowsCols(static_cast<int>(kept.size()), columns)) return MCMV::gMissingValue;
+  for (std::size_t i = 0; i < rows.size(); ++i)
+    std::copy(rows[i].begin(), rows[i].end(),
+              orthogonal.AsVector().begin() + static_cast<std::ptrdiff_t>(i) * columns);
+  if (!fCovariance.ComputeRSRTrans(orthogonal, covariance)) return MCMV::gMissingValue;
+  std::vector<double> diagonal;
+  covariance.GetDiagonal(diagonal);
+  const int rank = covariance.CholInverse(diagonal, kTolerance, inverse, all);
+  return rank == static_cast<int>(kept.size()) ? inverse.ComputeVSV(difference) : MCMV::gMissingValue;
 }
 
 double OrvModelTests::ComputeAdjChiSquare(const MCRectMatrix& L, const std::vector<double>* K, double& df,
                                           MCBitSet& used) const {
   df = MCMV::gMissingValue;
-  std::vector<double> difference;
-  const MCRectMatrix scaled = ScaleRows(L, K, difference);
+  ScaledRows scaled;
   MCSymMatrix underSRS;
   MCSymMatrix underDesign;
   MCSymMatrix inverse;
   MCRectMatrix designEffects;
-  if (fpCovarianceSRS == nullptr || !fpCovarianceSRS->ComputeRSRTrans(scaled, underSRS) ||
-      !fCovariance.ComputeRSRTrans(scaled, underDesign) || !underDesign.SetCovarZeros(underSRS) ||
-      InvertContrastCovariance(underSRS, inverse, used) < 0 ||
+  if (fpCovarianceSRS == nullptr || !ScaleRows(L, K, scaled) ||
+      !fpCovarianceSRS->ComputeRSRTrans(scaled.rows, underSRS) || !CovarianceOf(scaled, underDesign) ||
+      !underDesign.SetCovarZeros(underSRS) || InvertContrastCovariance(underSRS, inverse, used) < 0 ||
       !inverse.ComputeSS(underDesign, designEffects)) {
     return MCMV::gMissingValue;
   }
-  const double chiSquare = inverse.ComputeVSV(difference);
+  const double chiSquare = inverse.ComputeVSV(scaled.difference);
   const double first = Trace(designEffects);
   const double second = TraceOfSquare(designEffects);
   if (second > 0.0) df = first * first / second;
@@ -285,21 +349,20 @@ bool OrvModelTests::TestRow(const MCRectMatrix& L, int row, double hypothesized,
                             OrvTestStats& stats) const {
   // A single row needs no adjustment for the design beyond its variance: the adjusted types test it as the
   // plain ones do.
-  std::vector<double> contrast;
-  L.GetRow(row, contrast);
-  const int columns = L.GetNCols();
+  const Contrast contrast = TakeContrast(L, row);
   stats.testType = fTestType;
   stats.adjustment = fAdjustment;
-  stats.contrastEstimate = MCMathFun::DDot(columns, contrast, 0, 1, fEstimates, 0, 1);
-  stats.standardError = fCovariance.SquareRootVSV(contrast);
-  if (!(stats.standardError > 0.0)) {
+  stats.contrastEstimate = std::ldexp(contrast.estimate, contrast.exponent);
+  stats.standardError = std::ldexp(contrast.standardError, contrast.exponent);
+  if (!(contrast.standardError > 0.0)) {
     if (!IsAdjusted()) stats.df1 = 0.0;
     if (fTestType == TestType::WaldF) stats.df2 = fNDegFreedom + 1.0;
     return false;
   }
   stats.df1 = 1.0;
   if (IsF()) stats.df2 = fNDegFreedom;
-  const double t = (stats.contrastEstimate - hypothesized) / stats.standardError;
+  const double scaled = std::ldexp(hypothesized, -contrast.exponent);
+  const double t = (contrast.estimate - scaled) / contrast.standardError;
   stats.wald = t * t;
   stats.significance =
       IsF() ? MCDistFun::UpperF(stats.wald, 1.0, fNDegFreedom) : MCDistFun::UpperChi(stats.wald, 1.0);

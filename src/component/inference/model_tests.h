@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "component/frame/orv_status.h"
+#include "component/inference/estimate_basis.h"
 #include "component/inference/test_stats.h"
 #include "component/numerics/bit_set.h"
 #include "component/numerics/rect_matrix.h"
@@ -29,14 +30,18 @@ namespace tavo {
 /// Several rows are adjusted for by Bonferroni's inequality, by that of Sidak (1967), or in sequence from the
 /// smallest significance on (Holm 1979; Holland and Copenhaver 1987 for Sidak's).
 ///
-/// The scale of a row never matters: before its covariance is formed each row of L, with its K, is divided by
-/// the square root of the sum over j of L_ij^2 V_jj, so that the fixed limit 1e-12 of the rank compares like
-/// with like. Estimates and standard errors of rows are those of L as given.
+/// The scale of a row never matters, nor does cancellation among its terms: each row of L, with its K, is
+/// divided by a power of two near its largest element, taken to the basis of the covariance, and divided by
+/// the standard error of its own contrast there, so that the fixed limit 1e-12 of the rank compares like with
+/// like. A row whose contrast has no variance, but for rounding, is left out of the overall test. Estimates
+/// and standard errors of rows are those of L as given.
 class OrvModelTests {
  public:
-  /// `covarianceSRS` may be null; the adjusted tests need it. None of the arguments is owned.
+  /// `covarianceSRS` may be null; the adjusted tests need it. Estimates and covariances are in `basis`, or,
+  /// where that is null, on the scale of L. None of the arguments is owned.
   OrvModelTests(const std::vector<double>& estimates, const MCCommonMath::MCSymMatrix& covariance,
-                const MCCommonMath::MCSymMatrix* covarianceSRS, double degreesOfFreedom);
+                const MCCommonMath::MCSymMatrix* covarianceSRS, double degreesOfFreedom,
+                const OrvEstimateBasis* basis = nullptr);
 
   void SetTestType(TestType type) { fTestType = type; }
   void SetPAdjustMethod(PAdjustMethod method) { fAdjustment = method; }
@@ -77,8 +82,23 @@ class OrvModelTests {
   bool IsAdjusted() const;
   bool IsF() const;
   OrvStatus Check(const MCCommonMath::MCRectMatrix& L) const;
-  MCCommonMath::MCRectMatrix ScaleRows(const MCCommonMath::MCRectMatrix& L, const std::vector<double>* K,
-                                       std::vector<double>& difference) const;
+  /// One row, and what is known of it, each divided by the same power of two.
+  struct Contrast {
+    std::vector<double> row;  // in the basis
+    int exponent = 0;         // of that power
+    double estimate = 0.0;
+    double standardError = 0.0;  // 0 when the variance isn't above 0
+  };
+  /// All rows in the basis, each over its standard error where it has one, and L b - K likewise.
+  struct ScaledRows {
+    MCCommonMath::MCRectMatrix rows;
+    std::vector<double> difference;
+    std::vector<int> withoutVariance;
+  };
+  Contrast TakeContrast(const MCCommonMath::MCRectMatrix& L, int row) const;
+  bool ScaleRows(const MCCommonMath::MCRectMatrix& L, const std::vector<double>* K, ScaledRows& scaled) const;
+  bool CovarianceOf(const ScaledRows& scaled, MCCommonMath::MCSymMatrix& result) const;
+  double ChiSquareOfOrthogonal(const ScaledRows& scaled, const MCCommonMath::MCBitSet& used) const;
   void TestOverall(const MCCommonMath::MCRectMatrix& L, const std::vector<double>* K,
                    MCCommonMath::MCBitSet& used, OrvTestStats& overall) const;
   void FillWald(double chiSquare, int rank, OrvTestStats& overall) const;
@@ -91,6 +111,7 @@ class OrvModelTests {
   const MCCommonMath::MCSymMatrix& fCovariance;
   const MCCommonMath::MCSymMatrix* fpCovarianceSRS;
   double fNDegFreedom;
+  const OrvEstimateBasis* fpBasis;
   TestType fTestType = TestType::WaldF;
   PAdjustMethod fAdjustment = PAdjustMethod::LeastSignificanceDifference;
 };

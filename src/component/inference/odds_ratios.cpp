@@ -141,22 +141,17 @@ void TavoOddsRatioEstimator::ComputeOneRatio(TavoOddsRatioStats stats, int logit
   fModel.FillDesignRow(fFixedRow, fFixed.data(), false);
   fModel.FillDesignRow(fChangedRow, fChanged.data(), false);
   fDifference.resize(fFixedRow.size());
-  const double* block = fModel.Estimates().data() +
-                        static_cast<std::size_t>(logit) * static_cast<std::size_t>(fDifference.size());
-  double logOdds = 0;
-  for (std::size_t i = 0; i < fDifference.size(); ++i) {
+  for (std::size_t i = 0; i < fDifference.size(); ++i)
     fDifference[i] = fChangedRow[i] - fFixedRow[i];
-    logOdds += fDifference[i] * block[i];
-  }
+  double logOdds = 0;
+  double standardError = 0;
+  fInference.TestContrast(logit, fDifference, logOdds, standardError);
   stats.dependentCategory = fModel.Categories()[static_cast<std::size_t>(logit)];
   stats.oddsRatio = ExpOrMissing(logOdds);
-  const MCCommonMath::MCSymMatrix* covariance = fInference.PECovar();
-  const double variance =
-      covariance == nullptr ? MCMV::gMissingValue : covariance->ComputeBlockVSV(logit, logit, fDifference);
   // A variance that isn't above 0, as pairs of units can make it, leaves limits that are the ratio itself.
   const double percentile = fInference.TPercentile();
-  if (!IsMissing(variance) && !IsMissing(percentile)) {
-    const double margin = percentile * (variance > 0 ? std::sqrt(variance) : 0.0);
+  if (!IsMissing(standardError) && !IsMissing(percentile)) {
+    const double margin = percentile * standardError;
     stats.confidenceLower = ExpOrMissing(logOdds - margin);
     stats.confidenceUpper = ExpOrMissing(logOdds + margin);
   }

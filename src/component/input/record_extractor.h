@@ -18,10 +18,15 @@ class OrvRecordExtractor {
   const std::vector<int>& CovariateOffsets() const { return fCovariateOffsets; }
   int WeightOffset() const { return fWeightOffset; }
 
+  /// Rows hold weights divided by `unit`, a power of two, from now on; 1 at first.
+  void SetWeightUnit(double unit) { fWeightUnit = unit; }
+  double WeightUnit() const { return fWeightUnit; }
+
   /// Writes the row of a record's data into `row` (Size() cells).
   void Extract(const double* record, double* row) const {
     for (std::size_t k = 0; k < fExtract.size(); ++k)
       row[k] = record[fExtract[k]];
+    row[fWeightOffset] /= fWeightUnit;
   }
 
  private:
@@ -30,6 +35,7 @@ class OrvRecordExtractor {
   std::vector<int> fFactorOffsets;
   std::vector<int> fCovariateOffsets;
   int fWeightOffset = 0;
+  double fWeightUnit = 1.0;
 };
 
 }  // namespace tavo

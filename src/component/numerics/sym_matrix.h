@@ -196,26 +196,10 @@ class MCSymMatrix : public MCSymMatrixData {
   /// of G that are zero stay exactly zero, whatever M holds there.
   bool ComputeGMG(const std::vector<double>& central, MCSymMatrix& result) const;
 
-  /// Cleans up the covariance V of the estimates, with this matrix G the generalized inverse of the
-  /// information and M (`central`) the covariance of the score totals. V is G M G, or its back-transformation
-  /// to the scale of the data by `TransformParameterMatrix`: slopes may differ by any factor from G M G,
-  /// intercepts (with `nIntercepts` 1 the first parameter of each block of V) are in the same units. `bitSet`
-  /// marks the non-redundant parameters.
-  ///
-  /// The variance v_i of such a parameter is held against what it would be without cancellation,
-  /// t_i = (sum over j of |g_ij| sqrt|m_jj|)^2: it is zero when |v_i| <= 1e-12 t_i, and negative when v_i is
-  /// below that. Slopes are judged on the scale of G, where the units of V do not matter; intercepts by V
-  /// itself.
-  /// - The rows and columns of V of zero variances, of negative ones and of parameters left out become 0.
-  /// - `badIndicators` gets the size of `bitSet` and marks the negative ones.
-  /// - `allZero`: no variance in `bitSet` is positive.
-  /// - `rankFlag` 1: some variance in `bitSet` is not positive, so V is singular on the non-redundant
-  ///   parameters.
-  /// - `rankFlag` -1: V is safely regular there, without heavy cancellation and with every pivot of its
-  ///   correlation matrix above 1e-6.
-  /// - `rankFlag` 0: `CheckMDependent` must decide.
-  bool CheckGMG(const std::vector<double>& central, const MCBitSet& bitSet, MCSymMatrix& V,
-                MCBitSet& badIndicators, bool& allZero, int& rankFlag, int nIntercepts = 1) const;
+  /// Whether this positive semi-definite matrix is regular beyond doubt on the rows in `bitSet`: every pivot
+  /// of its correlations there is above 1e-6. Otherwise, and when memory ran out, `CheckMDependent` must
+  /// decide.
+  [[nodiscard]] bool IsSafelyRegular(const MCBitSet& bitSet) const;
 
   /// Returns how many columns of M, restricted to the set bits, depend on the others: the size less the rank.
   /// M is the symmetric matrix of `size` rows with packed triangle `central`. It is scaled to unit diagonal

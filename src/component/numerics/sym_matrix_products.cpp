@@ -25,8 +25,7 @@ using dense::Panel;
 using dense::PanelBuffer;
 using dense::RestrictedSymmetric;
 
-constexpr double kNoise = 1e-12;         // relative size below which a variance is rounding noise
-constexpr double kSafelyRegular = 1e-6;  // relative size of pivots and variances that no rounding can fake
+constexpr double kSafelyRegular = 1e-6;  // size of pivots of correlations that no rounding can fake
 
 // The rows with any element other than 0. Those of redundant parameters have none in G: leaving them out
 // saves work, and keeps them exactly 0 even where M holds an infinity.
@@ -138,65 +137,6 @@ void MultiplyDirectly(const RestrictedSymmetric& g, const RestrictedSymmetric& m
   });
 }
 
-// The diagonal of G M G.
-std::vector<double> DiagonalOfGMG(const RestrictedSymmetric& g, const RestrictedSymmetric& m) {
-  std::vector<double> diagonal(static_cast<std::size_t>(g.Size()));
-  ForEachPanelOfGM(g, m, [&](int first, const Panel& gRows, const Panel& gmRows) {
-    for (int r = 0; r < gRows.fNRows; ++r) {
-      const int i = first + r;
-      diagonal[static_cast<std::size_t>(i)] = dense::Dot(gRows.Row(r), gmRows.Row(r), g.Size());
-    }
-  });
-  return diagonal;
-}
-
-// What the diagonal of G M G would be without cancellation: the squares of |G| times the square roots of the
-// diagonal of M. By Cauchy and Schwarz it bounds the sum over j and k of |g_ij m_jk g_ki| for every
-// covariance M.
-std::vector<double> ScaleOfGMG(const RestrictedSymmetric& g, const RestrictedSymmetric& m) {
-  const int n = g.Size();
-  std::vector<double> scale(static_cast<std::size_t>(n), 0.0);
-  for (int i = 0; i < n; ++i) {
-    for (int j = 0; j < n; ++j) {
-      scale[static_cast<std::size_t>(i)] += std::abs(g.At(i, j)) * std::sqrt(std::abs(m.At(j, j)));
-    }
-  }
-  for (double& element : scale) {
-    element *= element;
-  }
-  return scale;
-}
-
-// Variances relative to their scale without cancellation, in the order of `kept`. A slope is judged on the
-// scale of G, whatever its units in V; an intercept, the first parameter of a block, by V.
-std::vector<double> RelativeVariances(const RestrictedSymmetric& g, const RestrictedSymmetric& m,
-                                      const MCSymMatrix& V, bool hasIntercept) {
-  std::vector<double> relative = DiagonalOfGMG(g, m);
-  const std::vector<double> scale = ScaleOfGMG(g, m);
-  const int blockSize = std::max(1, V.GetNRows() / V.GetNBlocks());
-  for (std::size_t i = 0; i < relative.size(); ++i) {
-    const int parameter = g.fKept[i];
-    if (hasIntercept && parameter % blockSize == 0) {
-      // Its variance may come from the slopes alone, where the centres carry it; then the scale can be 0.
-      relative[i] = V.GetElem(parameter, parameter);
-    }
-    relative[i] = relative[i] == 0.0 ? 0.0 : relative[i] / scale[i];
-  }
-  return relative;
-}
-
-// Sets the rows and columns of V to 0 whose bit is clear.
-void ClearRows(MCSymMatrix& V, const MCBitSet& keep) {
-  double* element = V.AsVector().data();
-  for (int i = 0; i < V.GetNRows(); ++i) {
-    for (int j = 0; j <= i; ++j, ++element) {
-      if (!keep.IsIn(i) || !keep.IsIn(j)) {
-        *element = 0.0;
-      }
-    }
-  }
-}
-
 // The matrix on the given rows, scaled to unit diagonal; rows without a positive diagonal become 0. False
 // when memory ran out.
 bool FillCorrelations(const RestrictedSymmetric& s, MCSymMatrix& correlations) {
@@ -259,19 +199,6 @@ int RankOfCorrelations(const MCSymMatrix& correlations, double eps) {
   return rank;
 }
 
-// Whether the covariance on the non-redundant parameters is regular beyond doubt: then the rank of M, which
-// costs a cube of the parameters, need not be asked for.
-bool IsSafelyRegular(const MCSymMatrix& V, const std::vector<int>& kept,
-                     const std::vector<double>& relative) {
-  if (std::any_of(relative.begin(), relative.end(), [](double r) { return !(r > kSafelyRegular); })) {
-    return false;
-  }
-  MCSymMatrix correlations;
-  double measure = 0.0;
-  return FillCorrelations({V.AsVectorConst(), kept}, correlations) &&
-         correlations.LTChol(kSafelyRegular, measure, true) == 0;
-}
-
 }  // namespace
 
 bool MCSymMatrix::ComputeGMG(const std::vector<double>& central, MCSymMatrix& result) const {
@@ -296,32 +223,16 @@ bool MCSymMatrix::ComputeGMG(const std::vector<double>& central, MCSymMatrix& re
   }
 }
 
-bool MCSymMatrix::CheckGMG(const std::vector<double>& central, const MCBitSet& bitSet, MCSymMatrix& V,
-                           MCBitSet& badIndicators, bool& allZero, int& rankFlag, int nIntercepts) const {
-  const int n = GetNRows();
-  if (central.size() != PackedSize(n) || bitSet.Size() != n || V.GetNRows() != n) {
+bool MCSymMatrix::IsSafelyRegular(const MCBitSet& bitSet) const {
+  if (bitSet.Size() != GetNRows()) {
     return false;
   }
   try {
     const std::vector<int> kept = bitSet.Members();
-    const std::vector<double> relative =
-        RelativeVariances({AsVectorConst(), kept}, {central, kept}, V, nIntercepts == 1);
-    MCBitSet positive(n);
-    badIndicators.Resize(n, false);
-    for (std::size_t i = 0; i < kept.size(); ++i) {
-      positive.Set(kept[i], relative[i] > kNoise);
-      badIndicators.Set(kept[i], relative[i] < -kNoise);
-    }
-    ClearRows(V, positive);
-
-    const int nPositive = positive.InSet();
-    allZero = nPositive == 0;
-    if (nPositive < static_cast<int>(kept.size())) {
-      rankFlag = 1;
-    } else {
-      rankFlag = IsSafelyRegular(V, kept, relative) ? -1 : 0;
-    }
-    return true;
+    MCSymMatrix correlations;
+    double measure = 0.0;
+    return FillCorrelations({AsVectorConst(), kept}, correlations) &&
+           correlations.LTChol(kSafelyRegular, measure, true) == 0;
   } catch (const std::exception&) {
     return false;
   }

@@ -94,6 +94,8 @@ OrvStatus TavoAlgorithm::ProcessData(MCCommon::RecordIterator& iterator) {
   Merge(status);
   if (fStatus.IsError()) return fStatus;
   fMeanValues = fFactorTables.CovariateMeans();
+  fPatternExtractor.SetWeightUnit(fFactorTables.WeightUnit());
+  fDataExtractor.SetWeightUnit(fFactorTables.WeightUnit());
   fbFactorTableFilled = true;
   return status;
 }
@@ -140,6 +142,10 @@ void TavoAlgorithm::ReduceToPatterns(MCCommon::MultiPassRecordIter& iterator) {
   Merge(fpPatternTabulator->CreatePatterns(iterator, fFactorTables, fModel));
   if (MayGoOn()) Merge(fpPatternTabulator->ReplayPatterns(fModel));
   if (MayGoOn()) Merge(fModel.FindRedundancies());
+  if (MayGoOn() && !fModel.IsRedundancyCertain()) {
+    Merge(fpPatternTabulator->ReplayPatternsPrecisely(fModel));
+    if (MayGoOn()) Merge(fModel.FindRedundancies());
+  }
   if (MayGoOn()) Merge(fModel.GetInitialEstimates(fEstimates));
 }
 
@@ -155,6 +161,8 @@ void TavoAlgorithm::Estimate() {
                                       fSettings.GetProgressListener(), fSettings.HistoryFrequency());
   Merge(fpOptimizer->Estimate());
   if (MayGoOn()) Merge(fModel.SetEstimates(fpOptimizer->Estimates(), fpOptimizer->Hessian()));
+  std::unique_ptr<TavoPreciseFit> pPreciseFit = fpOptimizer->TakePreciseFit();
+  if (MayGoOn() && pPreciseFit != nullptr) Merge(fModel.SetPreciseFit(std::move(pPreciseFit)));
   fpOptimizer->ReleaseHessian();
 }
 
@@ -185,7 +193,7 @@ OrvStatus TavoAlgorithm::FeedDesign(MCCommon::MultiPassRecordIter& iterator, Sam
   TakeFindings(tabulator);
   if (status.IsError()) return status;
 
-  const int parameters = fModel.ParameterCount();
+  const int parameters = fModel.ScoreCount();
   if (!design.BuildTree(fSettings.Stages(), parameters)) return OrvStatus::Error(StatusCode::kUserError);
   if (!design.SetMatrixBlocks({parameters}, {0})) return OutOfMemory(parameters);
   status = fSettings.HasClustersInLastStage() ? tabulator.FeedDesignByUnit(fModel, design, joint)

@@ -7,6 +7,7 @@
 
 #include "component/design/sample_design.h"
 #include "component/estimation/model.h"
+#include "component/estimation/unit_scores.h"
 #include "component/numerics/missing_value.h"
 #include "component/run/record_pass.h"
 
@@ -166,29 +167,30 @@ OrvStatus TavoDataTabulator::FeedDesign(SampleDesign& design, MCOrv::JointInclPr
 
 OrvStatus TavoDataTabulator::FeedDesignByUnit(TavoModel& model, SampleDesign& design,
                                               MCOrv::JointInclProbs* joint) {
-  std::vector<double> scores(static_cast<std::size_t>(model.ParameterCount()));
+  OrvUnitScores scores(model);
   return FeedDesign(design, joint, [&](const OrvRClusterData& data) {
-    std::fill(scores.begin(), scores.end(), 0.0);
+    scores.StartUnit();
     const double* const end = data.recordData.data() + data.recordData.size();
     for (const double* row = data.recordData.data(); row != end; row += fRowLength)
-      model.AddCaseScores(scores, row);
-    design.AddUnit(scores);
+      scores.Add(row);
+    design.AddUnit(scores.Totals());
   });
 }
 
 OrvStatus TavoDataTabulator::FeedDesignByRecord(TavoModel& model, SampleDesign& design,
                                                 MCOrv::JointInclProbs* joint) {
-  std::vector<double> scores(static_cast<std::size_t>(model.ParameterCount()));
+  OrvUnitScores scores(model);
   return FeedDesign(design, joint, [&](const OrvRClusterData& data) {
     const double* const end = data.recordData.data() + data.recordData.size();
     for (const double* row = data.recordData.data(); row != end && !fCancel.IsCancelled();
          row += fRowLength) {
-      model.ComputeCaseScores(scores, row);
-      design.AddUnit(scores);
+      scores.StartUnit();
+      scores.Add(row);
+      design.AddUnit(scores.Totals());
     }
-    std::fill(scores.begin(), scores.end(), 0.0);
+    scores.StartUnit();
     for (int i = 0; i < data.subpopComplement && !fCancel.IsCancelled(); ++i)
-      design.AddUnit(scores);
+      design.AddUnit(scores.Totals());
   });
 }
 

@@ -13,7 +13,7 @@ class TavoPatternTabulator;
 
 /// Lives as long as one fit: from its construction to its end the tabulator has accumulator and model
 /// attached, and a clone of the accumulator for each slice. Evaluates at the estimates that the accumulator
-/// was made over.
+/// was made over. The unit of weights is that of the tabulator's rows.
 class TavoPatternEvaluator final : public TavoEvaluator {
  public:
   /// Nothing is owned. The tabulator has its patterns already. Memory that runs out throws std::bad_alloc.
@@ -25,8 +25,13 @@ class TavoPatternEvaluator final : public TavoEvaluator {
   OrvStatus EvaluateLikelihood(double& logLikelihood) override;
   OrvStatus EvaluateAll(EstimationMethod method, bool separationCheck, TavoEvaluation& sums,
                         MCCommonMath::MCSymMatrix& information) override;
+  OrvStatus EvaluatePrecisely(const MCCommonMath::PreciseColumn& estimates,
+                              MCCommonMath::PreciseColumn& scores,
+                              MCCommonMath::PreciseSymMatrix& information) override;
 
  private:
+  double InUnitsOfData(double sum) const;
+
   TavoPatternTabulator& fTabulator;
   TavoAccumStats& fAccumulator;
 };

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cassert>
 #include <exception>
+#include <utility>
 
 #include "component/estimation/accum_stats.h"
 #include "component/estimation/model.h"
@@ -11,6 +12,9 @@
 #include "component/run/pattern_tabulator.h"
 
 namespace tavo {
+
+using MCCommonMath::PreciseColumn;
+using MCCommonMath::PreciseSymMatrix;
 
 // ---- slices and workers ----
 
@@ -101,12 +105,46 @@ OrvStatus TavoPatternTabulator::EvaluateRows(bool likelihoodOnly) {
   const auto isUsable = [](const auto& clone) { return clone != nullptr && clone->IsValid(); };
   if (!std::all_of(fClones.begin(), fClones.end(), isUsable)) return OutOfMemory(fpModel->ParameterCount());
   fbLikelihoodOnly = likelihoodOnly;
+  return EvaluateSlices([this](std::size_t slice) { fpAccumulator->Merge(*fClones[slice]); });
+}
+
+OrvStatus TavoPatternTabulator::EvaluatePrecisely(const PreciseColumn& estimates, PreciseColumn& scores,
+                                                  PreciseSymMatrix& information) {
+  assert(fbPatternsCreated && fpModel != nullptr);
+  try {
+    for (int slice = 0; slice < fNSlices; ++slice) {
+      fPreciseSums.push_back(std::make_unique<TavoPreciseSums>(fpModel->BasicNonRedundantCount(),
+                                                               fpModel->CategoryCount(), estimates));
+    }
+    TavoPreciseSums& sums = *fPreciseSums.front();
+    const OrvStatus status = EvaluateSlices([&](std::size_t slice) {
+      if (slice > 0) sums.Merge(*fPreciseSums[slice]);
+    });
+    scores = sums.Scores();
+    information = std::move(sums.Information());
+    fPreciseSums.clear();
+    return status;
+  } catch (const std::exception&) {
+    fPreciseSums.clear();
+    return OutOfMemory(fpModel->ParameterCount());
+  }
+}
+
+// Merged in slice order, whichever worker was first: the sums don't depend on the scheduler. From the first
+// slice that failed nothing is merged, so that no sum with a hole in it is taken for an answer.
+template <class Merge>
+OrvStatus TavoPatternTabulator::EvaluateSlices(Merge&& merge) {
   OrvStatus status;
   if (fNSlices == 1) {
     status = EvaluateSlice(0);
   } else {
     RunWorkers();
-    status = MergeSlices();
+    for (std::size_t slice = 0; slice < fSliceStatuses.size() && !fCancel.IsCancelled(); ++slice) {
+      const OrvStatus& answer = fSliceStatuses[slice];
+      if (answer.IsError() || (answer.IsWarning() && !status.IsError())) status = answer;
+      if (status.IsError()) break;
+      merge(slice);
+    }
   }
   return !status.IsError() && fCancel.IsCancelled() ? OrvStatus::Error(StatusCode::kCancelled) : status;
 }
@@ -119,30 +157,30 @@ void TavoPatternTabulator::RunWorkers() {
   fpCompletion->Wait();
 }
 
-// In slice order, whichever worker was first: the sums don't depend on the scheduler. From the first slice
-// that failed nothing is merged, so that no sum with a hole in it is taken for an answer.
-OrvStatus TavoPatternTabulator::MergeSlices() {
-  OrvStatus status;
-  for (std::size_t slice = 0; slice < fClones.size() && !fCancel.IsCancelled(); ++slice) {
-    const OrvStatus& answer = fSliceStatuses[slice];
-    if (answer.IsError() || (answer.IsWarning() && !status.IsError())) status = answer;
-    if (status.IsError()) break;
-    fpAccumulator->Merge(*fClones[slice]);
-  }
-  return status;
-}
-
 OrvStatus TavoPatternTabulator::EvaluateSlice(int slice) const {
-  assert(slice >= 0 && slice < fNSlices && fpAccumulator != nullptr && !fSliceEnds.empty());
-  TavoAccumStats& accumulator = fNSlices == 1 ? *fpAccumulator : *fClones[static_cast<std::size_t>(slice)];
+  assert(slice >= 0 && slice < fNSlices && !fSliceEnds.empty());
+  assert(fpAccumulator != nullptr || !fPreciseSums.empty());
+  const auto index = static_cast<std::size_t>(slice);
   try {
-    return EvaluateRange(slice, accumulator);
+    if (!fPreciseSums.empty()) {
+      TavoPreciseSums& sums = *fPreciseSums[index];
+      return WalkSlice(slice,
+                       [&](const Pattern& pattern, std::size_t first, std::size_t last, PatternWalk& walk) {
+                         return EvaluatePatternPrecisely(pattern, first, last, walk, sums);
+                       });
+    }
+    TavoAccumStats& accumulator = fNSlices == 1 ? *fpAccumulator : *fClones[index];
+    return WalkSlice(slice,
+                     [&](const Pattern& pattern, std::size_t first, std::size_t last, PatternWalk& walk) {
+                       return EvaluatePattern(pattern, first, last, walk, accumulator);
+                     });
   } catch (const std::exception&) {  // only memory can run out here
     return OutOfMemory(fpModel->ParameterCount());
   }
 }
 
-OrvStatus TavoPatternTabulator::EvaluateRange(int slice, TavoAccumStats& accumulator) const {
+template <class Take>
+OrvStatus TavoPatternTabulator::WalkSlice(int slice, Take&& take) const {
   const auto index = static_cast<std::size_t>(slice);
   RowPlace place = slice == 0 ? RowPlace{} : fSliceEnds[index - 1];
   const RowPlace& end = fSliceEnds[index];
@@ -153,7 +191,9 @@ OrvStatus TavoPatternTabulator::EvaluateRange(int slice, TavoAccumStats& accumul
     if (fCancel.IsCancelled()) break;
     const Pattern& pattern = *fPatterns[place.pattern];
     const std::size_t last = place.pattern == end.pattern ? end.row : RowsOf(pattern);
-    const OrvStatus status = EvaluatePattern(pattern, place.row, last, walk, accumulator);
+    if (place.row >= last) continue;
+    ParametersOfPattern(pattern, walk);
+    const OrvStatus status = take(pattern, place.row, last, walk);
     if (status.IsError()) return status;
   }
   return OrvStatus();
@@ -161,8 +201,6 @@ OrvStatus TavoPatternTabulator::EvaluateRange(int slice, TavoAccumStats& accumul
 
 OrvStatus TavoPatternTabulator::EvaluatePattern(const Pattern& pattern, std::size_t first, std::size_t last,
                                                 PatternWalk& walk, TavoAccumStats& accumulator) const {
-  if (first >= last) return OrvStatus();
-  ParametersOfPattern(pattern, walk);
   const double* const rows = pattern.payload.RecordData().data() + first * fRowLength;
   const bool isShort = last - first < kShortRun;
   const bool isAdded = isShort ? EvaluateRowByRow(rows, last - first, walk, accumulator)
@@ -190,6 +228,15 @@ bool TavoPatternTabulator::EvaluateInBlocks(const double* rows, std::size_t coun
   return ForEachBlock(
       rows, count, *fpModel, BlockColumns::kNonRedundant, walk,
       [&](const TavoRowBlock& block) { return accumulator.UpdateForBlock(block, fbLikelihoodOnly) == 0; });
+}
+
+OrvStatus TavoPatternTabulator::EvaluatePatternPrecisely(const Pattern& pattern, std::size_t first,
+                                                         std::size_t last, PatternWalk& walk,
+                                                         TavoPreciseSums& sums) const {
+  const double* const rows = pattern.payload.RecordData().data() + first * fRowLength;
+  const bool isAdded = ForEachPreciseBlock(rows, last - first, *fpModel, BlockColumns::kNonRedundant, walk,
+                                           [&](OrvPreciseBlock& block) { return sums.Add(block); });
+  return isAdded ? OrvStatus() : OrvStatus::Error(StatusCode::kUserError);
 }
 
 }  // namespace tavo

@@ -204,4 +204,31 @@ bool TavoPatternTabulator::ForEachBlock(const double* rows, std::size_t count, c
   return true;
 }
 
+bool TavoPatternTabulator::ForEachPreciseBlock(const double* rows, std::size_t count, const TavoModel& model,
+                                               BlockColumns columns, PatternWalk& walk,
+                                               const std::function<bool(OrvPreciseBlock&)>& take) const {
+  const double* row = rows;
+  return ForEachBlock(rows, count, model, columns, walk, [&](const TavoRowBlock& block) {
+    walk.precise.Start(block);
+    model.FillPreciseBlock(row, fRowLength, walk.precise);
+    row += block.RowCount() * fRowLength;
+    return take(walk.precise);
+  });
+}
+
+OrvStatus TavoPatternTabulator::ReplayPatternsPrecisely(TavoModel& model) const {
+  PatternWalk walk;
+  for (const Pattern* pattern : fPatterns) {
+    if (fCancel.IsCancelled()) break;
+    ParametersOfPattern(*pattern, walk);
+    const bool isAdded = ForEachPreciseBlock(pattern->payload.RecordData().data(), RowsOf(*pattern), model,
+                                             BlockColumns::kAll, walk, [&model](OrvPreciseBlock& block) {
+                                               model.AddPreciseBlockToXPrimeX(block);
+                                               return true;
+                                             });
+    if (!isAdded) return OrvStatus::Error(StatusCode::kUserError);
+  }
+  return fCancel.IsCancelled() ? OrvStatus::Error(StatusCode::kCancelled) : OrvStatus();
+}
+
 }  // namespace tavo

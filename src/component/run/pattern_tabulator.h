@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "component/estimation/estimation_method.h"
+#include "component/estimation/precise_block.h"
+#include "component/estimation/precise_sums.h"
 #include "component/estimation/row_block.h"
 #include "component/frame/orv_cancel_info.h"
 #include "component/frame/orv_status.h"
@@ -51,6 +53,11 @@ class TavoPatternTabulator {
   /// Hands every row to the model's X'WX, after CreatePatterns. StatusCode::kUserError when the model refuses
   /// one, StatusCode::kCancelled.
   OrvStatus ReplayPatterns(TavoModel& model);
+  /// The same in twice the precision.
+  OrvStatus ReplayPatternsPrecisely(TavoModel& model) const;
+
+  /// Of the weights in the rows.
+  double WeightUnit() const { return fRowExtractor.WeightUnit(); }
 
   /// Cuts the rows into min(rows, count) slices, at least one, and prepares as many workers. One slice
   /// without a thread service, or when it has no threads to give.
@@ -70,6 +77,11 @@ class TavoPatternTabulator {
   /// when the accumulator refuses a row, StatusCode::kTooManyParameters when memory ran out,
   /// StatusCode::kCancelled.
   OrvStatus EvaluateRows(bool likelihoodOnly);
+  /// Score and information at `estimates`, in twice the precision, with the model that is attached; see
+  /// TavoEvaluator.
+  OrvStatus EvaluatePrecisely(const MCCommonMath::PreciseColumn& estimates,
+                              MCCommonMath::PreciseColumn& scores,
+                              MCCommonMath::PreciseSymMatrix& information);
   /// The part of one slice; called by the workers. Doesn't throw.
   OrvStatus EvaluateSlice(int slice) const;
 
@@ -96,6 +108,7 @@ class TavoPatternTabulator {
     std::vector<int> indices;     // of the sparse design row
     std::vector<double> values;
     TavoRowBlock block;
+    OrvPreciseBlock precise;
   };
 
   bool ReplayPattern(const Pattern& pattern, TavoModel& model, PatternWalk& walk) const;
@@ -113,10 +126,20 @@ class TavoPatternTabulator {
   RowPlace PlaceOfRow(std::size_t row) const;
   bool PrepareWorkers();
   void RunWorkers();
-  OrvStatus MergeSlices();
-  OrvStatus EvaluateRange(int slice, TavoAccumStats& accumulator) const;
+  /// Evaluates all slices and calls merge(slice) for each, in their order; not for a single one.
+  template <class Merge>
+  OrvStatus EvaluateSlices(Merge&& merge);
+  /// Hands the rows of a slice to `take`, pattern by pattern (pattern, first row, row behind the last, walk),
+  /// until it answers an error.
+  template <class Take>
+  OrvStatus WalkSlice(int slice, Take&& take) const;
   OrvStatus EvaluatePattern(const Pattern& pattern, std::size_t first, std::size_t last, PatternWalk& walk,
                             TavoAccumStats& accumulator) const;
+  OrvStatus EvaluatePatternPrecisely(const Pattern& pattern, std::size_t first, std::size_t last,
+                                     PatternWalk& walk, TavoPreciseSums& sums) const;
+  bool ForEachPreciseBlock(const double* rows, std::size_t count, const TavoModel& model,
+                           BlockColumns columns, PatternWalk& walk,
+                           const std::function<bool(OrvPreciseBlock&)>& take) const;
   /// False for a refused row. The two differ in speed only.
   bool EvaluateRowByRow(const double* rows, std::size_t count, PatternWalk& walk,
                         TavoAccumStats& accumulator) const;
@@ -149,6 +172,8 @@ class TavoPatternTabulator {
   const TavoModel* fpModel = nullptr;
   std::vector<std::unique_ptr<TavoAccumStats>> fClones;
   bool fbLikelihoodOnly = false;
+  std::vector<std::unique_ptr<TavoPreciseSums>>
+      fPreciseSums;  // by slice, during an evaluation in twice the precision
   // The pool comes last, so that it is destroyed first: no task of it outlives what the task refers to.
   std::vector<OrvStatus> fSliceStatuses;
   std::unique_ptr<host::TaskCompletion> fpCompletion;

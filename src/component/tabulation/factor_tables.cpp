@@ -31,6 +31,24 @@ double UpdatedMean(double mean, double deviation, double share) {
   return 2.0 * std::abs(mean) * MCPower::gMachineEpsilon > std::abs(updated) ? 0.0 : updated;
 }
 
+/// In their unit deviations stay below this, their squares and the sums of these far from overflow.
+constexpr double kLargestDeviation = 0x1p256;
+
+/// Of a power of two near a value, such that its inverse is a normal number; 0 where there is none.
+int ExponentOf(double value) {
+  constexpr int kLargest = 1020;
+  return value != 0 && std::isfinite(value) ? std::clamp(std::ilogb(value), -kLargest, kLargest) : 0;
+}
+
+/// The root of mean^2 + variance, with the variance in units of 4^exponent.
+double RootMeanSquare(double mean, double variance, int exponent) {
+  int unit = ExponentOf(mean);
+  if (variance > 0 && (mean == 0 || exponent > unit)) unit = exponent;
+  const double scaledMean = std::ldexp(mean, -unit);
+  const double scaledVariance = std::ldexp(variance, 2 * (exponent - unit));
+  return std::ldexp(std::sqrt(scaledMean * scaledMean + scaledVariance), unit);
+}
+
 }  // namespace
 
 // ---- counts ----
@@ -126,7 +144,8 @@ void OrvFactorTables::SetEffectCovariates(std::vector<std::vector<int>> covariat
   fProducts.clear();
   for (std::size_t e = 0; e < fEffectCovariates.size(); ++e) {
     if (fEffectCovariates[e].empty()) continue;
-    Product& product = fProducts.emplace_back(Product{e, {}});
+    Product& product = fProducts.emplace_back();
+    product.effect = e;
     fEffectExponents[e].resize(fEffectCovariates[e].size(), 1);
     for (std::size_t c = 0; c < fEffectCovariates[e].size(); ++c) {
       product.terms.push_back({fEffectCovariates[e][c], fEffectExponents[e][c]});
@@ -151,7 +170,9 @@ bool OrvFactorTables::Update(const double* record) {
   const double weightBefore = fTotalWeight;
   AddCompensated(fTotalWeight, fTotalWeightRest, weight);
   fSampleSize += 1;
+  fSubpopulationSize += 1;
   if (!(fTotalWeight > 0)) return true;
+  if (fPerFirstWeight == 0) fPerFirstWeight = std::ldexp(1.0, -ExponentOf(weight));
   const double share = weight / fTotalWeight;
   UpdateCovariateMeans(record, share);
   UpdateEffectSpreads(record, share, weightBefore);
@@ -171,7 +192,7 @@ void OrvFactorTables::UpdateCovariateMeans(const double* record, double share) {
 }
 
 void OrvFactorTables::UpdateEffectSpreads(const double* record, double share, double weightBefore) {
-  for (const Product& product : fProducts) {
+  for (Product& product : fProducts) {
     double value = 1.0;  // powers by repeated multiplication, as in the design rows of the fit
     for (const Term& term : product.terms) {
       for (int power = 0; power < term.power; ++power)
@@ -179,8 +200,26 @@ void OrvFactorTables::UpdateEffectSpreads(const double* record, double share, do
     }
     const double deviation = value - fCentres[product.effect];
     fCentres[product.effect] = UpdatedMean(fCentres[product.effect], deviation, share);
-    fScales[product.effect] += deviation * deviation * share * weightBefore;
+    if (deviation == 0) continue;
+    if (product.perUnit == 0 || std::abs(deviation * product.perUnit) > kLargestDeviation)
+      ChooseUnit(deviation, product);
+    const double scaled = deviation * product.perUnit;
+    product.squares += scaled * scaled * share * (weightBefore * fPerFirstWeight);
   }
+}
+
+// As in the norm of a vector whose squares may over- or underflow (Blue 1978): the unit follows the largest
+// deviation. Beside a new one the squares so far may vanish.
+void OrvFactorTables::ChooseUnit(double deviation, Product& product) {
+  const int exponent = ExponentOf(deviation);
+  product.squares = std::ldexp(product.squares, 2 * (product.exponent - exponent));
+  product.exponent = exponent;
+  product.perUnit = std::ldexp(1.0, -exponent);
+}
+
+double OrvFactorTables::WeightUnit() const {
+  const double mean = fSubpopulationSize > 0 ? fTotalWeight / fSubpopulationSize : 1.0;
+  return std::ldexp(1.0, 2 * (ExponentOf(mean) / 2));
 }
 
 // ---- parameters ----
@@ -269,13 +308,15 @@ void OrvFactorTables::ComputeTransformation(bool hasIntercept) {
   }
   // An effect without covariates counts as a sum of squares of 1: with an intercept its columns stay as they
   // are, without one they are scaled by the root of the total weight like all others.
-  for (std::size_t e = 0; e < fCentres.size(); ++e) {
-    if (fEffectCovariates[e].empty()) fScales[e] = 1.0;
-    if (fEffectCovariates[e].empty() && hasIntercept) continue;
+  const double withoutCovariates = hasIntercept ? 1.0 : std::sqrt(1.0 / (fTotalWeight / WeightUnit()));
+  std::fill(fScales.begin(), fScales.end(), withoutCovariates);
+  for (const Product& product : fProducts) {
+    const std::size_t e = product.effect;
+    const double variance = product.squares / (fTotalWeight * fPerFirstWeight);
     if (hasIntercept && IsLoneCovariateEffect(e)) {
-      fScales[e] = std::sqrt(fScales[e] / fTotalWeight);
+      fScales[e] = std::ldexp(std::sqrt(variance), product.exponent);
     } else {
-      fScales[e] = std::sqrt(fCentres[e] * fCentres[e] + fScales[e] / fTotalWeight);
+      fScales[e] = RootMeanSquare(fCentres[e], variance, product.exponent);
       fCentres[e] = 0.0;
     }
   }

@@ -99,6 +99,10 @@ class OrvFactorTables : public OrvFactorCounts {
   double ComplementWeight() const { return fComplementWeight; }  // outside it
   double PopulationEstimate() const { return fTotalWeight + fComplementWeight; }
   double SampleSize() const { return fSampleSize; }  // all valid records
+  /// A power of four near the mean weight in the subpopulation: products of weights in this unit neither
+  /// overflow nor fall below limits that are meant for sums over cases, and dividing by it, or by its root,
+  /// is exact. 1 when the weights have no mean.
+  double WeightUnit() const;
 
  private:
   /// One covariate of an effect.
@@ -106,17 +110,22 @@ class OrvFactorTables : public OrvFactorCounts {
     int column;
     int power;
   };
-  /// The product of an effect's covariates: its running weighted mean and sum of squares are that effect's
-  /// centre and scale until the transformation is computed.
+  /// The product of an effect's covariates. Its running weighted mean is that effect's centre until the
+  /// transformation is computed; its sum of squares is kept in units that are powers of two, so that it
+  /// neither over- nor underflows.
   struct Product {
     std::size_t effect;
     std::vector<Term> terms;
+    double squares = 0;  // weighted, about the mean, in the units of weights and of deviations
+    int exponent = 0;    // of the unit of deviations
+    double perUnit = 0;  // 2^-exponent; 0 before the first deviation
   };
 
   bool CountCategories(const double* record, double weight);
   bool CountDependent(const double* record, double weight);
   void UpdateCovariateMeans(const double* record, double share);
   void UpdateEffectSpreads(const double* record, double share, double weightBefore);
+  static void ChooseUnit(double deviation, Product& product);
   void ReadLevels(const double* row);
   void ComputeTransformation(bool hasIntercept);
   bool IsLoneCovariateEffect(std::size_t effect) const;
@@ -144,6 +153,8 @@ class OrvFactorTables : public OrvFactorCounts {
   double fComplementWeight = 0;
   double fComplementWeightRest = 0;
   double fSampleSize = 0;
+  double fSubpopulationSize = 0;  // records of the subpopulation
+  double fPerFirstWeight = 0;     // 1 over a power of two near the first weight; 0 before it
 };
 
 }  // namespace tavo

@@ -56,8 +56,8 @@ TEST(DesignColumns, WithoutInterceptNothingIsCentredAndIndicatorsAreScaledToo) {
   bench.Case(1, {1}, {3}, 4).Case(2, {2}, {1}, 5).Case(1, {2}, {-2}, 7);
   const ModelParts parts(bench);
   const std::vector<double> row = bench.PatternRow(bench.records[0]);
-  EXPECT_NEAR(parts.columns.Value(row.data(), 0, RowKind::kPattern), 4, 1e-14)
-      << "the root of the weight, 16";
+  EXPECT_NEAR(parts.columns.Value(row.data(), 0, RowKind::kPattern), 2, 1e-14)
+      << "the root of the weight, 16, over its unit, 4";
   EXPECT_NEAR(parts.columns.Value(row.data(), 1, RowKind::kPattern),
               3 / std::sqrt((4 * 9 + 5 * 1 + 7 * 4) / 16.0), 1e-14);
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -13,7 +14,11 @@
 namespace {
 
 using namespace tavo;
+using MCCommonMath::DoubleDouble;
+using MCCommonMath::ExactProduct;
 using MCCommonMath::MCSymMatrix;
+using MCCommonMath::PreciseColumn;
+using MCCommonMath::PreciseSymMatrix;
 
 /// Successes among trials, at a value of the one covariate.
 struct Group {
@@ -50,6 +55,29 @@ class BinomialGroups final : public TavoEvaluator {
     return {};
   }
 
+  OrvStatus EvaluatePrecisely(const PreciseColumn& at, PreciseColumn& scores,
+                              PreciseSymMatrix& information) override {
+    if (++preciseQuestions == failPreciselyAt) return OrvStatus::Error(StatusCode::kUserError);
+    const std::size_t n = at.Size();
+    scores.Assign(n);
+    information = PreciseSymMatrix(static_cast<int>(n));
+    for (const Group& group : fGroups) {
+      const std::vector<double> row = Row(group.x);
+      DoubleDouble eta;
+      for (std::size_t k = 0; k < n; ++k)
+        eta += at.Get(k) * DoubleDouble(row[k]);
+      const double p = 1 / (1 + std::exp(-eta.Value()));
+      for (std::size_t k = 0; k < n; ++k) {
+        scores.AddTo(k, ExactProduct(group.successes - group.trials * p, row[k]));
+        for (std::size_t l = 0; l <= k; ++l) {
+          information.AddTo(static_cast<int>(k), static_cast<int>(l),
+                            ExactProduct(row[k], row[l]) * DoubleDouble(group.trials * p * (1 - p)));
+        }
+      }
+    }
+    return {};
+  }
+
   TavoFitLayout Layout() const {
     const std::size_t columns = fbIntercept ? 2 : 1;
     return {1, fbIntercept, std::vector<double>(columns, 0.0), std::vector<double>(columns, 1.0),
@@ -58,7 +86,9 @@ class BinomialGroups final : public TavoEvaluator {
 
   int likelihoodQuestions = 0;
   int fullQuestions = 0;
+  int preciseQuestions = 0;
   int failAt = -1;
+  int failPreciselyAt = -1;
 
  private:
   double LogLikelihood() const {
@@ -157,6 +187,49 @@ TEST_F(HandWrittenEvaluator, AnErrorOfATrialEndsTheFitWithItsStatusAndNoInverse)
   TavoOptimizer fit = Optimizer(groups);
   EXPECT_EQ(fit.Estimate(), OrvStatus::Error(StatusCode::kUserError));
   EXPECT_EQ(fit.Hessian().GetNRows(), 0);
+}
+
+// The variance of an intercept under a column with mean m and a spread of 1 is inflated by 1 + m^2.
+TEST_F(HandWrittenEvaluator, IsNotAskedForMoreDigitsWhenFewCancel) {
+  estimates = {0, 0};
+  BinomialGroups groups({{49, 20, 12}, {51, 30, 27}}, true, estimates);
+  TavoOptimizer fit = Optimizer(groups);
+  ASSERT_TRUE(fit.Estimate().IsOK());
+  EXPECT_EQ(groups.preciseQuestions, 0);
+  EXPECT_EQ(fit.TakePreciseFit(), nullptr);
+}
+
+// The slope is the difference of two log-odds over 2; the intercept's standard error 1e5 times as large.
+TEST_F(HandWrittenEvaluator, NearlyDependentColumnsEndInTwiceThePrecision) {
+  const double far = 1e5;
+  estimates = {0, 0};
+  settings.SetParamCriterion(1e-6);
+  BinomialGroups groups({{far - 1, 20, 12}, {far + 1, 30, 27}}, true, estimates);
+  TavoOptimizer fit = Optimizer(groups);
+  ASSERT_TRUE(fit.Estimate().IsOK());
+  const std::unique_ptr<TavoPreciseFit> precise = fit.TakePreciseFit();
+  ASSERT_NE(precise, nullptr);
+  EXPECT_GE(groups.preciseQuestions, 2) << "at least one step";
+  const double slope = (std::log(27.0 / 3) - std::log(12.0 / 8)) / 2;
+  EXPECT_NEAR(precise->estimates.Get(1).Value(), slope, 1e-15 * slope);
+  EXPECT_EQ(estimates[1], precise->estimates.Get(1).Value());
+  const double intercept = std::log(12.0 / 8) - (far - 1) * slope;
+  EXPECT_NEAR(estimates[0] / intercept, 1, 1e-14);
+  // With the information L L' the variance of the slope is the square of the last element of inverse(L).
+  const double variance = (1.0 / 12 + 1.0 / 8 + 1.0 / 27 + 1.0 / 3) / 4;
+  EXPECT_NEAR(std::pow(precise->factor.Get(1, 1).Value(), -2) / variance, 1, 1e-13);
+}
+
+TEST_F(HandWrittenEvaluator, AFitThatCannotBeRefinedStaysAsItWas) {
+  estimates = {0, 0};
+  BinomialGroups groups({{1e5 - 1, 20, 12}, {1e5 + 1, 30, 27}}, true, estimates);
+  groups.failPreciselyAt = 1;
+  TavoOptimizer fit = Optimizer(groups);
+  EXPECT_TRUE(fit.Estimate().IsOK());
+  EXPECT_EQ(groups.preciseQuestions, 1);
+  EXPECT_EQ(fit.TakePreciseFit(), nullptr);
+  EXPECT_EQ(fit.Hessian().GetNRows(), 2);
+  EXPECT_NEAR(estimates[1], (std::log(27.0 / 3) - std::log(12.0 / 8)) / 2, 1e-6);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -94,6 +95,50 @@ TEST(Redundancy, AfterACancelNothingIsFound) {
   cancel.Cancel();
   redundancy.Find(kTolerance, cancel);
   EXPECT_EQ(redundancy.NonRedundantCount(), 0);
+}
+
+OrvRedundancy InterceptAndTwoColumnsApartBy(double difference, bool& isCertain) {
+  OrvRedundancy redundancy(3);
+  const double xs[] = {-1, 1, -1, 1};
+  const double zs[] = {-1, -1, 1, 1};
+  for (int i = 0; i < 4; ++i)
+    redundancy.AddRow({0, 1, 2}, {1, xs[i], xs[i] + difference * zs[i]}, 1);
+  isCertain = redundancy.Find(kTolerance, OrvCancelInfo());
+  return redundancy;
+}
+
+// What is left of the third column is the square of the difference.
+TEST(Redundancy, IsUncertainWhereRoundingMayDecide) {
+  bool isCertain = false;
+  EXPECT_EQ(InterceptAndTwoColumnsApartBy(0.1, isCertain).NonRedundantCount(), 3);
+  EXPECT_TRUE(isCertain);
+  EXPECT_EQ(InterceptAndTwoColumnsApartBy(0, isCertain).NonRedundantCount(), 2);
+  EXPECT_TRUE(isCertain);
+  InterceptAndTwoColumnsApartBy(1.00001e-6, isCertain);
+  EXPECT_FALSE(isCertain);
+}
+
+TEST(Redundancy, InTwiceThePrecisionSmallDifferencesCount) {
+  for (const double difference : {1e-5, 2e-6, 0.5e-6}) {
+    bool isCertain = true;
+    OrvRedundancy redundancy = InterceptAndTwoColumnsApartBy(difference, isCertain);
+    tavo::TavoRowBlock block;
+    for (const int k : {0, 1, 2})
+      block.AddColumn(k, static_cast<std::size_t>(k));
+    block.SetRowCount(4);
+    std::fill(block.Weights(), block.Weights() + 4, 1.0);
+    tavo::OrvPreciseBlock precise;
+    precise.Start(block);
+    for (std::size_t r = 0; r < 4; ++r) {
+      const double x = r % 2 == 0 ? -1 : 1;
+      precise.Column(0).Set(r, 1.0);
+      precise.Column(1).Set(r, x);
+      precise.Column(2).Set(r, MCCommonMath::ExactSum(x, r < 2 ? -difference : difference));
+    }
+    redundancy.AddPrecisely(precise);
+    redundancy.FindPrecisely(kTolerance, OrvCancelInfo());
+    EXPECT_EQ(redundancy.NonRedundantCount(), difference > 1e-6 ? 3 : 2) << difference;
+  }
 }
 
 }  // namespace

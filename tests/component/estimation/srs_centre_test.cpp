@@ -65,4 +65,14 @@ TEST(ScoreCentre, OfASampleOfOneIsZero) {
   EXPECT_EQ(Scaled(1, 13, SRSEstimator::kWithReplacement), 0);
 }
 
+TEST(ScoreCentre, OfWeightsInAUnitIsDividedByItsSquareAsProductsOfScoresAre) {
+  OrvSRSCentre plain(1, 1);
+  plain.Add({0}, {3}, 20);
+  plain.Scale(5, 130, SRSEstimator::kWithoutReplacement);
+  OrvSRSCentre inUnits(1, 1);
+  inUnits.Add({0}, {3}, 20 / 16.0);
+  inUnits.Scale(5, 130, SRSEstimator::kWithoutReplacement, 16);
+  EXPECT_DOUBLE_EQ(inUnits.Matrix().GetElem(0, 0) * 16 * 16, plain.Matrix().GetElem(0, 0));
+}
+
 }  // namespace

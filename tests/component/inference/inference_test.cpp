@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "component/design/sample_design.h"
 #include "component/estimation/model.h"
 #include "component/numerics/missing_value.h"
@@ -336,6 +338,43 @@ TEST(Inference, ChangesNothingElseInTheRowOfARedundantParameter) {
                              rows[2].t, rows[2].df, rows[2].significance, rows[2].designEffect}) {
     EXPECT_TRUE(IsMissing(value));
   }
+}
+
+// Two parameters that vary against each other: their sum has a variance 3e-13 times as large as without
+// cancellation, with three digits left.
+TEST(Inference, KeepsAVarianceThatIsSmallBesideTheTermsThatCancelInIt) {
+  HandLedModel hand;
+  const double ratio = hand.Model().Centres()[3] / hand.Model().Scales()[3];
+  ASSERT_NE(ratio, 0.0);
+  const double rest = 3e-6;
+  // The intercept on the scale of the data is that of the fit less `ratio` times the slope.
+  std::vector<std::vector<double>> units;
+  for (const double slope : {1.0, -2.0, 4.0, -3.0})
+    units.push_back({slope + (slope > 0 ? rest : -rest), slope * slope, 0, slope / ratio});
+  const SampleDesign design = DesignOf(units);
+  TavoInference inference = hand.Inference(design);
+  EXPECT_FALSE(inference.ComputePECovar(design).IsError());
+  std::vector<OrvParamStats> rows(kParameters);
+  ASSERT_TRUE(inference.ComputeParamStats(rows).IsOK());
+  // Four units with replacement: 4/3 times the squares about the mean, 0.
+  EXPECT_NEAR(rows[0].standardError / (rest * std::sqrt(16.0 / 3)), 1, 1e-3);
+}
+
+TEST(Inference, TakesAVarianceThatRoundingMayHaveMadeForZero) {
+  HandLedModel hand;
+  const double ratio = hand.Model().Centres()[3] / hand.Model().Scales()[3];
+  std::vector<std::vector<double>> units;
+  for (const double slope : {1.1, -2.3, 4.7, -3.9})
+    units.push_back({ratio * slope, slope * slope, 0, slope});
+  const SampleDesign design = DesignOf(units);
+  TavoInference inference = hand.Inference(design);
+  EXPECT_EQ(inference.ComputePECovar(design), OrvStatus::Warning(StatusCode::kDesignCovarianceSingular));
+  EXPECT_EQ(inference.BadVariances().InSet(), 0);
+  std::vector<OrvParamStats> rows(kParameters);
+  ASSERT_TRUE(inference.ComputeParamStats(rows).IsOK());
+  EXPECT_EQ(rows[0].standardError, 0.0);
+  EXPECT_EQ(inference.PECovar()->GetElem(3, 0), 0.0);
+  EXPECT_GT(rows[3].standardError, 0.0);
 }
 
 }  // namespace

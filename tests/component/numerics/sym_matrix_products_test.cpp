@@ -1,4 +1,4 @@
-// The sandwich product G M G, its clean-up, and the rank of M.
+// The sandwich product G M G, and the rank of a covariance.
 
 #include <gtest/gtest.h>
 
@@ -67,144 +67,35 @@ TEST(ComputeGMG, RefusesSizesThatDoNotMatchAndTakesAnEmptyMatrix) {
   EXPECT_EQ(v.GetNRows(), 0);
 }
 
-struct Check {
-  bool fbOk = false;
-  bool fbAllZero = false;
-  int fRankFlag = -99;
-  MCBitSet fBad;
-  MCSymMatrix fV;
-};
-
-// G M G, back-transformed, and cleaned up.
-Check CleanUp(const MCSymMatrix& g, const Vector& m, const MCBitSet& bits, const Vector& centers,
-              const Vector& scales, int nBlocks, int nIntercepts) {
-  Check check;
-  EXPECT_TRUE(g.ComputeGMG(m, check.fV));
-  EXPECT_TRUE(check.fV.TransformParameterMatrix(centers, scales, nBlocks, nIntercepts));
-  EXPECT_TRUE(check.fV.SetNBlocks(nBlocks));
-  check.fbOk = g.CheckGMG(m, bits, check.fV, check.fBad, check.fbAllZero, check.fRankFlag, nIntercepts);
-  return check;
-}
-
-Check CleanUp(const MCSymMatrix& g, const Vector& m, const MCBitSet& bits) {
-  const auto n = static_cast<std::size_t>(g.GetNRows());
-  return CleanUp(g, m, bits, Vector(n, 0.0), Vector(n, 1.0), 1, 0);
-}
-
-TEST(CheckGMG, LeavesARegularCovarianceAsItIs) {
-  const MCSymMatrix g = Packed(RandomCovariance(4, 30, 1));
-  const MCSymMatrix m = Packed(RandomCovariance(4, 30, 2));
-  MCSymMatrix v;
-  g.ComputeGMG(m.AsVectorConst(), v);
-  const Check check = CleanUp(g, m.AsVectorConst(), AllBits(4));
-  EXPECT_TRUE(check.fbOk);
-  EXPECT_FALSE(check.fbAllZero);
-  EXPECT_EQ(check.fBad, MCBitSet(4));
-  EXPECT_LT(check.fRankFlag, 0);
-  EXPECT_EQ(check.fV.AsVectorConst(), v.AsVectorConst());
-}
-
-TEST(CheckGMG, MarksNegativeVariancesAndTakesThemOutOfV) {
-  MCSymMatrix g(3);
-  g.AsVector() = {1, 0, 1, 0, 0, 1};
-  const Check check = CleanUp(g, {4, 1, -2, 0.5, 0.25, 9}, AllBits(3));
-  EXPECT_EQ(check.fBad, Bits(3, {1}));
-  EXPECT_FALSE(check.fbAllZero);
-  EXPECT_GT(check.fRankFlag, 0);
-  EXPECT_EQ(check.fV.AsVectorConst(), (Vector{4, 0, 0, 0.5, 0, 9}));
-}
-
-TEST(CheckGMG, TellsWhenTheVarianceOfEveryParameterIsZero) {
-  const MCSymMatrix g = Packed(RandomCovariance(3, 30, 1));
-  const Check zero = CleanUp(g, Vector(6, 0.0), AllBits(3));
-  EXPECT_TRUE(zero.fbAllZero);
-  EXPECT_EQ(zero.fBad.InSet(), 0);
-  EXPECT_GT(zero.fRankFlag, 0);
-
-  MCSymMatrix unit(1);
-  unit.AsVector() = {1.0};
-  const Check negative = CleanUp(unit, {-1.0}, AllBits(1));
-  EXPECT_TRUE(negative.fbAllZero);
-  EXPECT_EQ(negative.fBad.InSet(), 1);
-}
-
-// M = z z' with z orthogonal to the second row of G up to rounding: that variance is noise, of either sign.
-TEST(CheckGMG, TakesARoundedCancellationForZero) {
-  MCSymMatrix g(3);
-  g.AsVector() = {1.0, 0.1, 0.7, 0.2, 0.3, 0.9};
-  const Vector z{-(0.7 * 2.0 + 0.3 * 3.0) / 0.1, 2.0, 3.0};
-  MCSymMatrix m(3);
-  m.UpdateXX(z, 1.0);
-  m.SetElem(1, 1, m.GetElem(1, 1) * (1 - 1e-15));
-  const Check check = CleanUp(g, m.AsVectorConst(), AllBits(3));
-  for (int j = 0; j < 3; ++j) {
-    EXPECT_EQ(check.fV.GetElem(1, j), 0.0);
+TEST(IsSafelyRegular, SaysYesWhateverTheUnitsOfTheRows) {
+  Dense v = RandomCovariance(6, 30, 4);
+  for (int i = 0; i < 6; ++i) {
+    for (int j = 0; j < 6; ++j)
+      v(i, j) *= std::pow(10.0, 7.0 * (i + j - 5));
   }
-  EXPECT_GT(check.fV.GetElem(0, 0), 0.0);
-  EXPECT_EQ(check.fBad.InSet(), 0);
-  EXPECT_GT(check.fRankFlag, 0);
+  EXPECT_TRUE(Packed(v).IsSafelyRegular(AllBits(6)));
 }
 
-// A covariate in units a million times larger has a variance 1e-12 times as large: no noise. Blocks of two.
-TEST(CheckGMG, DoesNotDependOnTheUnitsOfTheCovariates) {
-  const MCSymMatrix g = Packed(RandomCovariance(4, 30, 1));
-  const MCSymMatrix m = Packed(RandomCovariance(4, 30, 2));
-  for (const int nIntercepts : {0, 1}) {
-    for (const double scale : {1e-9, 1.0, 1e9}) {
-      const Vector scales{nIntercepts == 1 ? 1.0 : scale, scale};
-      const Check check =
-          CleanUp(g, m.AsVectorConst(), AllBits(4), {0.0, 0.5 * scale}, scales, 2, nIntercepts);
-      EXPECT_FALSE(check.fbAllZero);
-      EXPECT_EQ(check.fBad.InSet(), 0);
-      EXPECT_LT(check.fRankFlag, 0) << scale;
-      for (int i = 0; i < 4; ++i) {
-        EXPECT_GT(check.fV.GetElem(i, i), 0.0);
-      }
-    }
-  }
-}
-
-// On the scale of the fit only the slope varies, V = diag(0, 1). Its centre carries that into the intercept
-// of the data, b_0 = b'_0 - 3 b'_1, which then has variance 9 and no noise.
-TEST(CheckGMG, JudgesAnInterceptOnTheScaleOfTheData) {
-  MCSymMatrix g(2);
-  g.AsVector() = {1, 0, 1};
-  const Check check = CleanUp(g, {0, 0, 1}, AllBits(2), {0, 3}, {1, 1}, 1, 1);
-  EXPECT_EQ(check.fBad.InSet(), 0);
-  EXPECT_EQ(check.fV.GetElem(1, 1), 1.0);
-  EXPECT_EQ(check.fV.GetElem(0, 0), 9.0);
-}
-
-TEST(CheckGMG, LooksAtNonRedundantParametersOnly) {
-  const MCBitSet bits = Bits(3, {0, 2});
-  const MCSymMatrix g = Packed(Restricted(RandomCovariance(3, 30, 1), bits));
-  const MCSymMatrix m = Packed(RandomCovariance(3, 30, 2));
-  const Check check = CleanUp(g, m.AsVectorConst(), bits);
-  EXPECT_EQ(check.fBad.Size(), 3);
-  EXPECT_FALSE(check.fbAllZero);
-  EXPECT_LT(check.fRankFlag, 0);
-  EXPECT_GT(check.fV.GetElem(2, 0) * check.fV.GetElem(2, 0), 0.0);
-}
-
-TEST(CheckGMG, LeavesALowRankWithoutZeroVariancesToTheRankOfM) {
-  const MCSymMatrix g = Packed(RandomCovariance(4, 30, 1));
-  const MCSymMatrix m = Packed(RandomCovariance(4, 2, 2));  // two clusters
-  const Check check = CleanUp(g, m.AsVectorConst(), AllBits(4));
-  EXPECT_EQ(check.fRankFlag, 0);
-  MCSymMatrix work;
-  EXPECT_EQ(work.CheckMDependent(4, m.AsVectorConst(), AllBits(4), 1e-12), 2);
-}
-
-TEST(CheckGMG, RefusesSizesThatDoNotMatch) {
-  const MCSymMatrix g(2);
+// Two columns whose correlation is 1 - 5e-8: a pivot of 1e-7.
+TEST(IsSafelyRegular, LeavesANearlySingularMatrixToTheRank) {
   MCSymMatrix v(2);
-  MCSymMatrix wrong(3);
-  MCBitSet bad;
-  bool allZero = false;
-  int rankFlag = 0;
-  EXPECT_FALSE(g.CheckGMG({1}, AllBits(2), v, bad, allZero, rankFlag));
-  EXPECT_FALSE(g.CheckGMG({1, 0, 1}, AllBits(3), v, bad, allZero, rankFlag));
-  EXPECT_FALSE(g.CheckGMG({1, 0, 1}, AllBits(2), wrong, bad, allZero, rankFlag));
+  v.AsVector() = {4, 2 * (1 - 5e-8), 1};
+  EXPECT_FALSE(v.IsSafelyRegular(AllBits(2)));
+  v.SetElem(1, 0, 2 * (1 - 5e-6));
+  EXPECT_TRUE(v.IsSafelyRegular(AllBits(2)));
+}
+
+TEST(IsSafelyRegular, SaysNoOfAZeroVarianceAndOfALowRank) {
+  EXPECT_FALSE(Packed(RandomCovariance(4, 2, 2)).IsSafelyRegular(AllBits(4)));
+  MCSymMatrix v(2);
+  v.AsVector() = {1, 0, 0};
+  EXPECT_FALSE(v.IsSafelyRegular(AllBits(2)));
+}
+
+TEST(IsSafelyRegular, LooksAtTheSetBitsOnly) {
+  const MCBitSet bits = Bits(3, {0, 2});
+  EXPECT_TRUE(Packed(Restricted(RandomCovariance(3, 30, 1), bits)).IsSafelyRegular(bits));
+  EXPECT_FALSE(MCSymMatrix(2).IsSafelyRegular(AllBits(3)));
 }
 
 TEST(CheckMDependent, CountsTheColumnsThatDependOnOthers) {

@@ -40,6 +40,41 @@ TEST_P(ComponentProperties, ConstantFactorOfWeightsDoesNotMatterWithReplacement)
   EXPECT_NEAR(after.statistics->PopulationSize(), 1000 * before.statistics->PopulationSize(), 1e-6);
 }
 
+// Sums of weights may not overflow; products of them do.
+TEST_P(ComponentProperties, TheUnitOfTheWeightsNeverMatters) {
+  const std::vector<Case> cases = Cases();
+  const ComponentRun before(FullModel(Categories()), cases);
+  for (const int exponent : {-1000, -40, 40, 1000}) {
+    std::vector<Case> scaled = cases;
+    for (Case& each : scaled)
+      each.weight = std::ldexp(each.weight, exponent);
+    const ComponentRun after(FullModel(Categories()), scaled);
+    ASSERT_FALSE(after.status.IsError()) << exponent;
+    ExpectSameResults(after, before, 1e-12);
+    EXPECT_DOUBLE_EQ(after.statistics->PopulationSize(),
+                     std::ldexp(before.statistics->PopulationSize(), exponent));
+    EXPECT_DOUBLE_EQ(after.statistics->ClassificationMatrix().GetElem(1, 0),
+                     std::ldexp(before.statistics->ClassificationMatrix().GetElem(1, 0), exponent));
+    EXPECT_NEAR(after.statistics->McFadden(), before.statistics->McFadden(), 1e-12);
+  }
+}
+
+TEST_P(ComponentProperties, TheUnitOfACovariateNeverMatters) {
+  const std::vector<Case> cases = Cases();
+  const ComponentRun before(FullModel(Categories()), cases);
+  const std::size_t slope = 6;
+  for (const int exponent : {-1000, -600, 600, 1000}) {
+    std::vector<Case> scaled = cases;
+    for (Case& each : scaled)
+      each.x = std::ldexp(each.x, exponent);
+    const ComponentRun after(FullModel(Categories()), scaled);
+    ASSERT_FALSE(after.status.IsError()) << exponent;
+    EXPECT_NEAR(std::ldexp(after.Estimate(slope), exponent) / before.Estimate(slope), 1, 1e-12);
+    EXPECT_NEAR(std::ldexp(after.StandardError(slope), exponent) / before.StandardError(slope), 1, 1e-12);
+    EXPECT_NEAR(after.StandardError(0) / before.StandardError(0), 1, 1e-12);
+  }
+}
+
 TEST_P(ComponentProperties, CodesOfStrataAndClustersDoNotMatter) {
   std::vector<Case> cases = Cases();
   const ComponentRun before(FullModel(Categories()), cases);

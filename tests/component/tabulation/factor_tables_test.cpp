@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 
 #include "component/numerics/missing_value.h"
 
@@ -124,6 +125,59 @@ TEST(OrvFactorTables, AConstantCovariateHasScaleZero) {
   AddThree(tables);
   EXPECT_DOUBLE_EQ(tables.Centres(true)[1], 0.5);
   EXPECT_EQ(tables.Scales(true)[1], 0);
+}
+
+/// Scale of a lone covariate that is 1, 2, 4 with weights 1, 2, 3, in other units.
+double ScaleInUnits(double covariate, double weight, bool intercept = true) {
+  OrvFactorTables tables = Tables();
+  tables.SetEffects({{}, {}}, kPositions);
+  tables.SetEffectCovariates({{}, {kX}}, {{}, {1}});
+  for (const auto& [x, w] : {std::pair{1.0, 1.0}, {2.0, 2.0}, {4.0, 3.0}})
+    Add(tables, {w * weight, 1, 1, 1, x * covariate, 0});
+  return tables.Scales(intercept)[1] / covariate;
+}
+
+TEST(OrvFactorTables, SpreadsNeitherOverflowNorUnderflow) {
+  for (const bool intercept : {true, false}) {
+    const double scale = ScaleInUnits(1, 1, intercept);
+    for (const int exponent : {-1000, -600, 600, 1000}) {
+      EXPECT_EQ(ScaleInUnits(std::ldexp(1.0, exponent), 1, intercept), scale) << exponent;
+      EXPECT_EQ(ScaleInUnits(1, std::ldexp(1.0, exponent), intercept), scale) << exponent;
+      EXPECT_EQ(ScaleInUnits(std::ldexp(1.0, exponent), std::ldexp(1.0, -exponent), intercept), scale);
+    }
+  }
+}
+
+// Its deviation is that of one case in eight, (1/8)(7/8) of its square.
+TEST(OrvFactorTables, OneHugeValueAmongOthersMakesTheSpread) {
+  for (const std::size_t place : {0U, 3U, 7U}) {
+    OrvFactorTables tables = Tables();
+    tables.SetEffects({{}, {}}, kPositions);
+    tables.SetEffectCovariates({{}, {kX}}, {{}, {1}});
+    for (std::size_t i = 0; i < 8; ++i)
+      Add(tables, {1, 1, 1, 1, i == place ? 1e200 : 0.5 * static_cast<double>(i), 0});
+    EXPECT_NEAR(tables.Scales(true)[1] / 1e200, std::sqrt(7.0) / 8, 1e-15) << place;
+  }
+}
+
+TEST(OrvFactorTables, TheUnitOfWeightsIsAPowerOfFourNearTheirMean) {
+  const auto unit = [](double weight) {
+    OrvFactorTables tables = Tables();
+    Add(tables, {weight / 2, 1, 1, 1, 0, 0});
+    Add(tables, {weight * 3 / 2, 1, 1, 1, 0, 0});
+    tables.AddComplement(1e9);
+    return tables.WeightUnit();
+  };
+  EXPECT_EQ(unit(1), 1);
+  EXPECT_EQ(unit(3.9), 1);
+  EXPECT_EQ(unit(4), 4);
+  EXPECT_EQ(unit(100), 64);
+  EXPECT_EQ(unit(0.6), 1);
+  EXPECT_EQ(unit(0.3), 0.25);
+  EXPECT_EQ(unit(0.01), 0x1p-6);
+  EXPECT_EQ(unit(0x1p-1010), 0x1p-1010);
+  EXPECT_EQ(unit(0x1p+1010), 0x1p+1010);
+  EXPECT_EQ(Tables().WeightUnit(), 1) << "without weights";
 }
 
 TEST(OrvFactorTables, WithoutInterceptNothingIsCentred) {
