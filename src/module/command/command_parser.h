@@ -16,7 +16,7 @@ class TavoCommandParser {
                     host::ProcedureDataSource& data);
   ~TavoCommandParser();
 
-  /// Once only. Nonzero for success: the specification is final then.
+  /// Once only. Nonzero for success: what was parsed is final then.
   int Parse();
 
  private:

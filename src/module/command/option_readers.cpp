@@ -116,7 +116,7 @@ bool ReadStatistics(ParseContext& context, const SubComObj& statistics) {
                                                                   {"CINTERVAL", Statistic::CINTERVAL},
                                                                   {"DEFF", Statistic::DEFF},
                                                                   {"DEFFSQRT", Statistic::DEFFSQRT}}};
-  // In the order of this list, so that the specification is the same however the command orders its words.
+  // In the order of this list, so that the result is the same however the command orders its words.
   for (const auto& [keyword, statistic] : kStatistics) {
     if (statistics.getParamObj(keyword) != nullptr) context.specs.AddStatistic(statistic);
   }

@@ -62,7 +62,7 @@ class TavoValidSpecs final : public OrvPlanValidSpecs {
   /// several roles takes one column. The last step of parsing, once only: nothing is set afterwards.
   void NumberColumns() override;
   /// What the component is told: plan, options and limits from here, counts and codes from the first pass.
-  /// There is one level count per factor. Effects refer to this specification, which must outlive all copies
+  /// There is one level count per factor. Effects refer to this object, which must outlive all copies
   /// of the settings. Stop processor and progress listener are the caller's to set.
   TavoCompSettings BuildSettings(const FirstPassFindings& found) const;
 

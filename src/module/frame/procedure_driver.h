@@ -27,7 +27,7 @@ class TavoProcedureDriver {
   /// the run ends here; the status says why: kNoRecords, kOneDependentValue, kCancelled, or kUserError when
   /// the user has been told.
   std::optional<FirstPassFindings> ProcessDataPass();
-  /// Builds the component from the specification and what was found, and runs it. False when there is no
+  /// Builds the component from what was asked for and what was found, and runs it. False when there is no
   /// model: the status, of this or an earlier step, says why.
   bool RunModel(const FirstPassFindings& found);
   /// Hands the component's statuses to the host.

@@ -11,6 +11,8 @@ using host::kSystemMissing;
 using tavo::OrvPlanStage;
 using tavo::PlanValueWay;
 
+// Only selection with equal probabilities without replacement takes a number by case: the other estimators
+// need none, or have it in a file of joint probabilities.
 StageValue::StageValue(const OrvPlanStage& stage, int variable, const std::vector<int>& matrix,
                        const host::VORN_DataSource& source, const host::VORN_InputCaseIterator& iterator)
     : fStage(stage) {
@@ -39,6 +41,7 @@ double StageValue::Current(std::size_t caseNumber) {
   return kSystemMissing;
 }
 
+// A population is counted in whole units; a probability may be 1, for units that are taken with certainty.
 bool StageValue::IsPossible(double value) const {
   if (!(value > 0)) return false;
   return IsSize(fStage) ? host::FUZZYINTEGER(&value) : value <= 1;
@@ -56,6 +59,8 @@ void StageValue::FillMatrix(const std::vector<int>& variables, const host::VORN_
     EnterRow(row, ++number);
 }
 
+// A row whose categories can't be read as values of their variables could never match a case, so it is a
+// finding of its own and not one of the cases that it leaves without a row.
 void StageValue::EnterRow(const host::VarCatList::Row& row, std::size_t number) {
   fKey.clear();
   for (std::size_t i = 0; i < row.categories.size(); ++i) {
@@ -85,6 +90,7 @@ double StageValue::InMatrix() {
   return kSystemMissing;
 }
 
+// As a user would look for the row in the plan.
 std::string StageValue::MatrixKey() const {
   std::string text;
   for (std::size_t i = 0; i < fMatrixValues.size(); ++i) {

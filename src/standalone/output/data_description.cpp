@@ -35,6 +35,8 @@ std::string TypeName(const VORN_Variable& variable) {
   return variable.IsNumeric() ? "number" : fmt::format("string of {}", variable.GetType());
 }
 
+// Numbers keep all their digits here, whatever their print format says: a description is read to find out
+// what is in a file.
 std::string ShownValue(const VORN_Variable& variable, const std::vector<host::OBS>& value) {
   return variable.IsNumeric() ? ShortestText(value.front().number) : ValueText(variable, value.data());
 }
@@ -55,7 +57,7 @@ std::string MissingList(const VORN_Variable& variable) {
   for (const auto& value : missing.values) {
     if (!list.empty()) list += ", ";
     const std::string text = ShownValue(variable, value);
-    list += text.empty() ? "(blank)" : text;
+    list += text.empty() ? "(blank)" : text;  // an empty place between two commas would read like a mistake
   }
   return list;
 }
